@@ -1,0 +1,30 @@
+#pragma once
+
+#include "SxPicBuf.h"
+#include "tarnCoreGlobal.h"
+
+/// Memory and scaling of pictures. The only source of pixel memory that host and plug-ins share.
+class TARNCORE_EXPORT CxPicBufAPI
+{
+public:
+    CxPicBufAPI() = delete;
+
+    /// Gives \p picture the format and rows of `pitch` bytes, `height` of them, uninitialised; what
+    /// it held before is not released. A pitch of 0 becomes the row's bytes rounded up to a
+    /// multiple of 256, which the picture then shows. \p zeroFill and \p extraSize (bytes behind
+    /// the last row) are this stand-in's reading of two arguments that plug-ins pass as false and 0.
+    ///
+    /// \return false, with \p picture untouched, when the format is empty or absurd, its pitch
+    ///         shorter than a row, or memory short.
+    static bool AllocPicBufFromHeap(SxPicBuf& picture, SxPicBufInfo const& format, bool zeroFill,
+                                    unsigned long extraSize);
+
+    /// Releases the pixels of a picture from AllocPicBufFromHeap(); does nothing to one without. Afterwards
+    /// `data` is null. \p resetFormat also returns the format to its default (this stand-in's reading).
+    static void FreePicBuf(SxPicBuf& picture, bool resetFormat);
+
+    /// Scales \p source into \p target, whose format and memory are set. Packed formats with samples
+    /// of 8 or 16 bits and 1, 3 or 4 components; format and depth are converted where they differ.
+    /// The time stamp goes along. \return false, with the pixels of \p target unspecified, otherwise.
+    static bool Resize(SxPicBuf const& source, SxPicBuf& target);
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+/// Everything that the host's core library declares for its plug-ins.
+#include "CxImageData.h"
+#include "CxImageFormat.h"
+#include "CxPicBufAPI.h"
+#include "CxPlugin.h"
+#include "CxRTTI.h"
+#include "CxVideoCodecManager.h"
+#include "IxChainData.h"
+#include "IxChainDataLoader.h"
+#include "IxChainDataSaver.h"
+#include "IxImageDataLoader.h"
+#include "IxImageDataSaver.h"
+#include "IxVideoAccessor.h"
+#include "IxVideoDecoder.h"
+#include "IxVideoEncoder.h"
+#include "SxPicBuf.h"
+#include "SxPicBufInfo.h"
+#include "tarnCoreVersion.h"

@@ -1,0 +1,43 @@
+// What the host does for a plug-in that does not speak for itself.
+#include "CxPlugin.h"
+#include "IxChainDataSaver.h"
+#include "IxVideoEncoder.h"
+
+CxPlugin::~CxPlugin() = default;
+
+bool CxPlugin::init() { return true; }
+void CxPlugin::finish() {}
+void CxPlugin::loadSettings(QSettings*) {}
+void CxPlugin::saveSettings(QSettings*) {}
+
+QString CxPlugin::copyrightNotice() const { return QString(); }
+QString CxPlugin::name() const { return QString(); }
+QString CxPlugin::author() const { return QString(); }
+QString CxPlugin::description() const { return QString(); }
+void CxPlugin::version(int& major, int& minor, int& build) const { major = minor = build = 0; }
+
+QString CxPlugin::version() const
+{
+    int major = 0;
+    int minor = 0;
+    int build = 0;
+    version(major, minor, build);
+    return QStringLiteral("%1.%2.%3").arg(major).arg(minor).arg(build);
+}
+
+QString CxPlugin::website() const { return QString(); }
+
+void CxPlugin::activeViewChanged(int) {}
+void CxPlugin::viewAboutToClose(int) {}
+void CxPlugin::newCameraConnected(void*) {}
+void CxPlugin::cameraDisconnected(void*) {}
+void CxPlugin::viewGotNewImage(int, CxImageData const*) {}
+void CxPlugin::viewMouseBtnPressEvent(int, QGraphicsSceneMouseEvent*) {}
+void CxPlugin::viewMouseMoveEvent(int, QGraphicsSceneMouseEvent*) {}
+void CxPlugin::viewMouseBtnReleaseEvent(int, QGraphicsSceneMouseEvent*) {}
+void CxPlugin::viewMouseDoubleClickEvent(int, QGraphicsSceneMouseEvent*) {}
+void CxPlugin::customCommand(QString const&, int, int, void*, void*) {}
+
+IxChainDataSaver::~IxChainDataSaver() = default;
+
+double IxVideoEncoder::getForcedFps() { return 0.0; }
