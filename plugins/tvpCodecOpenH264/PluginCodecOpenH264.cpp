@@ -1,8 +1,10 @@
 #include "PluginCodecOpenH264.h"
 
 #include "CxRTTI.h"
+#include "H264VideoLoader.h"
 #include "H264VideoSaver.h"
 #include "OpenH264Licence.h"
+#include "openH264Decoder.h"
 #include "openH264Encoder.h"
 #include "tarnCoreVersion.h"
 
@@ -10,7 +12,9 @@ bool CxPluginCodecOpenH264::init()
 {
     CxRTTI* const registry = CxRTTI::instance();
     registry->registerClass(this, CxOpenH264Encoder::staticMetaObject, QStringLiteral("IxVideoEncoder"));
+    registry->registerClass(this, CxOpenH264Decoder::staticMetaObject, QStringLiteral("IxVideoDecoder"));
     registry->registerClass(this, CxH264VideoSaver::staticMetaObject, QStringLiteral("IxImageDataSaver"));
+    registry->registerClass(this, CxH264VideoLoader::staticMetaObject, QStringLiteral("IxImageDataLoader"));
     return true;
 }
 
