@@ -1,5 +1,6 @@
 #include "H264VideoSaver.h"
 
+#include <QGridLayout>
 #include <cstring>
 
 #include "CriticalMessage.h"
@@ -42,14 +43,34 @@ bool CxH264VideoSaver::querySavedImageFormat(SxPicBufInfo const& input, SxPicBuf
 
 void CxH264VideoSaver::setSaverOptions(QMap<QString, QVariant> const& options) { m_saverOptions = options; }
 
-QWidget* CxH264VideoSaver::widgetForSaveDlg(QWidget*) { return nullptr; }
+QWidget* CxH264VideoSaver::widgetForSaveDlg(QWidget* parent)
+{
+    std::unique_ptr<IxVideoEncoder> encoder = fx_NewEncoder();
+    if (!encoder)
+        return nullptr;
+    std::unique_ptr<QWidget> container(new QWidget(parent));
+    QWidget* const panel = encoder->widgetForSaveDlg(container.get());
+    if (!panel) {
+        encoder.release(); // Deliberate: an encoder without a panel is left to the host.
+        return nullptr;
+    }
+    QGridLayout* const grid = new QGridLayout(container.get());
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->addWidget(panel, 0, 0);
+    return container.release();
+}
 
-QMap<QString, QVariant> CxH264VideoSaver::optionsFromWidgetInSaveDlg(QWidget*) { return {}; }
+QMap<QString, QVariant> CxH264VideoSaver::optionsFromWidgetInSaveDlg(QWidget*)
+{
+    return {{QStringLiteral("codec"), kFourCCH264}};
+}
 
-QMap<QString, QVariant> CxH264VideoSaver::codecOptionsFromWigetInSaveDlg(QWidget*, unsigned int& fourCC)
+QMap<QString, QVariant> CxH264VideoSaver::codecOptionsFromWigetInSaveDlg(QWidget* widget,
+                                                                         unsigned int& fourCC)
 {
     fourCC = kFourCCH264;
-    return {};
+    std::unique_ptr<IxVideoEncoder> const encoder = fx_NewEncoder();
+    return encoder ? encoder->optionsFromWidgetInSaveDlg(widget) : QMap<QString, QVariant>();
 }
 
 bool CxH264VideoSaver::open()

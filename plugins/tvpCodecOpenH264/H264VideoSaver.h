@@ -39,8 +39,15 @@ public:
     void setOutputFile(QString const& fileName) override; ///< without effect on an open file
     bool querySavedImageFormat(SxPicBufInfo const& input, SxPicBufInfo& output) override;
     void setSaverOptions(QMap<QString, QVariant> const& options) override;
-    QWidget* widgetForSaveDlg(QWidget* parent) override; ///< null: there is no panel yet
-    QMap<QString, QVariant> optionsFromWidgetInSaveDlg(QWidget* widget) override;
+
+    /// A new container with the encoder's options panel; \p parent owns it. Null when there is no
+    /// H.264 encoder.
+    QWidget* widgetForSaveDlg(QWidget* parent) override;
+    QMap<QString, QVariant>
+    optionsFromWidgetInSaveDlg(QWidget* widget) override; ///< always {"codec": FourCC}
+
+    /// The encoder's options as \p widget (the container, the panel or an ancestor) shows them, for
+    /// the host to hand to the codec manager's encoders. \p fourCC is set in any case.
     QMap<QString, QVariant> codecOptionsFromWigetInSaveDlg(QWidget* widget, unsigned int& fourCC) override;
 
     /// Opens the output file and, once, takes an encoder. False when either fails; a file that

@@ -36,9 +36,21 @@ void CxOpenH264Encoder::setEncoderOptions(QMap<QString, QVariant> const& options
         m_showAdvanced = advanced->toBool();
 }
 
-QWidget* CxOpenH264Encoder::widgetForSaveDlg(QWidget*) { return nullptr; }
+QWidget* CxOpenH264Encoder::widgetForSaveDlg(QWidget* parent)
+{
+    SxPanelOptions options = {m_quality, m_keyFrameRate, m_complexity, m_profile, m_level, m_showAdvanced};
+    CxPanel* const panel = fx_NewPanel(parent, options);
+    // Deliberate: the panel and this object agree on what stands in for a value not offered.
+    m_complexity = options.complexity;
+    m_profile = options.profile;
+    m_level = options.level;
+    return panel;
+}
 
-QMap<QString, QVariant> CxOpenH264Encoder::optionsFromWidgetInSaveDlg(QWidget*) { return {}; }
+QMap<QString, QVariant> CxOpenH264Encoder::optionsFromWidgetInSaveDlg(QWidget* widget)
+{
+    return fx_OptionsFromPanel(widget);
+}
 
 unsigned int CxOpenH264Encoder::bitrate(SxPicBufInfo const& format) const
 {

@@ -8,6 +8,7 @@
 
 #include "IxVideoEncoder.h"
 #include "openH264Levels.h"
+#include "openH264Panel.h"
 
 struct SxEncoderDeleter
 {
@@ -60,7 +61,12 @@ public:
     /// encode() only the key-frame rate still has an effect on the stream.
     void setEncoderOptions(QMap<QString, QVariant> const& options) override;
 
-    QWidget* widgetForSaveDlg(QWidget* parent) override; ///< null: there is no panel yet
+    /// A new CxPanel that shows the options set so far; \p parent owns it. Never null. A complexity,
+    /// profile or level that the panel does not offer becomes the default, in this object too.
+    QWidget* widgetForSaveDlg(QWidget* parent) override;
+
+    /// What a panel under \p widget shows, by the keys of setEncoderOptions(). Without those whose
+    /// widgets are missing; empty for null.
     QMap<QString, QVariant> optionsFromWidgetInSaveDlg(QWidget* widget) override;
 
     /// Target bit rate in bits a second for pictures of \p format: from a quarter of the picture's
