@@ -35,6 +35,8 @@ namespace {
 class CxBlockStore
 {
 public:
+    CxBlockStore() { m_kept.reserve(kMaxKeptBlocks + 1); }
+
     unsigned char* take(std::size_t bytes);
     void giveBack(unsigned char* data, std::size_t bytes);
 
@@ -79,7 +81,7 @@ unsigned char* CxBlockStore::take(std::size_t bytes)
 void CxBlockStore::giveBack(unsigned char* data, std::size_t bytes)
 {
     std::lock_guard<std::mutex> const lock(m_mutex);
-    m_kept.push_back({data, bytes});
+    m_kept.push_back({data, bytes}); // within what the constructor reserved
     // Nobody may touch a block kept: the address sanitizer reports it as it would after free().
     ASAN_POISON_MEMORY_REGION(data, bytes);
     --m_live;

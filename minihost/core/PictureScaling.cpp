@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 extern "C" {
@@ -18,6 +19,10 @@ extern "C" {
 
 static constexpr unsigned kWhite = 65535;
 static constexpr unsigned kRowPadding = 64; // samples; more than the widest vector
+// What one step does; swscale refuses from about 64 times smaller and 8192 times larger.
+static constexpr unsigned kMaxShrinking = 32;
+static constexpr unsigned kMaxEnlarging = 1024;
+static constexpr unsigned kMaxExtent = 1U << 21; // times kMaxEnlarging still fits an int
 
 namespace {
 
@@ -63,6 +68,9 @@ static SxPacking fx_Packing(SxPicBuf const& picture)
     bool const isColour = picture.components == 3 || picture.components == 4;
     if (picture.layout != 1 || !(isBytes || isWords) || !(isGrey || isColour))
         return SxPacking();
+
+    if (picture.width > kMaxExtent || picture.height > kMaxExtent)
+        return SxPacking(); // swscale counts in int
 
     unsigned const sampleBytes = isBytes ? 1 : 2;
     quint64 const rowBytes = quint64(picture.width) * picture.components * sampleBytes;
@@ -176,19 +184,31 @@ static bool fx_ScaleOnce(SxPlane const& source, SxPlane& target)
     return rows == static_cast<int>(target.height);
 }
 
-/// Scales \p source to the size of \p target.
-static bool fx_Scale(SxPlane const& source, SxPlane& target)
+/// The next width or height on the way from \p extent to \p wanted: first down, then up. The last step
+/// down is the long one, as swscale's filters are poor on sources of a few samples.
+static unsigned fx_NextExtent(unsigned extent, unsigned wanted, bool shrinks)
 {
-    bool const shrinks = target.width < source.width || target.height < source.height;
-    bool const grows = target.width > source.width || target.height > source.height;
-    if (!shrinks || !grows)
-        return fx_ScaleOnce(source, target);
+    if (extent > wanted * kMaxShrinking)
+        return std::max(wanted * kMaxShrinking, (extent + kMaxShrinking - 1) / kMaxShrinking);
+    if (extent > wanted)
+        return wanted;
+    return shrinks ? extent : std::min(wanted, extent * kMaxEnlarging);
+}
 
-    // swscale refuses to shrink far in one direction while it enlarges in the other.
-    SxPlane between;
-    return fx_MakePlane(between, std::min(source.width, target.width),
-                        std::min(source.height, target.height)) &&
-           fx_ScaleOnce(source, between) && fx_ScaleOnce(between, target);
+/// Scales \p plane to the given size, in several steps where swscale refuses to go in one: it neither
+/// goes far in one nor shrinks in one direction while it enlarges in the other.
+static bool fx_Scale(SxPlane& plane, unsigned width, unsigned height)
+{
+    while (plane.width != width || plane.height != height) {
+        bool const shrinks = plane.width > width || plane.height > height;
+        SxPlane next;
+        if (!fx_MakePlane(next, fx_NextExtent(plane.width, width, shrinks),
+                          fx_NextExtent(plane.height, height, shrinks)) ||
+            !fx_ScaleOnce(plane, next))
+            return false;
+        plane = std::move(next);
+    }
+    return true;
 }
 
 static void fx_Load(SxPicBuf const& source, SxPacking const& packing, bool asGrey, unsigned component,
@@ -215,8 +235,7 @@ static void fx_Store(SxPlane const& plane, SxPacking const& packing, SxPicBuf co
 
 static void fx_Fill(SxPlane& plane, quint16 value)
 {
-    for (unsigned y = 0; y < plane.height; ++y)
-        std::fill_n(plane.row(y), plane.width, value);
+    std::fill_n(plane.row(0), plane.stride * plane.height, value);
 }
 
 bool CxPicBufAPI::Resize(SxPicBuf const& source, SxPicBuf& target)
@@ -226,22 +245,19 @@ bool CxPicBufAPI::Resize(SxPicBuf const& source, SxPicBuf& target)
     if (from.sampleBytes == 0 || to.sampleBytes == 0 || fx_SharePixels(source, target))
         return false;
 
-    SxPlane loaded;
-    SxPlane scaled;
-    if (!fx_MakePlane(loaded, source.width, source.height) ||
-        !fx_MakePlane(scaled, target.width, target.height))
-        return false;
-
     std::vector<quint16> const table = fx_WideningTable(from.white);
+    SxPlane plane;
     for (unsigned component = 0; component < to.components; ++component) {
         if (component == 3 && from.components != 4) {
-            fx_Fill(scaled, kWhite);                    // the fourth component made up here means opaque
+            fx_Fill(plane, kWhite); // a fourth component that the source lacks means opaque
         } else if (component == 0 || from.isColour()) { // grey goes to all three colours
-            fx_Load(source, from, from.isColour() && !to.isColour(), component, table, loaded);
-            if (!fx_Scale(loaded, scaled))
+            if (!fx_MakePlane(plane, source.width, source.height))
+                return false;
+            fx_Load(source, from, from.isColour() && !to.isColour(), component, table, plane);
+            if (!fx_Scale(plane, target.width, target.height))
                 return false;
         }
-        fx_Store(scaled, to, target, component);
+        fx_Store(plane, to, target, component);
     }
     target.timestamp = source.timestamp;
     return true;

@@ -51,7 +51,7 @@ QWidget* CxH264VideoSaver::widgetForSaveDlg(QWidget* parent)
     std::unique_ptr<QWidget> container(new QWidget(parent));
     QWidget* const panel = encoder->widgetForSaveDlg(container.get());
     if (!panel) {
-        encoder.release(); // Deliberate: an encoder without a panel is left to the host.
+        static_cast<void>(encoder.release()); // Deliberate: an encoder without a panel is not deleted.
         return nullptr;
     }
     QGridLayout* const grid = new QGridLayout(container.get());
