@@ -10,11 +10,12 @@
 
 bool CxPluginCodecOpenH264::init()
 {
+    // Names on the heap: the registry may outlive this library.
     CxRTTI* const registry = CxRTTI::instance();
-    registry->registerClass(this, CxOpenH264Encoder::staticMetaObject, QStringLiteral("IxVideoEncoder"));
-    registry->registerClass(this, CxOpenH264Decoder::staticMetaObject, QStringLiteral("IxVideoDecoder"));
-    registry->registerClass(this, CxH264VideoSaver::staticMetaObject, QStringLiteral("IxImageDataSaver"));
-    registry->registerClass(this, CxH264VideoLoader::staticMetaObject, QStringLiteral("IxImageDataLoader"));
+    registry->registerClass(this, CxOpenH264Encoder::staticMetaObject, QLatin1String("IxVideoEncoder"));
+    registry->registerClass(this, CxOpenH264Decoder::staticMetaObject, QLatin1String("IxVideoDecoder"));
+    registry->registerClass(this, CxH264VideoSaver::staticMetaObject, QLatin1String("IxImageDataSaver"));
+    registry->registerClass(this, CxH264VideoLoader::staticMetaObject, QLatin1String("IxImageDataLoader"));
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <locale>
 #include <sstream>
+#include <type_traits>
 
 #include "CriticalMessage.h"
 #include "FourCC.h"
@@ -104,7 +105,7 @@ bool CxOpenH264Encoder::createEncoder(SxPicBufInfo const& format)
     ISVCEncoder* created = nullptr;
     int const createError = WelsCreateSVCEncoder(&created);
     std::unique_ptr<ISVCEncoder, SxEncoderDeleter> encoder(created); // freed on every return below
-    if (createError != 0) {
+    if (createError != 0 || !encoder) {
         TVP_CRITICAL("CxOpenH264Encoder::createEncoder(): %1", "Cannot create the OpenH264 encoder.");
         return false;
     }
@@ -257,6 +258,15 @@ bool CxOpenH264Encoder::encode(SxPicBuf const& picture, void* out, unsigned long
     return true;
 }
 
+/// The number in a field that an option fills, which may be none that the library's enumeration has.
+template<typename Enumeration>
+static std::underlying_type_t<Enumeration> fx_Number(Enumeration const& field)
+{
+    std::underlying_type_t<Enumeration> number;
+    std::memcpy(&number, &field, sizeof number);
+    return number;
+}
+
 std::string dumpEncParams(TagEncParamExt const& params)
 {
     std::ostringstream text;
@@ -265,15 +275,16 @@ std::string dumpEncParams(TagEncParamExt const& params)
     text << "UsageType=" << params.iUsageType << "  Size=" << params.iPicWidth << "x" << params.iPicHeight
          << "  SpatialLayerNum=" << params.iSpatialLayerNum << "  FPS=" << params.fMaxFrameRate << "\n";
     text << "TargetBitrate=" << params.iTargetBitrate << "  MaxBitrate=" << params.iMaxBitrate
-         << "  RCMode=" << params.iRCMode << "  Complexity=" << params.iComplexityMode
+         << "  RCMode=" << params.iRCMode << "  Complexity=" << fx_Number(params.iComplexityMode)
          << "  FrameSkip=" << params.bEnableFrameSkip << "\n";
     int const layers = std::min(params.iSpatialLayerNum, int(MAX_SPATIAL_LAYER_NUM));
     for (int i = 0; i < layers; ++i) {
         SSpatialLayerConfig const& layer = params.sSpatialLayers[i];
         text << "Layer[" << i << "]: " << layer.iVideoWidth << "x" << layer.iVideoHeight
              << "  FPS=" << layer.fFrameRate << "  Bitrate=" << layer.iSpatialBitrate
-             << "  Max=" << layer.iMaxSpatialBitrate << "  Profile=" << layer.uiProfileIdc
-             << "  Level=" << layer.uiLevelIdc << "  SliceMode=" << layer.sSliceArgument.uiSliceMode << "\n";
+             << "  Max=" << layer.iMaxSpatialBitrate << "  Profile=" << fx_Number(layer.uiProfileIdc)
+             << "  Level=" << fx_Number(layer.uiLevelIdc)
+             << "  SliceMode=" << layer.sSliceArgument.uiSliceMode << "\n";
     }
     return text.str();
 }
