@@ -52,21 +52,22 @@ static SDecodingParam fx_DecodingParam()
 
 bool CxOpenH264Decoder::createDecoder()
 {
-    ISVCDecoder* created = nullptr;
-    long const error = WelsCreateDecoder(&created);
-    std::unique_ptr<ISVCDecoder, SxDecoderDeleter> decoder(created); // freed on every return below
-    if (error != 0) {
-        // Deliberate: the message names decode(), the operation that the host called.
-        TVP_CRITICAL("CxOpenH264Decoder::decode(): %1", "Cannot create the OpenH264 decoder.");
-        return false;
+    if (!m_decoder) {
+        ISVCDecoder* created = nullptr;
+        long const error = WelsCreateDecoder(&created);
+        std::unique_ptr<ISVCDecoder, SxDecoderDeleter> decoder(created); // freed on the return below
+        if (error != 0 || !created) {
+            // Deliberate: the message names decode(), the operation that the host called.
+            TVP_CRITICAL("CxOpenH264Decoder::decode(): %1", "Cannot create the OpenH264 decoder.");
+            return false;
+        }
+        m_decoder = std::move(decoder);
     }
 
     SDecodingParam const param = fx_DecodingParam();
-    if (decoder->Initialize(&param) != cmResultSuccess)
-        return false;
-
-    m_decoder = std::move(decoder);
-    return true;
+    if (m_decoder->Initialize(&param) != cmResultSuccess)
+        m_decoder.reset();
+    return m_decoder != nullptr;
 }
 
 /// The format in which pictures are delivered, but for the size.
@@ -214,16 +215,6 @@ bool CxOpenH264Decoder::decodeFrames(int first, int last, IxVideoAccessor* acces
     return true;
 }
 
-/// Drops what a failed call left in the library, so that no later frame gets an older one's picture.
-void CxOpenH264Decoder::dropHeldPictures()
-{
-    SxPlanes planes;
-    int held = 0;
-    while (m_decoder && m_decoder->GetOption(DECODER_OPTION_NUM_OF_FRAMES_REMAINING_IN_BUFFER, &held) == 0 &&
-           held > 0 && m_decoder->FlushFrame(planes.data, &planes.info) == 0)
-        planes.clear();
-}
-
 /// The first frame to feed for \p frame, given the key frames (not empty, ascending) and what the
 /// reference pictures hold. -1 when the list makes no sense.
 static int fx_FirstFrameToFeed(QList<int> const& keys, int frame, int last, bool isInStep)
@@ -258,8 +249,10 @@ bool CxOpenH264Decoder::decode(int frame, IxVideoAccessor* accessor, SxPicBuf& p
     if (first < 0)
         return false;
 
-    if (!m_isInStep)
-        dropHeldPictures();
+    // What a failed call left in the library, a picture held or half of one, would come out as the
+    // picture of a later frame: start it afresh.
+    if (!m_isInStep && m_decoder && !createDecoder())
+        return false;
     bool const wasInStep = m_isInStep;
     m_hasFed = false;
     m_isInStep = true;

@@ -41,10 +41,9 @@ public:
 private:
     struct SxPlanes;
 
-    bool createDecoder();
+    bool createDecoder(); ///< makes the OpenH264 instance, or starts the one there is afresh
     bool decodeFrame(int frame, IxVideoAccessor* accessor, SxPicBuf& picture);
     bool decodeFrames(int first, int last, IxVideoAccessor* accessor, SxPicBuf& picture);
-    void dropHeldPictures();
     bool feed(uchar const* data, size_t size, SxPlanes& planes);
     bool feedUnit(uchar const* unit, int size, SxPlanes& planes);
     bool takeHeldPicture(SxPlanes& planes);

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <vector>
+
+#include "SxPicBuf.h"
+
+/// The conversions once more, a byte at a time and straight from their definition, so that the tests do
+/// not compare the plug-in with itself.
+
+/// Blue, green and red, a byte each.
+struct SxColour
+{
+    int blue, green, red;
+};
+
+/// The six packed formats.
+struct SxSourceFormat
+{
+    char const* name;
+    quint32 sampleType;
+    quint32 components;
+
+    quint32 pixelBytes() const { return components * (sampleType == 4 ? 2 : 1); }
+};
+
+constexpr SxSourceFormat kSourceFormats[] = {
+    {"Mono8", 2, 1}, {"RGB24", 2, 3}, {"RGB32", 2, 4}, {"Mono16", 4, 1}, {"RGB48", 4, 3}, {"RGB64", 4, 4},
+};
+
+uchar fx_OracleY(SxColour colour);
+uchar fx_OracleU(SxColour colour);
+uchar fx_OracleV(SxColour colour);
+
+/// Converts to planar YUV into \p bytes, whose size is the capacity: the pair walk, every write checked
+/// against it and every read against pitch * height.
+/// \return false, \p bytes untouched, where the planes do not fit.
+bool fx_OracleToIYUV(SxPicBuf const& source, std::vector<uchar>& bytes);
+
+/// One pixel back to blue, green, red and 255.
+void fx_OracleToRGB32(int y, int u, int v, uchar* pixel);
