@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QStringList>
+
+/// The commands. Each takes its name and what follows it and returns the program's exit code.
+int fx_RunRecord(QStringList const& arguments);
+int fx_RunInfo(QStringList const& arguments);
+int fx_RunExport(QStringList const& arguments);
+int fx_RunVerify(QStringList const& arguments);

@@ -1,0 +1,99 @@
+#include "Console.h"
+
+#include <QByteArray>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#if defined(__has_feature)
+#define MINIHOST_CLANG_ASAN __has_feature(address_sanitizer)
+#else
+#define MINIHOST_CLANG_ASAN 0
+#endif
+
+namespace {
+
+bool s_quiet = false;
+bool s_transientShown = false;
+FILE* s_messages = stderr; ///< where messages go
+
+bool fx_IsTerminal() { return isatty(fileno(s_messages)) == 1 && qgetenv("TERM") != "dumb"; }
+
+bool fx_HasColour() { return fx_IsTerminal() && qEnvironmentVariableIsEmpty("NO_COLOR"); }
+
+int fx_Columns()
+{
+    winsize size = {};
+    return ioctl(fileno(s_messages), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+void fx_Write(FILE* stream, QString const& text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
+}
+
+void fx_Labelled(char const* colour, QString const& label, QString const& sentence)
+{
+    Console::transient(QString());
+    QString const shown =
+        fx_HasColour() ? QStringLiteral("\033[%1m%2\033[0m").arg(QLatin1String(colour), label) : label;
+    fx_Write(s_messages, shown + QLatin1Char(' ') + sentence + QLatin1Char('\n'));
+}
+
+} // namespace
+
+void Console::setQuiet(bool quiet) { s_quiet = quiet; }
+
+bool Console::isQuiet() { return s_quiet; }
+
+void Console::hideLibraryOutput()
+{
+#if !defined(__SANITIZE_ADDRESS__) && !MINIHOST_CLANG_ASAN
+    int const kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    FILE* const messages = kept < 0 ? nullptr : fdopen(kept, "w");
+    if (messages == nullptr)
+        return; // without standard error there is nothing to keep clean
+    s_messages = messages;
+    if (int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC); nowhere >= 0) {
+        dup2(nowhere, STDERR_FILENO);
+        close(nowhere);
+    }
+#endif
+}
+
+void Console::data(QString const& text)
+{
+    transient(QString());
+    fx_Write(stdout, text + QLatin1Char('\n'));
+}
+
+void Console::message(QString const& text)
+{
+    if (s_quiet)
+        return;
+    transient(QString());
+    fx_Write(s_messages, text + QLatin1Char('\n'));
+}
+
+void Console::warning(QString const& sentence) { fx_Labelled("33", QStringLiteral("warning:"), sentence); }
+
+void Console::error(QString const& sentence) { fx_Labelled("31", QStringLiteral("error:"), sentence); }
+
+void Console::transient(QString const& text)
+{
+    if (text.isEmpty()) {
+        if (s_transientShown)
+            fx_Write(s_messages, QStringLiteral("\r\033[K"));
+        s_transientShown = false;
+        return;
+    }
+    if (!showsTransient())
+        return;
+    // A line that wraps could not be rewritten.
+    fx_Write(s_messages, QStringLiteral("\r%1\033[K").arg(text.left(fx_Columns() - 1)));
+    s_transientShown = true;
+}
+
+bool Console::showsTransient() { return !s_quiet && fx_IsTerminal(); }

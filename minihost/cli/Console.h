@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+
+/// What a command ends with.
+enum ExitCode {
+    kDone = 0,
+    kFailed = 1,
+    kWrongUsage = 2,
+};
+
+/// The terminal, or what stands in for it: data on standard output, messages on standard error, each
+/// message one sentence. Colour only on a terminal and without NO_COLOR.
+namespace Console {
+
+void setQuiet(bool quiet); ///< leaves errors and warnings, hides everything else on standard error
+bool isQuiet();
+
+/// Hides what libraries write to standard error on their own, OpenH264's remarks about its settings
+/// for one: only what this program says belongs there. Not under the sanitizers, whose reports go there.
+void hideLibraryOutput();
+
+void data(QString const& text);    ///< to standard output, a newline added
+void message(QString const& text); ///< to standard error unless quiet, a newline added
+void warning(QString const& sentence);
+void error(QString const& sentence);
+
+/// Rewrites one line on standard error, on terminals only; the next message replaces it. An empty
+/// text removes it.
+void transient(QString const& text);
+bool showsTransient(); ///< false when piped, quiet or on a terminal that cannot
+
+} // namespace Console

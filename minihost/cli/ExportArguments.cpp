@@ -1,0 +1,153 @@
+#include "ExportArguments.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include "ContactSheet.h"
+
+static int const kMostDigits = 20;
+
+std::optional<QString> fx_FileNameOf(QString const& pattern, int frame)
+{
+    static QRegularExpression const kPlace(QStringLiteral("%(?:(%)|(0?)(\\d{0,2})d)"));
+    QString name;
+    int done = 0;
+    for (int at = pattern.indexOf(QLatin1Char('%')); at >= 0; at = pattern.indexOf(QLatin1Char('%'), done)) {
+        QRegularExpressionMatch const match = kPlace.match(pattern, at, QRegularExpression::NormalMatch,
+                                                           QRegularExpression::AnchoredMatchOption);
+        int const width = match.captured(3).toInt();
+        if (!match.hasMatch() || width > kMostDigits)
+            return std::nullopt;
+        name += pattern.mid(done, at - done);
+        QChar const fill = match.captured(2).isEmpty() ? QLatin1Char(' ') : QLatin1Char('0');
+        name += match.captured(1).isEmpty() ? QStringLiteral("%1").arg(frame, width, 10, fill)
+                                            : QStringLiteral("%");
+        done = match.capturedEnd();
+    }
+    return name + pattern.mid(done);
+}
+
+bool fx_HasPlaceForNumber(QString const& pattern)
+{
+    return fx_FileNameOf(pattern, 0) != fx_FileNameOf(pattern, 1);
+}
+
+namespace {
+
+/// Decides what is written, and sees that the options fit together; one sentence when they do not.
+QString fx_ChooseKind(QCommandLineParser const& parser, SxExportArguments& parsed)
+{
+    parsed.output = parser.value(QStringLiteral("output"));
+    if (parser.isSet(QStringLiteral("hash"))) {
+        parsed.kind = SxExportArguments::Kind::Hashes;
+        if (parser.value(QStringLiteral("hash")) != QLatin1String("md5"))
+            return QStringLiteral("--hash takes md5, not '%1'.").arg(parser.value(QStringLiteral("hash")));
+        for (char const* other : {"output", "stream", "sheet", "overwrite"}) {
+            if (parser.isSet(QString::fromLatin1(other)))
+                return QStringLiteral(
+                           "--hash prints hashes instead of writing pictures, so --%1 has no place.")
+                    .arg(QLatin1String(other));
+        }
+        return QString();
+    }
+    if (parsed.output.isEmpty())
+        return QStringLiteral("No --output is given.");
+    if (parsed.output == QLatin1String("-")) {
+        parsed.kind = SxExportArguments::Kind::Stream;
+        if (parser.isSet(QStringLiteral("sheet")))
+            return QStringLiteral("--sheet needs a file as --output.");
+        if (parsed.common.json)
+            return QStringLiteral("--json and the pictures cannot both go to standard output.");
+        return QString();
+    }
+    if (parser.isSet(QStringLiteral("stream")))
+        return QStringLiteral("--stream is for standard output: --output -");
+    if (parser.isSet(QStringLiteral("sheet")))
+        parsed.kind = SxExportArguments::Kind::Sheet;
+    if (!CxPictureEncoder::suffixes().contains(QFileInfo(parsed.output).suffix().toLower()))
+        return QStringLiteral("'%1' must end in one of %2.")
+            .arg(parsed.output,
+                 QStringLiteral(".") + CxPictureEncoder::suffixes().join(QStringLiteral(", .")));
+    if (!fx_FileNameOf(parsed.output, 0))
+        return QStringLiteral("'%1' has a percent sign that is neither a place for the frame number, as in "
+                              "frame_%05d.png, nor doubled.")
+            .arg(parsed.output);
+    if (parsed.kind == SxExportArguments::Kind::Sheet && fx_HasPlaceForNumber(parsed.output))
+        return QStringLiteral("A contact sheet is one picture: '%1' has no use for a frame number.")
+            .arg(parsed.output);
+    return QString();
+}
+
+QString fx_ReadValues(QCommandLineParser const& parser, SxExportArguments& parsed)
+{
+    if (parser.isSet(QStringLiteral("stream"))) {
+        QString const name = parser.value(QStringLiteral("stream"));
+        auto const format = CxPictureStream::formatFromName(name);
+        if (!format)
+            return QStringLiteral("--stream takes one of %1, not '%2'.")
+                .arg(CxPictureStream::formatNames().join(QStringLiteral(", ")), name);
+        parsed.stream = *format;
+    }
+    if (parser.isSet(QStringLiteral("sheet"))) {
+        QString const columns = parser.value(QStringLiteral("sheet"));
+        parsed.sheetColumns = columns.toInt();
+        if (parsed.sheetColumns < 1 || parsed.sheetColumns > CxContactSheet::kMostColumns)
+            return QStringLiteral("--sheet takes the pictures in a row, 1 to %1, not '%2'.")
+                .arg(CxContactSheet::kMostColumns)
+                .arg(columns);
+    }
+    QString error;
+    if (!parser.isSet(QStringLiteral("frames")))
+        return QStringLiteral("No --frames are given; --frames all takes every frame.");
+    parsed.frames = CxFrameSpec::parse(parser.value(QStringLiteral("frames")), error);
+    return error;
+}
+
+} // namespace
+
+bool fx_ParseExportArguments(QStringList const& arguments, SxExportArguments& parsed, QString& error)
+{
+    QCommandLineParser parser;
+    fx_DeclarePlayOptions(parser);
+    for (char const* name : {"frames", "hash", "stream", "sheet"})
+        parser.addOption({QString::fromLatin1(name), QString(), QStringLiteral("value")});
+    parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QString(), QStringLiteral("value")});
+    parser.addOption(QCommandLineOption(QStringLiteral("overwrite")));
+    if (!fx_ParsePlayArguments(parser, arguments, parsed.common, error))
+        return false;
+    if (parsed.common.help)
+        return true;
+    parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    error = fx_ReadValues(parser, parsed);
+    if (error.isEmpty())
+        error = fx_ChooseKind(parser, parsed);
+    return error.isEmpty();
+}
+
+QString fx_ExportHelp()
+{
+    return QStringLiteral(
+               "Writes frames of a raw H.264 recording as pictures, in the order asked.\n"
+               "\n"
+               "  minihost export test.h264 --frames 0,150,299 -o frame_%05d.png   three pictures\n"
+               "  minihost export test.h264 --frames 0-299:25 --sheet 4 -o sheet.png\n"
+               "                                                    a contact sheet, four in a row\n"
+               "  minihost export test.h264 --frames all -o - | ffplay -      for another program\n"
+               "  minihost export test.h264 --frames 299-0 --hash md5         what is in them\n"
+               "\n"
+               "Usage: minihost export FILE --frames SPEC --output PATTERN|- [options]\n"
+               "\n"
+               "  --frames SPEC       4711, 10-20, 20-10, 10- (to the end), 0-300:30 (every 30th), key,\n"
+               "                      all, or several of them with commas between; frames count from 0\n"
+               "  -o, --output P      a file name ending in .%1, with %d\n"
+               "                      or %05d for the frame number; - for standard output\n"
+               "  --stream F          what standard output gets: %2 (y4m)\n"
+               "  --sheet COLUMNS     all frames on one picture, COLUMNS in a row, numbers below\n"
+               "  --hash md5          instead of pictures a line for each frame: its number and the MD5\n"
+               "                      of its rows as blue, green, red, 255, without gaps between rows\n"
+               "  --overwrite         replace files that exist\n"
+               "  --json              what was written as JSON on standard output\n")
+               .arg(CxPictureEncoder::suffixes().join(QStringLiteral(", .")),
+                    CxPictureStream::formatNames().join(QStringLiteral(", "))) +
+           fx_PlayOptionsHelp() + QStringLiteral("\nExit code: 0 done, 1 failed, 2 wrong usage.");
+}

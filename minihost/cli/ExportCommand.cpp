@@ -1,0 +1,122 @@
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "Commands.h"
+#include "Console.h"
+#include "ExportArguments.h"
+#include "ExportSink.h"
+#include "Interrupt.h"
+#include "ProgressLine.h"
+
+namespace {
+
+enum class Outcome { Done, ReaderGone, Failed };
+
+Outcome fx_OutcomeOf(IxExportSink::Result result)
+{
+    switch (result) {
+    case IxExportSink::Result::Taken:
+        return Outcome::Done;
+    case IxExportSink::Result::ReaderGone:
+        return Outcome::ReaderGone;
+    case IxExportSink::Result::Error:
+        break;
+    }
+    return Outcome::Failed;
+}
+
+/// Decodes the frames in their order and gives each to the sink; \p error one sentence when that fails.
+Outcome fx_Feed(CxRecordingFile& recording, QVector<int> const& frames, IxExportSink& sink, QString& error)
+{
+    std::atomic<bool> const& stop = fx_CatchInterrupts();
+    CxProgressLine line(frames.size());
+    std::unique_ptr<CxImageData> picture;
+    int done = 0;
+    for (int const frame : frames) {
+        if (stop.load()) {
+            error = recording.fileName() +
+                    QStringLiteral(": stopped after %1 of %2 pictures.").arg(done).arg(frames.size());
+            return Outcome::Failed;
+        }
+        QString cause;
+        std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
+        if (!next) {
+            error = recording.fileName() +
+                    QStringLiteral(": frame %1 cannot be decoded: %2.").arg(frame).arg(cause);
+            return Outcome::Failed;
+        }
+        picture = std::move(next); // the one before lived until now: its memory is reused
+        Outcome const outcome = fx_OutcomeOf(sink.take(frame, *picture->picBuf(), error));
+        if (outcome != Outcome::Done)
+            return outcome;
+        line.update(++done, -1, QString());
+    }
+    return fx_OutcomeOf(sink.finish(error));
+}
+
+QString fx_Json(SxExportArguments const& arguments, IxExportSink const& sink, QString const& error)
+{
+    QJsonObject const json{
+        {QStringLiteral("file"), arguments.common.file},
+        {QStringLiteral("exported"), sink.summaryJson()},
+        {QStringLiteral("error"), error.isEmpty() ? QJsonValue() : QJsonValue(error)},
+    };
+    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
+}
+
+int fx_Export(CxRecordingFile& recording, SxExportArguments const& arguments)
+{
+    QString error;
+    std::optional<QVector<int>> const frames =
+        arguments.frames->frames(recording.frameCount(), recording.keyFrames(), error);
+    if (!frames || frames->isEmpty()) {
+        Console::error(QStringLiteral("%1: %2").arg(
+            recording.fileName(), frames ? QStringLiteral("the recording has no key frames.") : error));
+        return kFailed;
+    }
+    if (arguments.kind == SxExportArguments::Kind::Files &&
+        frames->count(frames->first()) != frames->size() && !fx_HasPlaceForNumber(arguments.output))
+        return fx_WrongUsage(QStringLiteral("export"),
+                             QStringLiteral("'%1' needs a place for the frame number, as in frame_%05d.png.")
+                                 .arg(arguments.output));
+    std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(arguments, *frames, error);
+    if (!sink) {
+        Console::error(error);
+        return kFailed;
+    }
+
+    Outcome const outcome = fx_Feed(recording, *frames, *sink, error);
+    Console::transient(QString());
+    if (outcome == Outcome::ReaderGone)
+        return kDone; // "| head" has seen enough
+    if (arguments.common.json)
+        Console::data(fx_Json(arguments, *sink, error));
+    if (outcome == Outcome::Failed) {
+        Console::error(error);
+        return kFailed;
+    }
+    QString const summary = sink->summary();
+    if (!summary.isEmpty())
+        Console::message(summary);
+    return kDone;
+}
+
+} // namespace
+
+int fx_RunExport(QStringList const& arguments)
+{
+    SxExportArguments parsed;
+    QString error;
+    if (!fx_ParseExportArguments(arguments, parsed, error))
+        return fx_WrongUsage(QStringLiteral("export"), error);
+    if (parsed.common.help) {
+        Console::data(fx_ExportHelp());
+        return kDone;
+    }
+    CxPlaySession session(parsed.common);
+    if (!session.open(error)) {
+        Console::error(error);
+        return kFailed;
+    }
+    return fx_Export(session.recording(), parsed);
+}

@@ -1,0 +1,219 @@
+#include "RecordArguments.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace {
+
+QString const kCamera = QStringLiteral("camera:");
+
+int const kBitsMin = 8;
+int const kBitsMax = 16;
+
+/// Reads options out of a parsed command line and keeps the first complaint.
+class CxOptionReader
+{
+public:
+    CxOptionReader(QCommandLineParser const& parser, QString& error)
+        : m_parser(parser)
+        , m_error(error)
+    {}
+
+    /// A whole number from \p least to \p most, if the option is given.
+    template<class Integer>
+    void readNumber(char const* name, Integer& value, Integer least, Integer most)
+    {
+        QString const option = QString::fromLatin1(name);
+        if (!m_parser.isSet(option))
+            return;
+        bool isNumber = false;
+        qlonglong const number = m_parser.value(option).toLongLong(&isNumber);
+        if (isNumber && number >= static_cast<qlonglong>(least) && number <= static_cast<qlonglong>(most))
+            value = static_cast<Integer>(number);
+        else
+            complain(option, QStringLiteral("a whole number from %1 to %2").arg(least).arg(most));
+    }
+
+    /// One of some names, if the option is given.
+    template<class Value, class FromName>
+    void readName(char const* name, Value& value, FromName fromName, QStringList const& names)
+    {
+        QString const option = QString::fromLatin1(name);
+        if (!m_parser.isSet(option))
+            return;
+        auto const found = fromName(m_parser.value(option));
+        if (found)
+            value = *found;
+        else
+            complain(option, QStringLiteral("one of ") + names.join(QStringLiteral(", ")));
+    }
+
+    void readSize(SxTestCameraOptions& camera)
+    {
+        static QRegularExpression const kSize(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"));
+        QString const option = QStringLiteral("size");
+        if (!m_parser.isSet(option))
+            return;
+        QRegularExpressionMatch const match = kSize.match(m_parser.value(option));
+        camera.width = match.captured(1).toUInt();
+        camera.height = match.captured(2).toUInt();
+        quint32 const least = SxTestCameraOptions::kSmallestSide;
+        quint32 const most = SxTestCameraOptions::kLargestSide;
+        if (camera.width < least || camera.width > most || camera.height < least || camera.height > most)
+            complain(option, QStringLiteral("WIDTHxHEIGHT, each from %1 to %2").arg(least).arg(most));
+    }
+
+    void complain(QString const& option, QString const& expected)
+    {
+        if (m_error.isEmpty())
+            m_error =
+                QStringLiteral("--%1 takes %2, not '%3'.").arg(option, expected, m_parser.value(option));
+    }
+
+private:
+    QCommandLineParser const& m_parser;
+    QString& m_error;
+};
+
+void fx_DeclareOptions(QCommandLineParser& parser)
+{
+    static char const* const kWithValue[] = {"quality", "keyframe-rate", "complexity", "profile",
+                                             "level",   "size",          "frames",     "seed",
+                                             "format",  "bits",          "plugin-path"};
+    for (char const* name : kWithValue)
+        parser.addOption({QString::fromLatin1(name), QString(), QStringLiteral("value")});
+    for (char const* name : {"overwrite", "json"})
+        parser.addOption(QCommandLineOption(QString::fromLatin1(name)));
+    for (char const* name : {"quiet", "verbose", "help"}) {
+        QString const option = QString::fromLatin1(name);
+        parser.addOption(QCommandLineOption(QStringList{option.left(1), option}));
+    }
+}
+
+/// Splits sources and output, and sees that the options fit them; one sentence when they do not.
+QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& parsed)
+{
+    QStringList names = parser.positionalArguments();
+    if (names.size() < 2)
+        return names.isEmpty()
+                   ? QStringLiteral("Neither a source nor an output is given.")
+                   : QStringLiteral("'%1' alone is not enough: a source and an output are needed.")
+                         .arg(names.first());
+    parsed.request.outputFile = names.takeLast();
+    // The last argument is going to be written: a forgotten output must not cost a picture.
+    QFileInfo const output(parsed.request.outputFile);
+    bool const isDevice = output.exists() && !output.isFile() && !output.isDir();
+    if (!isDevice && output.suffix() != QLatin1String("h264") && output.suffix() != QLatin1String("264"))
+        return QStringLiteral("'%1' cannot be the output: its name must end in .h264.")
+            .arg(parsed.request.outputFile);
+
+    for (QString const& name : names) {
+        if (name.isEmpty())
+            return QStringLiteral("A source has no name.");
+    }
+    parsed.isCamera = names.contains(kCamera);
+    if (parsed.isCamera && names.size() > 1)
+        return QStringLiteral("camera: cannot be mixed with other sources.");
+    if (names.count(QStringLiteral("-")) > 1)
+        return QStringLiteral("Standard input (-) can be read only once.");
+    if (!parsed.isCamera)
+        parsed.sources = names;
+
+    for (char const* option : {"size", "seed", "format"}) {
+        if (!parsed.isCamera && parser.isSet(QString::fromLatin1(option)))
+            return QStringLiteral("--%1 is only for camera:, not for '%2'.")
+                .arg(QLatin1String(option), names.first());
+    }
+    if (parsed.isCamera && parser.isSet(QStringLiteral("bits")))
+        return QStringLiteral("--bits is not for camera:, whose --format says how many bits there are.");
+    return QString();
+}
+
+} // namespace
+
+bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error)
+{
+    QCommandLineParser parser;
+    fx_DeclareOptions(parser);
+    bool const isParsed = parser.parse(arguments);
+    parsed.help = parser.isSet(QStringLiteral("help"));
+    if (parsed.help)
+        return true;
+    if (!isParsed) {
+        error = parser.errorText();
+        if (!error.endsWith(QLatin1Char('.')))
+            error += QLatin1Char('.');
+        return false;
+    }
+
+    CxOptionReader reader(parser, error);
+    SxEncoderOptions& encoder = parsed.request.encoder;
+    reader.readNumber("quality", encoder.quality, int{SxEncoderOptions::kQualityMin},
+                      int{SxEncoderOptions::kQualityMax});
+    reader.readNumber("keyframe-rate", encoder.keyFrameRate, int{SxEncoderOptions::kKeyFrameRateMin},
+                      int{SxEncoderOptions::kKeyFrameRateMax});
+    reader.readName("complexity", encoder.complexity, fx_ComplexityFromName, fx_ComplexityNames());
+    reader.readName("profile", encoder.profile, fx_ProfileFromName, fx_ProfileNames());
+    reader.readName("level", encoder.level, fx_LevelFromName, fx_LevelNames());
+    reader.readNumber("frames", parsed.request.maxPictures, 0, 1000000000);
+    reader.readNumber("seed", parsed.camera.seed, quint64{0}, quint64{0x7FFFFFFFFFFFFFFF});
+    reader.readNumber("bits", parsed.bits, kBitsMin, kBitsMax);
+    reader.readName("format", parsed.camera.format, fx_TestCameraFormat, fx_TestCameraFormats());
+    reader.readSize(parsed.camera);
+    if (!error.isEmpty())
+        return false;
+
+    if (parser.isSet(QStringLiteral("frames")))
+        parsed.camera.frames = parsed.request.maxPictures;
+    parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    parsed.json = parser.isSet(QStringLiteral("json"));
+    parsed.quiet = parser.isSet(QStringLiteral("quiet"));
+    parsed.verbose = parser.isSet(QStringLiteral("verbose"));
+    parsed.pluginPath = parser.value(QStringLiteral("plugin-path"));
+    error = fx_TakePositionals(parser, parsed);
+    return error.isEmpty();
+}
+
+QString fx_RecordHelp()
+{
+    return QStringLiteral(
+               "Records pictures into a raw H.264 file that every player plays.\n"
+               "\n"
+               "  minihost record camera: test.h264                     the built-in test camera\n"
+               "  minihost record --quality 8 shots/*.png shots.h264    pictures, in this order\n"
+               "  minihost record clip.mp4 clip.h264                    any video\n"
+               "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
+               "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
+               "\n"
+               "Usage: minihost record [options] SOURCE... OUTPUT.h264\n"
+               "\n"
+               "SOURCE is camera:, picture files (PNG, JPEG, BMP, PNM, TIFF with 8 or 16 bits), a\n"
+               "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
+               "\n"
+               "What to record\n"
+               "  --frames N          end after N pictures; 0 for no limit (camera: 300, else 0)\n"
+               "  --bits N            significant bits of 16-bit pictures that do not say, 8 to 16 (16)\n"
+               "  --size WxH          test camera: picture size (1280x720)\n"
+               "  --format F          test camera (bgr24):\n"
+               "                      %1\n"
+               "  --seed N            test camera: seed of its noise (1)\n"
+               "How to encode\n"
+               "  --quality N         1 to 10: more bits, fewer skipped pictures (5)\n"
+               "  --keyframe-rate N   a key frame every N pictures, 1 to 100 (5)\n"
+               "  --complexity C      %2 (medium)\n"
+               "  --profile P         %3 (baseline)\n"
+               "  --level L           (5.2) %4\n"
+               "How to run\n"
+               "  --overwrite         replace OUTPUT if it exists\n"
+               "  --json              summary as JSON on standard output\n"
+               "  -q, --quiet         only warnings and errors\n"
+               "  -v, --verbose       also the raw messages of the plug-in and of FFmpeg\n"
+               "  --plugin-path P     the plug-in's file or folder (MINIHOST_PLUGIN_PATH, else\n"
+               "                      beside this program)\n"
+               "  -h, --help          this text\n"
+               "\n"
+               "Ctrl-C ends a recording cleanly. Exit code: 0 done, 1 failed, 2 wrong usage.")
+        .arg(fx_TestCameraFormats().join(QLatin1Char(' ')), fx_ComplexityNames().join(QLatin1Char(' ')),
+             fx_ProfileNames().join(QLatin1Char(' ')), fx_LevelNames().join(QLatin1Char(' ')));
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QStringList>
+
+#include "Recorder.h"
+#include "TestCamera.h"
+
+/// A `record` command line, checked as far as it can be without opening anything.
+struct SxRecordArguments
+{
+    QStringList sources; ///< without the output; empty for the test camera
+    bool isCamera = false;
+    SxTestCameraOptions camera;
+    SxRecordRequest request;
+    int bits = 0; ///< 0: not given
+    bool overwrite = false;
+    bool json = false;
+    bool quiet = false;
+    bool verbose = false;
+    bool help = false;
+    QString pluginPath;
+};
+
+/// Reads the arguments after "record". \return false, with \p error one sentence, when they make no sense.
+bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error);
+
+QString fx_RecordHelp();

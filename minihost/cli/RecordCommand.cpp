@@ -1,0 +1,219 @@
+#include <QFileInfo>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "Commands.h"
+#include "Console.h"
+#include "FFmpegSource.h"
+#include "Interrupt.h"
+#include "PluginHost.h"
+#include "PluginMessages.h"
+#include "ProgressLine.h"
+#include "Readable.h"
+#include "RecordArguments.h"
+#include "RecordReport.h"
+
+namespace {
+
+int const kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
+int const kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
+
+/// True when a source and the output are one file, whatever their names.
+bool fx_IsSameFile(QString const& source, QString const& output)
+{
+    struct stat in = {};
+    struct stat out = {};
+    int const error = source == QLatin1String("-") ? fstat(STDIN_FILENO, &in)
+                                                   : stat(QFile::encodeName(source).constData(), &in);
+    return error == 0 && stat(QFile::encodeName(output).constData(), &out) == 0 && S_ISREG(in.st_mode) &&
+           in.st_dev == out.st_dev && in.st_ino == out.st_ino;
+}
+
+/// What stands in the way of reading the sources, one sentence; empty when nothing is known to.
+QString fx_SourceObstacle(QStringList const& sources)
+{
+    for (QString const& source : sources) {
+        QFileInfo const info(source);
+        if (info.isDir())
+            return QStringLiteral("%1: this is a folder; name the files in it.").arg(source);
+        if (!info.exists() && source != QLatin1String("-") && !source.contains(QLatin1Char(':')))
+            return QStringLiteral("%1: there is no such file.").arg(source);
+    }
+    return QString();
+}
+
+/// What stands in the way of writing the output, one sentence; empty when nothing does.
+QString fx_OutputObstacle(SxRecordArguments const& arguments)
+{
+    QString const& output = arguments.request.outputFile;
+    for (QString const& source : arguments.sources) {
+        if (fx_IsSameFile(source, output))
+            return QStringLiteral("%1: the recording would replace its own source.").arg(output);
+    }
+    QFileInfo const info(output);
+    if (info.isDir())
+        return QStringLiteral("%1: this is a folder.").arg(output);
+    if (info.isFile() && !arguments.overwrite)
+        return QStringLiteral("%1: the file exists; --overwrite replaces it.").arg(output);
+    if (info.exists())
+        return info.isWritable() ? QString() : QStringLiteral("%1: no permission to write it.").arg(output);
+    QFileInfo const folder(info.absolutePath());
+    if (!folder.isDir())
+        return QStringLiteral("%1: there is no folder %2.").arg(output, folder.filePath());
+    if (!folder.isWritable())
+        return QStringLiteral("%1: no permission to write in the folder %2.").arg(output, folder.filePath());
+    return QString();
+}
+
+/// What the user reads while a recording runs.
+class CxRecordWatcher
+{
+public:
+    CxRecordWatcher(IxPictureSource& source, SxRecordRequest const& request)
+        : m_source(source)
+        , m_request(request)
+    {}
+
+    void onPicture(SxRecordSummary const& summary)
+    {
+        if (summary.given == 1)
+            onFirstPicture(summary);
+        if (summary.skipped.size() == 1 && summary.skipped.last() == summary.given - 1)
+            warn(QStringLiteral("the encoder begins to skip pictures, at picture %1.")
+                     .arg(summary.skipped.last()));
+        if (summary.given == kPicturesBeforeBitsAdvice)
+            adviseBits(summary);
+        passWarnings();
+        m_line.update(summary.given, summary.sizesKnown ? summary.bytes : -1,
+                      summary.skipped.isEmpty() ? QString()
+                                                : QStringLiteral("%1 skipped").arg(summary.skipped.size()));
+    }
+
+    void onEnd(SxRecordSummary const& summary)
+    {
+        Console::transient(QString());
+        passWarnings();
+        if (summary.given < kPicturesBeforeBitsAdvice)
+            adviseBits(summary);
+        QString const advice = fx_SkipAdvice(m_request, summary);
+        if (!advice.isEmpty())
+            warn(advice);
+    }
+
+    QStringList const& warnings() const { return m_warnings; }
+
+private:
+    void warn(QString const& sentence)
+    {
+        Console::warning(sentence);
+        m_warnings += sentence;
+    }
+
+    void passWarnings()
+    {
+        for (QString const& warning : m_source.takeWarnings())
+            warn(warning);
+    }
+
+    void adviseBits(SxRecordSummary const& summary)
+    {
+        QString const advice = m_source.knowsSignificantBits() ? QString() : fx_BitsAdvice(summary);
+        if (!advice.isEmpty())
+            warn(advice);
+    }
+
+    /// Now the source has opened something and knows its length, and the size to be saved is known.
+    void onFirstPicture(SxRecordSummary const& summary)
+    {
+        int const expected = m_source.expectedPictures();
+        int const limit = m_request.maxPictures;
+        m_line.setTotal(limit > 0 && (expected < 0 || limit < expected) ? limit : expected);
+        if (m_request.encoder.profile == kProfileExtended)
+            warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));
+        tellAboutScaling(summary);
+    }
+
+    void tellAboutScaling(SxRecordSummary const& summary)
+    {
+        SxPicBufInfo const& input = summary.input;
+        if (summary.savedWidth == input.width && summary.savedHeight == input.height)
+            return;
+        bool const isOnlyOdd =
+            summary.savedWidth == (input.width & ~1U) && summary.savedHeight == (input.height & ~1U);
+        QString const reason =
+            isOnlyOdd
+                ? QStringLiteral("a recording's sides are even")
+                : QStringLiteral("level %1 allows no larger ones").arg(fx_LevelName(m_request.encoder.level));
+        Console::message(QStringLiteral("The pictures are scaled from %1 x %2 to %3 x %4: %5.")
+                             .arg(input.width)
+                             .arg(input.height)
+                             .arg(summary.savedWidth)
+                             .arg(summary.savedHeight)
+                             .arg(reason));
+    }
+
+    IxPictureSource& m_source;
+    SxRecordRequest const& m_request;
+    CxProgressLine m_line;
+    QStringList m_warnings;
+};
+
+std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& arguments)
+{
+    if (arguments.isCamera)
+        return std::make_unique<CxTestCamera>(arguments.camera);
+    return std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop);
+}
+
+int fx_RecordAndReport(SxRecordArguments const& arguments)
+{
+    std::unique_ptr<IxPictureSource> const source = fx_MakeSource(arguments);
+    CxRecordWatcher watcher(*source, arguments.request);
+    SxRecordSummary const summary = fx_Record(
+        *source, arguments.request, [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
+    watcher.onEnd(summary);
+    if (summary.given > 0)
+        Console::message(fx_RecordSummaryText(arguments.request, summary));
+    if (arguments.json)
+        Console::data(fx_RecordSummaryJson(arguments.request, summary, watcher.warnings()));
+    if (!summary.error.isEmpty()) {
+        Console::error(summary.error);
+        return kFailed;
+    }
+    if (summary.given == 0)
+        Console::message(QStringLiteral("Stopped before the first picture; nothing was recorded."));
+    return kDone;
+}
+
+} // namespace
+
+int fx_RunRecord(QStringList const& arguments)
+{
+    SxRecordArguments parsed;
+    QString error;
+    if (!fx_ParseRecordArguments(arguments, parsed, error)) {
+        Console::error(error + QStringLiteral(" See minihost record --help."));
+        return kWrongUsage;
+    }
+    if (parsed.help) {
+        Console::data(fx_RecordHelp());
+        return kDone;
+    }
+    Console::setQuiet(parsed.quiet);
+    CxFFmpegSource::setLogShown(parsed.verbose);
+    if (!parsed.verbose)
+        Console::hideLibraryOutput();
+
+    error = fx_SourceObstacle(parsed.sources);
+    if (error.isEmpty())
+        error = fx_OutputObstacle(parsed);
+    CxPluginMessages const messages(parsed.verbose);
+    CxPluginHost host;
+    if (!error.isEmpty() || !host.load(parsed.pluginPath, error)) {
+        Console::error(error);
+        return kFailed;
+    }
+    parsed.request.stop = &fx_CatchInterrupts();
+    return fx_RecordAndReport(parsed);
+}

@@ -1,0 +1,129 @@
+#include "RecordReport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "RateAdvice.h"
+#include "Readable.h"
+
+static double const kPicturesASecond = 30.0; // what a player assumes for these files
+static int const kMostRanges = 8;
+
+static double fx_Seconds(SxRecordSummary const& summary) { return summary.coded / kPicturesASecond; }
+
+static double fx_MeanBitRate(SxRecordSummary const& summary)
+{
+    return summary.coded == 0 ? 0 : static_cast<double>(summary.bytes) * 8 / fx_Seconds(summary);
+}
+
+static double fx_MsPerPicture(qint64 ns, int pictures)
+{
+    return pictures == 0 ? 0 : static_cast<double>(ns) / 1e6 / pictures;
+}
+
+QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary)
+{
+    QStringList lines;
+    QString first = QStringLiteral("%1: %2").arg(request.outputFile, fx_Count(summary.given, "picture"));
+    if (summary.savedWidth != 0)
+        first += QStringLiteral(" of %1 x %2").arg(summary.savedWidth).arg(summary.savedHeight);
+    if (summary.wasStopped)
+        first += QStringLiteral(", stopped");
+    lines += first;
+    if (summary.sizesKnown) {
+        QString coded =
+            QStringLiteral("  %1 coded, %2 skipped").arg(summary.coded).arg(summary.skipped.size());
+        if (!summary.skipped.isEmpty())
+            coded += QStringLiteral(" (%1)").arg(fx_ReadableRanges(summary.skipped, kMostRanges));
+        lines += coded;
+        lines += QStringLiteral("  %1, %2 on average, plays %3 s at 30 pictures a second")
+                     .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
+                     .arg(fx_Seconds(summary), 0, 'f', 1);
+    } else {
+        lines += QStringLiteral("  no regular file: its size and the skipped pictures are unknown");
+    }
+    lines += QStringLiteral("  took %1 s, %2 ms a picture, %3 of it for encoding")
+                 .arg(static_cast<double>(summary.elapsedNs) / 1e9, 0, 'f', 1)
+                 .arg(fx_MsPerPicture(summary.elapsedNs, summary.given), 0, 'f', 1)
+                 .arg(fx_MsPerPicture(summary.savingNs, summary.given), 0, 'f', 1);
+    return lines.join(QLatin1Char('\n'));
+}
+
+QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
+                             QStringList const& warnings)
+{
+    QJsonArray skipped;
+    for (int const number : summary.skipped)
+        skipped.append(number);
+    QJsonObject json{
+        {QStringLiteral("output"), request.outputFile},
+        {QStringLiteral("given"), summary.given},
+        {QStringLiteral("coded"), summary.coded},
+        {QStringLiteral("elapsedSeconds"), static_cast<double>(summary.elapsedNs) / 1e9},
+        {QStringLiteral("msPerPicture"), fx_MsPerPicture(summary.elapsedNs, summary.given)},
+        {QStringLiteral("encodingMsPerPicture"), fx_MsPerPicture(summary.savingNs, summary.given)},
+        {QStringLiteral("stopped"), summary.wasStopped},
+        {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)},
+        {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},
+        {QStringLiteral("skipped"), QJsonValue()},
+        {QStringLiteral("skippedPictures"), QJsonValue()},
+        {QStringLiteral("bytes"), QJsonValue()},
+        {QStringLiteral("meanBitRate"), QJsonValue()},
+    };
+    if (summary.sizesKnown) {
+        json[QStringLiteral("skipped")] = summary.skipped.size();
+        json[QStringLiteral("skippedPictures")] = skipped;
+        json[QStringLiteral("bytes")] = summary.bytes;
+        json[QStringLiteral("meanBitRate")] = fx_MeanBitRate(summary);
+    }
+    if (summary.savedWidth != 0) {
+        json[QStringLiteral("width")] = static_cast<int>(summary.savedWidth);
+        json[QStringLiteral("height")] = static_cast<int>(summary.savedHeight);
+    }
+    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
+}
+
+QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary)
+{
+    if (summary.skipped.isEmpty() || summary.coded == 0)
+        return QString();
+    auto const sufficientQuality = [&summary](SxEncoderOptions const& used) {
+        return fx_QualityThatKeepsAll(summary.savedWidth, summary.savedHeight, used, summary.bytes,
+                                      summary.coded, summary.skipped.size());
+    };
+    QString advice = QStringLiteral("The encoder skipped %1 of %2 pictures to keep to its bit rate; ")
+                         .arg(summary.skipped.size())
+                         .arg(summary.given);
+    SxEncoderOptions unlimited = request.encoder;
+    unlimited.level = SxEncoderOptions().level; // the highest
+    if (std::optional<int> const quality = sufficientQuality(request.encoder))
+        advice += QStringLiteral("--quality %1 probably keeps them all.").arg(*quality);
+    else if (sufficientQuality(unlimited))
+        advice += QStringLiteral("level %1 allows no more, a higher --level does.")
+                      .arg(fx_LevelName(request.encoder.level));
+    else if (request.encoder.keyFrameRate < 30)
+        advice += QStringLiteral("not even --quality 10 would keep them all, but fewer key frames "
+                                 "(--keyframe-rate 30) may help.");
+    else
+        advice += QStringLiteral("not even --quality 10 would keep them all.");
+    return advice;
+}
+
+QString fx_BitsAdvice(SxRecordSummary const& summary)
+{
+    if (summary.highestSample == 0)
+        return QString();
+    // Cameras deliver one of these.
+    quint32 likely = 16;
+    for (quint32 const bits : {14U, 12U, 10U, 8U}) {
+        if (summary.highestSample >> bits == 0)
+            likely = bits;
+    }
+    if (likely == summary.input.bitsPerSample ||
+        (summary.highestSample >> summary.input.bitsPerSample == 0 && likely > summary.input.bitsPerSample))
+        return QString();
+    return QStringLiteral("highest value seen %1: did you mean --bits %2?")
+        .arg(summary.highestSample)
+        .arg(likely);
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "Recorder.h"
+
+/// The summary for people, several lines without a newline at the end.
+QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary);
+
+/// The summary for programs, one JSON object.
+QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
+                             QStringList const& warnings);
+
+/// What to do about skipped pictures, one sentence; empty when none were skipped.
+QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary);
+
+/// A question about the significant bits when the highest sample seen contradicts them; empty when it
+/// does not, or nothing was seen.
+QString fx_BitsAdvice(SxRecordSummary const& summary);

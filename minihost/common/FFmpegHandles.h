@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libswscale/swscale.h>
+}
+
+/// Owners for FFmpeg's objects: each is freed with its own function.
+struct SxFFmpegDeleter
+{
+    void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
+    void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+
+using FormatContextPtr = std::unique_ptr<AVFormatContext, SxFFmpegDeleter>;
+using CodecContextPtr = std::unique_ptr<AVCodecContext, SxFFmpegDeleter>;
+using FramePtr = std::unique_ptr<AVFrame, SxFFmpegDeleter>;
+using PacketPtr = std::unique_ptr<AVPacket, SxFFmpegDeleter>;
+using ScalerPtr = std::unique_ptr<SwsContext, SxFFmpegDeleter>;
+
+/// FFmpeg's text for an error code.
+inline QString fx_FFmpegErrorText(int error)
+{
+    char text[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(error, text, sizeof text);
+    return QString::fromUtf8(text);
+}

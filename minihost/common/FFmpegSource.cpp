@@ -1,0 +1,294 @@
+#include "FFmpegSource.h"
+
+#include <QFileInfo>
+#include <utility>
+
+#include "PictureFormat.h"
+
+extern "C" {
+#include <libavdevice/avdevice.h>
+#include <libavutil/log.h>
+}
+
+static int const kPicturesASecond = 30;
+
+/// What to hand to FFmpeg for one input as its user wrote it.
+struct SxFFmpegInput
+{
+    QByteArray url;
+    AVInputFormat const* format = nullptr; ///< null: find out
+};
+
+static SxFFmpegInput fx_FFmpegInput(QString const& input)
+{
+    SxFFmpegInput result;
+    if (input == QLatin1String("-")) {
+        result.url = "pipe:0";
+        return result;
+    }
+    if (QFileInfo::exists(input)) {
+        result.url = "file:" + input.toLocal8Bit(); // a colon in its name would look like a protocol
+        return result;
+    }
+    int const colon = input.indexOf(QLatin1Char(':'));
+    if (colon > 0) {
+        AVInputFormat const* const format = av_find_input_format(input.left(colon).toLatin1().constData());
+        if (format != nullptr && (format->flags & AVFMT_NOFILE) != 0) {
+            result.format = format;
+            result.url = input.mid(colon + 1).toLocal8Bit();
+            return result;
+        }
+    }
+    result.url = input.toLocal8Bit();
+    return result;
+}
+
+/// True for FFmpeg's readers of single pictures: "png_pipe", "jpeg_pipe", "image2".
+static bool fx_IsStillFormat(AVInputFormat const& format)
+{
+    QByteArray const name(format.name);
+    return name.endsWith("_pipe") || name == "image2";
+}
+
+static int fx_IsInterrupted(void* stop)
+{
+    return static_cast<std::atomic<bool> const*>(stop)->load() ? 1 : 0;
+}
+
+static QString fx_OpenErrorText(int error)
+{
+    if (error == AVERROR_INVALIDDATA)
+        return QStringLiteral("this is no picture or video that can be read");
+    if (error == AVERROR_PROTOCOL_NOT_FOUND)
+        return QStringLiteral("there is no such file, and no such protocol or device either");
+    return fx_FFmpegErrorText(error);
+}
+
+CxFFmpegSource::CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop)
+    : m_inputs(std::move(inputs))
+    , m_bits(bits)
+    , m_stop(stop)
+    , m_frame(av_frame_alloc())
+    , m_packet(av_packet_alloc())
+{
+    avdevice_register_all();
+}
+
+void CxFFmpegSource::setLogShown(bool shown) { av_log_set_level(shown ? AV_LOG_INFO : AV_LOG_QUIET); }
+
+QString CxFFmpegSource::inputName() const
+{
+    QString const& input = m_inputs[m_nextInput - 1];
+    return input == QLatin1String("-") ? QStringLiteral("standard input") : input;
+}
+
+bool CxFFmpegSource::fail(QString const& cause)
+{
+    m_error = QStringLiteral("%1: %2.").arg(inputName(), cause);
+    m_damaged = 0; // the error says it all
+    closeInput();
+    m_nextInput = static_cast<int>(m_inputs.size());
+    return false;
+}
+
+/// Opens the next input with its decoder; false with the error set, or when stopped.
+bool CxFFmpegSource::openInput()
+{
+    SxFFmpegInput const input = fx_FFmpegInput(m_inputs[m_nextInput++]);
+    AVFormatContext* format = avformat_alloc_context();
+    if (format == nullptr || !m_frame || !m_packet) {
+        avformat_free_context(format);
+        return fail(QStringLiteral("out of memory"));
+    }
+    if (m_stop != nullptr)
+        format->interrupt_callback = {fx_IsInterrupted, const_cast<std::atomic<bool>*>(m_stop)};
+
+    // A per cent sign in a picture's name is no pattern for more names; other readers ignore this.
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "pattern_type", "none", 0);
+    int error = avformat_open_input(&format, input.url.constData(), input.format, &options);
+    av_dict_free(&options);
+    if (error < 0)
+        return isStopped() ? false : fail(fx_OpenErrorText(error)); // it freed the context itself
+    m_format.reset(format);
+    m_isStill = fx_IsStillFormat(*format->iformat);
+    // A picture file is one picture, whatever preview its reader would find behind it; a stream of
+    // pictures on standard input is many.
+    m_isOnePicture = m_isStill && m_inputs[m_nextInput - 1] != QLatin1String("-");
+
+    error = avformat_find_stream_info(format, nullptr);
+    if (error < 0)
+        return isStopped() ? false : fail(fx_OpenErrorText(error));
+    AVCodec const* decoder = nullptr;
+    m_stream = av_find_best_stream(format, AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
+    if (m_stream < 0)
+        return isStopped() ? false : fail(QStringLiteral("there is no picture in it"));
+
+    AVStream const& stream = *format->streams[m_stream];
+    m_codec.reset(avcodec_alloc_context3(decoder));
+    if (!m_codec)
+        return fail(QStringLiteral("out of memory"));
+    error = avcodec_parameters_to_context(m_codec.get(), stream.codecpar);
+    m_codec->pkt_timebase = stream.time_base;
+    m_codec->thread_count = m_isStill ? 1 : 0; // 0: one for each processor
+    if (error >= 0)
+        error = avcodec_open2(m_codec.get(), decoder, nullptr);
+    if (error < 0)
+        return fail(QStringLiteral("its pictures cannot be decoded: %1").arg(fx_FFmpegErrorText(error)));
+
+    m_drained = false;
+    m_framesOfInput = 0;
+    m_damaged = 0;
+    m_firstPts = AV_NOPTS_VALUE;
+    expect(stream);
+    return true;
+}
+
+void CxFFmpegSource::closeInput()
+{
+    if (m_damaged > 0)
+        m_warnings +=
+            QStringLiteral("%1: %2 damaged parts could not be decoded.").arg(inputName()).arg(m_damaged);
+    m_damaged = 0;
+    m_codec.reset();
+    m_format.reset();
+}
+
+/// How many pictures there will be: the number of picture files, or what a single video says.
+void CxFFmpegSource::expect(AVStream const& stream)
+{
+    if (m_nextInput > 1) {
+        if (!m_isOnePicture)
+            m_expected = -1; // pictures and videos mixed
+        return;
+    }
+    if (m_isOnePicture) {
+        m_expected = static_cast<int>(m_inputs.size());
+    } else if (m_inputs.size() == 1 && !m_isStill) {
+        qint64 count = stream.nb_frames;
+        if (count <= 0 && m_format->duration > 0)
+            count = av_rescale_q(m_format->duration, {1, AV_TIME_BASE}, av_inv_q(stream.avg_frame_rate));
+        if (count > 0 && count < INT_MAX)
+            m_expected = static_cast<int>(count);
+    }
+}
+
+/// The next frame of the open input in m_frame; false at its end, when stopped, or on errors that end
+/// the whole source, which are then set.
+bool CxFFmpegSource::decodeFrame()
+{
+    for (;;) {
+        int error = avcodec_receive_frame(m_codec.get(), m_frame.get());
+        if (error >= 0)
+            return true;
+        if (error == AVERROR_EOF)
+            return false;
+        if (error != AVERROR(EAGAIN))
+            ++m_damaged;
+        if (m_drained && error != AVERROR(EAGAIN))
+            return false;
+
+        error = av_read_frame(m_format.get(), m_packet.get());
+        if (error == AVERROR_EXIT || isStopped()) {
+            av_packet_unref(m_packet.get());
+            return false;
+        }
+        if (error == AVERROR(EAGAIN))
+            continue; // a device without a picture yet
+        if (error < 0 && error != AVERROR_EOF && m_framesOfInput == 0)
+            return fail(fx_OpenErrorText(error));
+        if (error < 0) {
+            if (error != AVERROR_EOF)
+                m_warnings += QStringLiteral("%1: reading ended early: %2.")
+                                  .arg(inputName(), fx_FFmpegErrorText(error));
+            m_drained = true;
+            avcodec_send_packet(m_codec.get(), nullptr); // what the decoder holds back comes now
+            continue;
+        }
+        if (m_packet->stream_index == m_stream && avcodec_send_packet(m_codec.get(), m_packet.get()) < 0)
+            ++m_damaged;
+        av_packet_unref(m_packet.get());
+    }
+}
+
+/// Microseconds from the first picture: the input's own clock, or 30 pictures a second.
+quint64 CxFFmpegSource::timestampOf(AVFrame const& frame)
+{
+    quint64 const count = static_cast<quint64>(m_delivered);
+    quint64 const step = 1000000 / kPicturesASecond;
+    if (m_framesOfInput == 0)
+        m_inputStart = m_delivered == 0 ? 0 : m_lastTime + step;
+    if (m_isStill || frame.best_effort_timestamp == AV_NOPTS_VALUE)
+        return m_hasClock ? m_lastTime + step : count * 1000000 / kPicturesASecond;
+
+    m_hasClock = true;
+    qint64 const pts =
+        av_rescale_q(frame.best_effort_timestamp, m_format->streams[m_stream]->time_base, {1, 1000000});
+    if (m_firstPts == AV_NOPTS_VALUE)
+        m_firstPts = pts;
+    quint64 const time = m_inputStart + static_cast<quint64>(std::max<qint64>(pts - m_firstPts, 0));
+    // Clocks of broken files run backwards; the encoder's must not.
+    return m_delivered > 0 && time <= m_lastTime ? m_lastTime + 1000 : time;
+}
+
+void CxFFmpegSource::applyBits(SxPicBuf& picture)
+{
+    if (m_bits == 0)
+        return;
+    if (fx_IsWordFormat(picture) && !m_picture.knowsSignificantBits()) {
+        picture.bitsPerSample = static_cast<quint32>(m_bits);
+    } else if (!m_saidBitsIgnored) {
+        m_warnings += QStringLiteral("%1: the samples are known to have %2 bits; --bits is not needed.")
+                          .arg(inputName())
+                          .arg(picture.bitsPerSample);
+        m_saidBitsIgnored = true;
+    }
+}
+
+IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
+{
+    for (;;) {
+        if (isStopped())
+            return Result::End;
+        if (!m_format) {
+            if (m_nextInput >= m_inputs.size())
+                return m_error.isEmpty() ? Result::End : Result::Error;
+            if (!openInput())
+                return m_error.isEmpty() ? Result::End : Result::Error;
+        }
+        if (decodeFrame())
+            break;
+        if (!m_error.isEmpty())
+            return Result::Error;
+        if (isStopped())
+            return Result::End;
+        if (m_framesOfInput == 0) {
+            fail(QStringLiteral("no picture in it could be decoded"));
+            return Result::Error;
+        }
+        closeInput();
+    }
+
+    if (!m_picture.convert(*m_frame, picture)) {
+        fail(QStringLiteral("its pixel format cannot be converted"));
+        return Result::Error;
+    }
+    applyBits(picture);
+    picture.timestamp = timestampOf(*m_frame);
+    m_lastTime = picture.timestamp;
+    if (m_delivered == 0)
+        m_description = fx_DescribeFormat(picture);
+    ++m_delivered;
+    ++m_framesOfInput;
+    av_frame_unref(m_frame.get());
+    if (m_isOnePicture)
+        closeInput();
+    return Result::Picture;
+}
+
+QStringList CxFFmpegSource::takeWarnings()
+{
+    QStringList warnings;
+    warnings.swap(m_warnings);
+    return warnings;
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QStringList>
+#include <atomic>
+
+#include "FFmpegHandles.h"
+#include "FFmpegPicture.h"
+#include "IxPictureSource.h"
+
+/// Pictures from whatever FFmpeg opens, one input after the other: picture files, videos, "-" for
+/// standard input, URLs, and devices written "v4l2:/dev/video0" (any FFmpeg device before the colon).
+///
+/// Inputs are opened when their turn comes.
+class CxFFmpegSource : public IxPictureSource
+{
+public:
+    /// \param bits  significant bits of word samples whose file does not say; 0: all 16.
+    /// \param stop  once set, waiting for data ends and next() returns End; may be null.
+    CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop);
+
+    Result next(SxPicBuf& picture) override;
+    QString errorText() const override { return m_error; }
+    int expectedPictures() const override { return m_expected; }
+    QString description() const override { return m_description; }
+    bool knowsSignificantBits() const override { return m_picture.knowsSignificantBits(); }
+    QStringList takeWarnings() override;
+
+    /// Shows FFmpeg's own log on standard error, or hides it. For the whole process.
+    static void setLogShown(bool shown);
+
+private:
+    bool openInput();
+    void closeInput();
+    bool decodeFrame();
+    bool fail(QString const& cause);
+    bool isStopped() const { return m_stop != nullptr && m_stop->load(); }
+    void expect(AVStream const& stream);
+    quint64 timestampOf(AVFrame const& frame);
+    void applyBits(SxPicBuf& picture);
+    QString inputName() const;
+
+    QStringList m_inputs;
+    int m_bits;
+    std::atomic<bool> const* m_stop;
+
+    int m_nextInput = 0;
+    FormatContextPtr m_format; ///< null between inputs
+    CodecContextPtr m_codec;
+    FramePtr m_frame;
+    PacketPtr m_packet;
+    int m_stream = -1;
+    bool m_isStill = false;      ///< the open input holds pictures, no video: it has no clock
+    bool m_isOnePicture = false; ///< the open input is a picture file
+    bool m_drained = false;      ///< the open input is read to its end
+    int m_framesOfInput = 0;     ///< delivered from the open input
+    int m_damaged = 0;           ///< packets of the open input that could not be decoded
+    CxFFmpegPicture m_picture;
+
+    int m_delivered = 0;
+    bool m_hasClock = false;  ///< some input so far had time stamps
+    quint64 m_lastTime = 0;   ///< microseconds
+    quint64 m_inputStart = 0; ///< microseconds at which the open input's pictures begin
+    qint64 m_firstPts = AV_NOPTS_VALUE;
+    int m_expected = -1;
+    QString m_description;
+    QString m_error;
+    QStringList m_warnings;
+    bool m_saidBitsIgnored = false;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "SxPicBuf.h"
+
+/// Where pictures to record or to show come from, one after the other. One thread at a time.
+class IxPictureSource
+{
+public:
+    enum class Result {
+        Picture, ///< a picture was delivered
+        End,     ///< there is none left, or the wait for it was interrupted
+        Error    ///< reading failed; errorText() says why, and no picture follows
+    };
+
+    virtual ~IxPictureSource() = default;
+
+    /// Fetches the next picture. \p picture is empty or one from an earlier call: memory of the right
+    /// format is filled again, other memory is released and replaced through CxPicBufAPI. In either
+    /// case it is the caller's to free. `timestamp` is in microseconds from the first picture; a
+    /// source without a clock counts 30 pictures a second. On End and Error \p picture is unspecified
+    /// but still the caller's.
+    virtual Result next(SxPicBuf& picture) = 0;
+
+    /// One sentence naming the source and the cause, once next() has returned Error.
+    virtual QString errorText() const = 0;
+
+    /// Pictures from first to last as far as known before reading them, or -1.
+    virtual int expectedPictures() const = 0;
+
+    /// What the pictures are, for people: "1280 x 720, 8-bit colour". Empty before the first one.
+    virtual QString description() const = 0;
+
+    /// True when the source itself says how many bits of a word sample count; false when 16 is only
+    /// the size of the word.
+    virtual bool knowsSignificantBits() const = 0;
+
+    /// Sentences about what was left out or assumed since the last call.
+    virtual QStringList takeWarnings() = 0;
+};

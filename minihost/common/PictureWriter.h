@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "FFmpegHandles.h"
+#include "SxPicBuf.h"
+
+/// Host pictures as the bytes of picture files. Takes RGB32 pictures (8 bits, blue, green, red and a
+/// fourth byte that is left out). Use one for all pictures of a kind: it keeps what they share.
+class CxPictureEncoder
+{
+public:
+    static QStringList
+    suffixes(); ///< "png", "jpg", ...: the files that this class makes, by their names' end
+
+    /// \param suffix  one of suffixes(), in any case.
+    explicit CxPictureEncoder(QString const& suffix);
+
+    /// The file for \p picture: PNG and PNM hold its exact values, JPEG comes close.
+    /// Nothing, with \p error half a sentence, when FFmpeg refuses.
+    std::optional<QByteArray> encode(SxPicBuf const& picture, QString& error);
+
+private:
+    int prepare(SxPicBuf const& picture);
+    int run(SxPicBuf const& picture, QByteArray& bytes);
+
+    AVCodecID m_codecId;
+    CodecContextPtr m_codec; ///< for pictures of the last size
+    ScalerPtr m_scaler;
+    FramePtr m_frame;
+    PacketPtr m_packet;
+};
+
+/// Host pictures, RGB32 as above, as one stream of bytes for another program to read.
+class CxPictureStream
+{
+public:
+    enum class Format {
+        Y4m,   ///< YUV4MPEG2, 8-bit 4:2:0, ITU-R BT.601 with video range, 30 pictures a second
+        Bgra,  ///< rows of blue, green, red, 255; nothing between rows or pictures
+        Rgb24, ///< rows of red, green, blue; nothing between rows or pictures
+    };
+
+    static QStringList formatNames(); ///< "y4m", "bgra", "rgb24"
+    static std::optional<Format> formatFromName(QString const& name);
+
+    explicit CxPictureStream(Format format)
+        : m_format(format)
+    {}
+
+    /// The bytes of the next picture, the stream's header before the first. All must have one size.
+    /// Nothing when memory is short.
+    std::optional<QByteArray> next(SxPicBuf const& picture);
+
+private:
+    Format m_format;
+    ScalerPtr m_scaler;
+    bool m_hasBegun = false;
+};
+
+/// The rows of a picture from top to bottom without what the pitch leaves between them; four bytes a
+/// pixel for RGB32.
+QByteArray fx_PackedRows(SxPicBuf const& picture);

@@ -1,0 +1,258 @@
+#include "Recorder.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <vector>
+
+#include "CodecOptions.h"
+#include "CxImageData.h"
+#include "IxImageDataSaver.h"
+#include "IxPictureSource.h"
+#include "PictureFormat.h"
+#include "PluginHost.h"
+#include "PluginMessages.h"
+
+namespace {
+
+quint32 const kSmallestSide = 16; // one macroblock: the encoder takes no less
+
+/// A picture lent to the saver for one call; its pixels stay the recorder's, to be filled again.
+class CxLentPicture : public CxImageData
+{
+public:
+    explicit CxLentPicture(SxPicBuf const& picture)
+        : m_lent(picture)
+    {}
+    SxPicBuf const* picBuf() const override { return &m_lent; }
+
+private:
+    SxPicBuf const& m_lent;
+};
+
+/// One recording from the first picture to the closed file.
+class CxRecording
+{
+public:
+    CxRecording(IxPictureSource& source, SxRecordRequest const& request, SxRecordSummary& summary)
+        : m_source(source)
+        , m_request(request)
+        , m_summary(summary)
+        , m_fileExisted(QFileInfo::exists(request.outputFile))
+    {}
+
+    void run(RecordProgress const& progress);
+
+private:
+    bool start();
+    bool nextPicture();
+    bool saveOne();
+    void finish();
+    void fail(QString const& sentence);
+    bool mayContinue() const;
+    QString outputError(QStringList const& messages) const;
+
+    IxPictureSource& m_source;
+    SxRecordRequest const& m_request;
+    SxRecordSummary& m_summary;
+    bool m_fileExisted;
+    CxOwnedPicture m_picture;
+    SxCreated<IxImageDataSaver> m_saver;
+    QFile* m_file = nullptr;           ///< the saver's, and gone with it
+    std::vector<qint64> m_pictureEnds; ///< file position behind each coded picture
+    qint64 m_written = 0;              ///< bytes given to the file, buffered ones included
+};
+
+void CxRecording::fail(QString const& sentence)
+{
+    if (m_summary.error.isEmpty())
+        m_summary.error = sentence;
+}
+
+bool CxRecording::mayContinue() const
+{
+    return m_request.maxPictures == 0 || m_summary.given < m_request.maxPictures;
+}
+
+/// The plug-in's messages as one sentence about the output: what it said last, for the reason it gave
+/// first.
+QString CxRecording::outputError(QStringList const& messages) const
+{
+    QString what =
+        messages.isEmpty() ? QStringLiteral("The picture was refused without a reason.") : messages.last();
+    QString why = messages.size() > 1 ? messages.first() : QString();
+    if (why.isEmpty() && m_file != nullptr && m_file->error() != QFileDevice::NoError)
+        why = m_file->errorString();
+    if (why == QLatin1String("Unknown error")) // Qt's text where a write ended halfway
+        why.clear();
+    if (!why.isEmpty()) {
+        if (what.endsWith(QLatin1Char('.')))
+            what.chop(1);
+        if (why.endsWith(QLatin1Char('.')))
+            why.chop(1);
+        what += QStringLiteral(" (%1).").arg(why);
+    }
+    return QStringLiteral("%1: %2").arg(m_request.outputFile, what);
+}
+
+/// Fetches the next picture; false at the end, when stopped and on errors.
+bool CxRecording::nextPicture()
+{
+    if (m_request.stop != nullptr && m_request.stop->load()) {
+        m_summary.wasStopped = true;
+        return false;
+    }
+    switch (m_source.next(m_picture.get())) {
+    case IxPictureSource::Result::Picture:
+        break;
+    case IxPictureSource::Result::End:
+        m_summary.wasStopped = m_request.stop != nullptr && m_request.stop->load();
+        return false;
+    case IxPictureSource::Result::Error:
+        fail(m_source.errorText());
+        return false;
+    }
+
+    SxPicBuf const& picture = m_picture.get();
+    if (m_summary.given > 0 &&
+        (picture.width != m_summary.input.width || picture.height != m_summary.input.height)) {
+        fail(QStringLiteral(
+                 "Picture %1 has %2 x %3 pixels, those before it %4 x %5: a recording has one size.")
+                 .arg(m_summary.given)
+                 .arg(picture.width)
+                 .arg(picture.height)
+                 .arg(m_summary.input.width)
+                 .arg(m_summary.input.height));
+        return false;
+    }
+    if (fx_IsWordFormat(picture))
+        m_summary.highestSample =
+            std::max(m_summary.highestSample, static_cast<quint32>(fx_HighestSample(picture)));
+    return true;
+}
+
+/// With the first picture at hand: makes the saver and tells it about the recording.
+bool CxRecording::start()
+{
+    QString error;
+    m_saver = fx_Create<IxImageDataSaver>("IxImageDataSaver", error);
+    if (m_saver.as == nullptr) {
+        fail(error);
+        return false;
+    }
+    fx_SetCodecOptions(kFourCCH264, m_request.encoder.toMap());
+    m_saver.as->setSaverOptions(m_request.saverOptions);
+    m_saver.as->setOutputFile(m_request.outputFile);
+    m_saver.as->setSequenceSize(m_source.expectedPictures());
+    m_file = m_saver.object->findChild<QFile*>();
+
+    m_summary.input = m_picture.get();
+    SxPicBufInfo saved;
+    if (!m_saver.as->querySavedImageFormat(m_picture.get(), saved)) {
+        fail(QStringLiteral("No loaded plug-in provides an H.264 encoder."));
+        return false;
+    }
+    m_summary.savedWidth = saved.width;
+    m_summary.savedHeight = saved.height;
+    if (saved.width < kSmallestSide || saved.height < kSmallestSide) {
+        fail(QStringLiteral("Pictures of %1 x %2 are too small: the encoder takes 16 x 16 and more.")
+                 .arg(m_summary.input.width)
+                 .arg(m_summary.input.height));
+        return false;
+    }
+    return true;
+}
+
+/// Has the saver write the picture at hand and finds out what it did with it.
+bool CxRecording::saveOne()
+{
+    CxLentPicture const lent(m_picture.get());
+    CxPluginMessages::take(); // what follows belongs to this picture
+    QElapsedTimer timer;
+    timer.start();
+    bool const saved = m_saver.as->save(&lent, m_summary.given);
+    m_summary.savingNs += timer.nsecsElapsed();
+
+    int const number = m_summary.given++;
+    if (!saved) {
+        fail(outputError(CxPluginMessages::take()));
+        return false;
+    }
+    m_summary.sizesKnown = m_file != nullptr && !m_file->isSequential();
+    if (!m_summary.sizesKnown) {
+        ++m_summary.coded;
+        return true;
+    }
+    // The encoder drops pictures without telling; a picture that added no byte was dropped.
+    qint64 const end = m_file->pos();
+    if (end > m_written) {
+        m_pictureEnds.push_back(end);
+        ++m_summary.coded;
+    } else {
+        m_summary.skipped.append(number);
+    }
+    m_written = end;
+    m_summary.bytes = end;
+    return true;
+}
+
+/// Closes the file by deleting the saver and sees what the disk really holds.
+void CxRecording::finish()
+{
+    CxPluginMessages::take();
+    m_file = nullptr;
+    m_saver.object.reset();
+    QStringList const messages = CxPluginMessages::take();
+    if (!messages.isEmpty())
+        fail(outputError(messages)); // the last bytes did not reach the disk
+
+    QFileInfo const info(m_request.outputFile);
+    if (!info.isFile())
+        return; // a device or pipe, or never opened
+    if (m_summary.sizesKnown) {
+        m_summary.bytes = info.size();
+        if (m_summary.bytes < m_written)
+            fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")
+                     .arg(m_request.outputFile)
+                     .arg(m_summary.bytes)
+                     .arg(m_written));
+        auto const lost = std::upper_bound(m_pictureEnds.begin(), m_pictureEnds.end(), m_summary.bytes);
+        m_summary.coded = static_cast<int>(lost - m_pictureEnds.begin());
+    }
+    if (!m_fileExisted && info.size() == 0)
+        QFile::remove(m_request.outputFile);
+}
+
+void CxRecording::run(RecordProgress const& progress)
+{
+    QElapsedTimer timer;
+    timer.start();
+    if (!nextPicture()) {
+        if (m_summary.error.isEmpty() && !m_summary.wasStopped)
+            fail(QStringLiteral("There is no picture to record."));
+        return;
+    }
+    if (!start())
+        return;
+    do {
+        bool const saved = saveOne();
+        m_summary.elapsedNs = timer.nsecsElapsed();
+        if (!saved)
+            break;
+        if (progress)
+            progress(m_summary);
+    } while (mayContinue() && nextPicture());
+    finish();
+    m_summary.elapsedNs = timer.nsecsElapsed();
+}
+
+} // namespace
+
+SxRecordSummary fx_Record(IxPictureSource& source, SxRecordRequest const& request,
+                          RecordProgress const& progress)
+{
+    SxRecordSummary summary;
+    CxRecording(source, request, summary).run(progress);
+    return summary;
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+#include <atomic>
+#include <functional>
+
+#include "EncoderOptions.h"
+#include "SxPicBufInfo.h"
+
+class IxPictureSource;
+
+/// What to record and where to.
+struct SxRecordRequest
+{
+    QString outputFile; ///< truncated when it exists; whether that is allowed is the caller's business
+    SxEncoderOptions encoder;
+    QMap<QString, QVariant> saverOptions{{QStringLiteral("codec"), kFourCCH264}}; ///< as the saver's dialog part gives them
+    int maxPictures = 0;                     ///< end after this many; 0: when the source ends
+    std::atomic<bool> const* stop = nullptr; ///< set from anywhere to end after the current picture
+};
+
+/// What became of a recording; also the progress so far while it runs.
+struct SxRecordSummary
+{
+    QString error;             ///< one sentence, or empty when nothing failed
+    bool wasStopped = false;   ///< the stop flag ended it
+    bool sizesKnown = true;    ///< false for pipes and devices, where nobody can see bytes and skips
+    int given = 0;             ///< pictures handed to the saver
+    int coded = 0;             ///< of these, how many the file holds completely
+    QVector<int> skipped;      ///< numbers, from 0, of those that the encoder left out without an error
+    qint64 bytes = 0;          ///< in the file
+    qint64 elapsedNs = 0;      ///< from the first picture asked for to the file closed
+    qint64 savingNs = 0;       ///< of that, inside the saver
+    SxPicBufInfo input;        ///< format of the first picture
+    quint32 savedWidth = 0;    ///< size in the file; the encoder shrinks what is odd or too
+    quint32 savedHeight = 0;   ///< large for its level
+    quint32 highestSample = 0; ///< of all word pictures; 0 when the samples are bytes
+};
+
+using RecordProgress = std::function<void(SxRecordSummary const&)>; ///< called after every picture
+
+/// Records pictures into a raw H.264 file through the plug-in's saver, as the host's recording does:
+/// one saver per recording, one save() a picture, the file ended by deleting the saver.
+///
+/// A plug-in must be loaded and a CxPluginMessages alive. A start that fails leaves no empty file
+/// behind where there was none.
+SxRecordSummary fx_Record(IxPictureSource& source, SxRecordRequest const& request,
+                          RecordProgress const& progress = {});

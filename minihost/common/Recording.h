@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "CxImageData.h"
+#include "IxImageDataLoader.h"
+#include "IxVideoAccessor.h"
+#include "PluginHost.h"
+
+/// Where a coded frame lies in its file.
+struct SxCodedFrame
+{
+    qint64 offset; ///< bytes from the start of the file
+    quint64 size;  ///< bytes
+    bool isKey;    ///< decoding can start here
+};
+
+/// A raw H.264 file opened through the plug-in's loader: its frames as coded and as pictures.
+///
+/// A plug-in must be loaded and a CxPluginMessages alive. One thread at a time.
+class CxRecordingFile
+{
+public:
+    /// \return false, with \p error one sentence naming the file and the cause. Once for an object.
+    bool open(QString const& fileName, QString& error);
+
+    QString const& fileName() const { return m_fileName; }
+
+    /// The frames in file order. They lie back to back from the first byte on, as those of a stream
+    /// without container do; offsets are the running sum of the sizes.
+    std::vector<SxCodedFrame> const& frames() const { return m_frames; }
+    int frameCount() const { return static_cast<int>(m_frames.size()); }
+    QList<int> const& keyFrames() const { return m_keyFrames; } ///< ascending
+
+    /// Bytes of the file when it was opened; more than the frames' sum when its end belongs to none.
+    qint64 fileBytes() const { return m_fileBytes; }
+
+    /// Pictures a second: the loader's assumption, since the stream does not carry a rate.
+    double assumedFps() const { return m_fps; }
+
+    /// Frame \p frame decoded, as RGB32. Null, with \p error the cause as half a sentence ("the decoder
+    /// failed with ..."), when that fails.
+    ///
+    /// Keep the picture until the next one has come: the host then reuses the memory of the one before.
+    std::unique_ptr<CxImageData> picture(int frame, QString& error);
+
+    /// The coded bytes of frame \p frame, start codes included; empty when they cannot be read.
+    QByteArray codedFrame(int frame);
+
+private:
+    QString m_fileName;
+    SxCreated<IxImageDataLoader> m_loader;
+    IxVideoAccessor* m_accessor = nullptr; ///< the loader's
+    std::vector<SxCodedFrame> m_frames;
+    QList<int> m_keyFrames;
+    qint64 m_fileBytes = 0;
+    double m_fps = 0;
+};
