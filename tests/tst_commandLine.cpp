@@ -75,6 +75,13 @@ void tst_commandLine::wrongUsage_data()
     QTest::newRow("unknown option") << record + QStringList{"--fast"} << QByteArray("Unknown option 'fast'.");
     QTest::newRow("missing value") << record + QStringList{"--quality"}
                                    << QByteArray("Missing value after '--quality'.");
+    QTest::newRow("unknown reader") << QStringList{"record", "-", "out.h264", "--input-format", "rawvdieo"}
+                                    << QByteArray("--input-format takes the name of a reader");
+    QTest::newRow("reader for the camera") << record + QStringList{"--input-format", "rawvideo"}
+                                           << QByteArray("--input-format is not for camera:");
+    QTest::newRow("option without a value")
+        << QStringList{"record", "-", "out.h264", "--input-option", "video_size"}
+        << QByteArray("--input-option takes NAME=VALUE");
     QTest::newRow("size for a file") << QStringList{"record", "a.png", "out.h264", "--size", "64x48"}
                                      << QByteArray("--size is only for camera:, not for 'a.png'.");
     QTest::newRow("seed for a file") << QStringList{"record", "a.png", "out.h264", "--seed", "2"}

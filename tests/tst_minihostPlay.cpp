@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+#include <unistd.h>
 
 #include "FFmpegSource.h"
 #include "PictureFormat.h"
@@ -62,6 +63,8 @@ private slots:
     void jpegComesClose();
     void rawStreamIsExact_data();
     void rawStreamIsExact();
+    void streamToAFile_data();
+    void streamToAFile();
     void y4mStreamIsReadByOthers();
     void closedPipeEndsQuietly_data();
     void closedPipeEndsQuietly();
@@ -392,6 +395,34 @@ void tst_minihostPlay::rawStreamIsExact()
     QVERIFY(piped.out == expected);
 }
 
+void tst_minihostPlay::streamToAFile_data()
+{
+    QTest::addColumn<QStringList>("format");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("y4m by its name") << QStringList{} << "all.y4m";
+    QTest::newRow("rgb24") << QStringList{"--stream", "rgb24"} << "all.raw";
+    QTest::newRow("bgra") << QStringList{"--stream", "bgra"} << "all.raw";
+}
+
+void tst_minihostPlay::streamToAFile()
+{
+    QFETCH(QStringList, format);
+    QFETCH(QString, file);
+    QStringList const asked = QStringList{"export", m_recording, "--frames", "9,2,2"} + format;
+    SxMinihostRun const piped = run(asked + QStringList{"-o", "-"});
+    SxMinihostRun const filed = run(asked + QStringList{"-o", file});
+    QVERIFY2(filed.exitCode == 0 && piped.exitCode == 0, filed.err);
+    QVERIFY2(filed.err.contains("3 pictures of 320 x 240 written."), filed.err);
+    QVERIFY(fx_FileBytes(path(file)) == piped.out);
+
+    SxMinihostRun const refused = run(asked + QStringList{"-o", file});
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.err.contains("the file exists; --overwrite replaces it."), refused.err);
+    SxMinihostRun const replaced = run(asked + QStringList{"-o", file, "--overwrite", "--json"});
+    QCOMPARE(replaced.exitCode, 0);
+    QCOMPARE(replaced.json()["exported"].toArray().size(), 3);
+}
+
 void tst_minihostPlay::y4mStreamIsReadByOthers()
 {
     SxMinihostRun const piped = run({"export", m_recording, "--frames", "29-0", "-o", "-"});
@@ -533,7 +564,9 @@ void tst_minihostPlay::recordingIsNeverReplaced()
 {
     QVERIFY(fx_WriteFile(path("in.png"), m_bytes));
     QVERIFY(QFile::link(path("in.png"), path("link.png")));
-    for (char const* output : {"in.png", "./in.png", "link.png"}) {
+    QCOMPARE(::link(qPrintable(path("in.png")), qPrintable(path("hard.png"))), 0);
+    QCOMPARE(::link(qPrintable(path("in.png")), qPrintable(path("hard.y4m"))), 0);
+    for (char const* output : {"in.png", "./in.png", "link.png", "hard.png", "hard.y4m"}) {
         SxMinihostRun const refused = run({"export", "in.png", "--frames", "0", "-o", output, "--overwrite"});
         QCOMPARE(refused.exitCode, 1);
         QVERIFY2(refused.err.contains("would replace the recording"), refused.err);
@@ -719,8 +752,13 @@ void tst_minihostPlay::wrongUsage_data()
                                      << "'a.gif' must end in one of .png, .jpg, .jpeg, .ppm, .pnm.";
     QTest::newRow("strange pattern") << frame0 + QStringList{"-o", "a_%s.png"}
                                      << "'a_%s.png' has a percent sign";
-    QTest::newRow("stream to a file")
-        << frame0 + QStringList{"-o", "a.png", "--stream", "bgra"} << "--stream is for standard output";
+    QTest::newRow("stream to a picture")
+        << frame0 + QStringList{"-o", "a.png", "--stream", "bgra"} << "'a.png' is a picture's name";
+    QTest::newRow("stream under another's name")
+        << frame0 + QStringList{"-o", "a.y4m", "--stream", "bgra"} << "'a.y4m' must hold y4m";
+    QTest::newRow("stream and sheet")
+        << frame0 + QStringList{"-o", "a.raw", "--stream", "bgra", "--sheet", "2"}
+        << "--sheet makes one picture, so --stream has no place.";
     QTest::newRow("unknown stream") << frame0 + QStringList{"-o", "-", "--stream", "avi"}
                                     << "--stream takes one of y4m, bgra, rgb24, not 'avi'.";
     QTest::newRow("unknown hash") << frame0 + QStringList{"--hash", "crc"} << "--hash takes md5, not 'crc'.";

@@ -32,6 +32,9 @@ private slots:
     void pictureFilesInTheOrderGiven();
     void standardInput();
     void picturesOnStandardInput();
+    void rawPicturesOnStandardInput();
+    void inputOptionsThatFitNothingAreNamed_data();
+    void inputOptionsThatFitNothingAreNamed();
     void framesEndsARecordingEarly();
     void picturesOfAnotherSizeEndTheRecording();
     void unreadableSourceLeavesNoOutput_data();
@@ -121,16 +124,19 @@ void tst_minihostRecord::cameraInEveryFormat()
 
 void tst_minihostRecord::defaultsAreThoseOfTheHelp()
 {
-    SxMinihostRun const run = fx_RunMinihost({"record", "camera:", path("out.h264"), "--json"});
+    // Low complexity only to save time.
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", path("out.h264"), "--json", "--complexity", "low"});
     QVERIFY2(run.exitCode == 0, run.err);
     QCOMPARE(run.json().value("given").toInt(), 300);
     QCOMPARE(run.json().value("skipped").toInt(-1), 0);
-    QString error;
-    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
-    QVERIFY2(error.isEmpty(), qPrintable(error));
-    QCOMPARE(decoded.size(), size_t{300});
-    QCOMPARE(decoded[0].width, 1280);
-    QCOMPARE(decoded[0].height, 720);
+    QJsonObject const info = fx_RunMinihost({"info", "--json", path("out.h264")}).json();
+    QCOMPARE(info.value("frames").toInt(), 300);
+    QCOMPARE(info.value("width").toInt(), 1280);
+    QCOMPARE(info.value("height").toInt(), 720);
+    QCOMPARE(info.value("keyFrames").toInt(), 60);
+    QCOMPARE(info.value("profile").toString(), QStringLiteral("baseline"));
+    QCOMPARE(info.value("level").toString(), QStringLiteral("5.2"));
 }
 
 /// profile_idc and level_idc of the first sequence parameter set, its bytes 1 and 3 behind the header.
@@ -244,6 +250,45 @@ void tst_minihostRecord::picturesOnStandardInput()
     QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{7});
 }
 
+void tst_minihostRecord::rawPicturesOnStandardInput()
+{
+    QByteArray const picture = QByteArray::fromHex("20406000").repeated(64 * 48);
+    QStringList const options{"--input-format",   "rawvideo",       "--input-option",
+                              "video_size=64x48", "--input-option", "pixel_format=bgr0"};
+    SxMinihostRun const run = fx_RunMinihost(
+        QStringList{"record"} + options + QStringList{"-", path("out.h264")}, picture.repeated(5));
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{5});
+    QVERIFY(qAbs(decoded[4].i420[64 * 20] - 70) <= 2); // 0.114 * 32 + 0.587 * 64 + 0.299 * 96
+}
+
+void tst_minihostRecord::inputOptionsThatFitNothingAreNamed_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("sentence");
+    QStringList const raw{"--input-format", "rawvideo", "--input-option"};
+    QTest::newRow("unknown option") << raw + QStringList{"video_size=64x48", "--input-option", "colour=red"}
+                                    << QByteArray("reader 'rawvideo' has no option 'colour'");
+    QTest::newRow("missing size") << raw + QStringList{"pixel_format=bgra"}
+                                  << QByteArray("reader 'rawvideo' refuses these options or needs more");
+    QTest::newRow("unknown pixel format")
+        << raw + QStringList{"video_size=64x48", "--input-option", "pixel_format=rainbow"}
+        << QByteArray("reader 'rawvideo' refuses these options");
+}
+
+void tst_minihostRecord::inputOptionsThatFitNothingAreNamed()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, sentence);
+    SxMinihostRun const run = fx_RunMinihost(
+        QStringList{"record"} + options + QStringList{"-", path("out.h264")}, QByteArray(64 * 48 * 4, 'a'));
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(sentence), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
 void tst_minihostRecord::framesEndsARecordingEarly()
 {
     QByteArray const picture = QByteArray(64 * 48, char(90)) + QByteArray(64 * 48 / 2, char(128));
@@ -297,6 +342,12 @@ void tst_minihostRecord::tooSmallPicturesLeaveNoOutput()
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(run.err.contains("15 x 40 are too small"), run.err);
     QVERIFY(!QFile::exists(path("out.h264")));
+
+    // So flat that the level leaves no height.
+    SxMinihostRun const flat =
+        fx_RunMinihost({"record", "camera:", path("out.h264"), "--size", "3000x40", "--level", "1"});
+    QCOMPARE(flat.exitCode, 1);
+    QVERIFY2(flat.err.contains("3000 x 40 would be saved as "), flat.err);
 }
 
 void tst_minihostRecord::skippedPicturesAreReported()
@@ -412,6 +463,7 @@ void tst_minihostRecord::ownSourceIsNeverReplaced_data()
     QTest::newRow("other way to write it") << "../%1/./in.h264";
     QTest::newRow("symbolic link") << "soft.h264";
     QTest::newRow("hard link") << "hard.h264";
+    QTest::newRow("with its protocol") << "file:";
 }
 
 void tst_minihostRecord::ownSourceIsNeverReplaced()
@@ -424,8 +476,11 @@ void tst_minihostRecord::ownSourceIsNeverReplaced()
     QVERIFY(QFile::link(path("in.h264"), path("soft.h264")));
     QCOMPARE(::link(qPrintable(path("in.h264")), qPrintable(path("hard.h264"))), 0);
 
+    QString const protocol = output == "file:" ? output : QString();
+    if (!protocol.isEmpty())
+        output = "in.h264";
     SxMinihostRun const run = fx_RunMinihost(
-        {"record", path("in.h264"),
+        {"record", protocol + path("in.h264"),
          path(output.contains('%') ? output.arg(QFileInfo(m_folder->path()).fileName()) : output),
          "--overwrite"});
     QCOMPARE(run.exitCode, 1);

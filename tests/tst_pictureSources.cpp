@@ -1,9 +1,14 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "FFmpegPicture.h"
 #include "FFmpegSource.h"
 #include "PictureFormat.h"
 #include "support/PictureFiles.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
 
 /// Pictures through FFmpeg: every sample where it belongs, at the depth that the file has.
 class tst_pictureSources : public QObject
@@ -22,8 +27,12 @@ private slots:
     void bitsThatTheFileKnowsStay();
     void sequenceOfFiles();
     void clockOfAVideo();
+    void rawPicturesAreCopied_data();
+    void rawPicturesAreCopied();
+    void wordFormatsKeepTheirSamples();
     void errorNamesTheFile();
     void stopEndsTheWait();
+    void devicesByName_data();
     void devicesByName();
 
 private:
@@ -272,6 +281,78 @@ void tst_pictureSources::clockOfAVideo()
     }
 }
 
+void tst_pictureSources::rawPicturesAreCopied_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::newRow("bgra") << "bgra";
+    QTest::newRow("bgr0") << "bgr0";
+}
+
+void tst_pictureSources::rawPicturesAreCopied()
+{
+    QFETCH(QString, format);
+    QVector<quint16> const samples = fx_Samples(kWidth * kHeight * 4, 8);
+    QVERIFY(fx_WriteFile(path("raw"), fx_Stored(samples, 1, false).repeated(3)));
+    SxFFmpegOptions const options{"rawvideo",
+                                  {{"video_size", QStringLiteral("%1x%2").arg(kWidth).arg(kHeight)},
+                                   {"pixel_format", format},
+                                   {"framerate", "10"}}};
+    CxFFmpegSource source({path("raw")}, 0, nullptr, options);
+    CxOwnedPicture picture;
+    for (quint64 i = 0; i < 3; ++i) {
+        QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture,
+                 qPrintable(source.errorText()));
+        QCOMPARE(picture.get().components, 4U);
+        QCOMPARE(picture.get().timestamp, i * 100000);
+        QCOMPARE(fx_SamplesOf(picture.get()), samples);
+    }
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
+}
+
+/// Every format of FFmpeg's that is copied as words, against FFmpeg's own way to read a sample.
+void tst_pictureSources::wordFormatsKeepTheirSamples()
+{
+    unsigned const odd = AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_HWACCEL |
+                         AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT;
+    int formats = 0;
+    for (AVPixFmtDescriptor const* format = av_pix_fmt_desc_next(nullptr); format != nullptr;
+         format = av_pix_fmt_desc_next(format)) {
+        bool const isGrey = format->nb_components <= 2;
+        bool const isColour = (format->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+        if ((!isGrey && !isColour) || (format->flags & odd) != 0 || format->comp[0].depth < 9 ||
+            format->comp[0].depth > 16)
+            continue;
+        std::unique_ptr<AVFrame, SxFFmpegDeleter> const frame(av_frame_alloc());
+        frame->width = kWidth;
+        frame->height = kHeight;
+        frame->format = av_pix_fmt_desc_get_id(format);
+        QCOMPARE(av_frame_get_buffer(frame.get(), 0), 0);
+        for (AVBufferRef const* buffer : frame->buf) {
+            for (size_t i = 0; buffer != nullptr && i < buffer->size; ++i)
+                buffer->data[i] = static_cast<uint8_t>(i * 197 + i / 251);
+        }
+        CxOwnedPicture picture;
+        QVERIFY2(CxFFmpegPicture().convert(*frame, picture.get()), format->name);
+
+        QVector<quint16> expected(static_cast<int>(picture.get().components) * kWidth * kHeight);
+        std::vector<quint16> row(size_t{kWidth});
+        uint8_t const* planes[4] = {frame->data[0], frame->data[1], frame->data[2], frame->data[3]};
+        int const components = static_cast<int>(picture.get().components);
+        for (int y = 0; y < kHeight; ++y) {
+            for (int c = 0; c < components; ++c) {
+                int const component = components == 1 ? 0 : c == 3 ? 3 : 2 - c;
+                av_read_image_line2(row.data(), planes, frame->linesize, format, 0, y, component, kWidth, 0,
+                                    2);
+                for (int x = 0; x < kWidth; ++x)
+                    expected[(y * kWidth + x) * components + c] = row[static_cast<size_t>(x)];
+            }
+        }
+        QVERIFY2(fx_SamplesOf(picture.get()) == expected, format->name);
+        ++formats;
+    }
+    QVERIFY(formats >= 20);
+}
+
 void tst_pictureSources::errorNamesTheFile()
 {
     QVERIFY(fx_WriteFile(path("good.pgm"), fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 16, 'a'))));
@@ -296,10 +377,22 @@ void tst_pictureSources::stopEndsTheWait()
     QCOMPARE(source.errorText(), QString());
 }
 
+void tst_pictureSources::devicesByName_data()
+{
+    QTest::addColumn<QString>("reader");
+    QTest::addColumn<QString>("before");
+    QTest::newRow("before the colon") << QString() << "lavfi:";
+    QTest::newRow("chosen") << "lavfi" << QString();
+    QTest::newRow("both") << "lavfi"
+                          << "lavfi:";
+}
+
 void tst_pictureSources::devicesByName()
 {
-    // FFmpeg's own test device stands in for a webcam: the name before the colon picks the reader.
-    CxFFmpegSource source({"lavfi:testsrc2=size=64x48:rate=30:duration=0.2"}, 0, nullptr);
+    QFETCH(QString, reader);
+    QFETCH(QString, before);
+    // FFmpeg's own test device stands in for a webcam.
+    CxFFmpegSource source({before + "testsrc2=size=64x48:rate=30:duration=0.2"}, 0, nullptr, {reader, {}});
     CxOwnedPicture picture;
     int count = 0;
     while (source.next(picture.get()) == IxPictureSource::Result::Picture)

@@ -479,7 +479,8 @@ void tst_tarnCore::fewFreedPicturesAreKept()
     for (std::size_t i = 0; i < 9; ++i)
         CxPicBufAPI::FreePicBuf(pictures[i], true);
     std::size_t const kept = fx_HeapBytes() - before;
-    QVERIFY2(kept >= 12 * kMiB && kept < 18 * kMiB, qPrintable(QString::number(kept)));
+    // One alive and three kept, each with the addresses that its alignment to huge pages takes.
+    QVERIFY2(kept >= 12 * kMiB && kept < 26 * kMiB, qPrintable(QString::number(kept)));
     CxPicBufAPI::FreePicBuf(pictures[9], true);
 }
 
@@ -566,8 +567,8 @@ void tst_tarnCore::imageDataReleasesWhatItReplaces()
         CxImageData image;
         for (quint32 i = 0; i < 8; ++i)
             image.setPicBuf(fx_Allocated(fx_Format(1024, 1024 + i)));
-        // The one held and the three kept for later.
-        QVERIFY(fx_HeapBytes() - before < 18 * kMiB);
+        // The one held and the three kept for later, with what their alignment takes.
+        QVERIFY(fx_HeapBytes() - before < 26 * kMiB);
         image.setPicBuf(SxPicBuf());
         QVERIFY(fx_HeapBytes() < before + kMiB);
         image.setPicBuf(fx_Allocated(fx_Format(1024, 1024)));

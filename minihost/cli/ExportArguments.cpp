@@ -52,19 +52,25 @@ QString fx_ChooseKind(QCommandLineParser const& parser, SxExportArguments& parse
     }
     if (parsed.output.isEmpty())
         return QStringLiteral("No --output is given.");
-    if (parsed.output == QLatin1String("-")) {
+    bool const isStdout = parsed.output == QLatin1String("-");
+    QString const suffix = QFileInfo(parsed.output).suffix().toLower();
+    if (isStdout || parser.isSet(QStringLiteral("stream")) || suffix == QLatin1String("y4m")) {
         parsed.kind = SxExportArguments::Kind::Stream;
         if (parser.isSet(QStringLiteral("sheet")))
-            return QStringLiteral("--sheet needs a file as --output.");
-        if (parsed.common.json)
+            return isStdout ? QStringLiteral("--sheet needs a file as --output.")
+                            : QStringLiteral("--sheet makes one picture, so --stream has no place.");
+        if (!isStdout && CxPictureEncoder::suffixes().contains(suffix))
+            return QStringLiteral("'%1' is a picture's name; --stream puts all frames behind each other.")
+                .arg(parsed.output);
+        if (suffix == QLatin1String("y4m") && parsed.stream != CxPictureStream::Format::Y4m)
+            return QStringLiteral("'%1' must hold y4m, not what --stream asks for.").arg(parsed.output);
+        if (isStdout && parsed.common.json)
             return QStringLiteral("--json and the pictures cannot both go to standard output.");
         return QString();
     }
-    if (parser.isSet(QStringLiteral("stream")))
-        return QStringLiteral("--stream is for standard output: --output -");
     if (parser.isSet(QStringLiteral("sheet")))
         parsed.kind = SxExportArguments::Kind::Sheet;
-    if (!CxPictureEncoder::suffixes().contains(QFileInfo(parsed.output).suffix().toLower()))
+    if (!CxPictureEncoder::suffixes().contains(suffix))
         return QStringLiteral("'%1' must end in one of %2.")
             .arg(parsed.output,
                  QStringLiteral(".") + CxPictureEncoder::suffixes().join(QStringLiteral(", .")));
@@ -140,8 +146,10 @@ QString fx_ExportHelp()
                "  --frames SPEC       4711, 10-20, 20-10, 10- (to the end), 0-300:30 (every 30th), key,\n"
                "                      all, or several of them with commas between; frames count from 0\n"
                "  -o, --output P      a file name ending in .%1, with %d\n"
-               "                      or %05d for the frame number; - for standard output\n"
-               "  --stream F          what standard output gets: %2 (y4m)\n"
+               "                      or %05d for the frame number; a name ending in .y4m for one\n"
+               "                      stream; - for standard output\n"
+               "  --stream F          all frames behind each other, as standard output gets them:\n"
+               "                      %2 (y4m)\n"
                "  --sheet COLUMNS     all frames on one picture, COLUMNS in a row, numbers below\n"
                "  --hash md5          instead of pictures a line for each frame: its number and the MD5\n"
                "                      of its rows as blue, green, red, 255, without gaps between rows\n"

@@ -15,7 +15,7 @@ struct SxExportArguments
     SxPlayArguments common;
     std::optional<CxFrameSpec> frames; ///< set unless help is asked for
     Kind kind = Kind::Files;
-    QString output; ///< a file name or pattern; "-" for a stream, empty for hashes
+    QString output; ///< a file name or pattern; for a stream also "-"; empty for hashes
     CxPictureStream::Format stream = CxPictureStream::Format::Y4m;
     int sheetColumns = 0;
     bool overwrite = false;

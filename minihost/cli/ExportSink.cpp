@@ -13,21 +13,29 @@
 #include "Console.h"
 #include "ContactSheet.h"
 #include "Readable.h"
+#include "SameFile.h"
 
 namespace {
 
 using Result = IxExportSink::Result;
 
-Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
+QString fx_ErrnoText() { return QString::fromLocal8Bit(std::strerror(errno)); }
+
+Result fx_WriteTo(FILE* stream, QString const& name, QByteArray const& bytes, bool flushes, QString& error)
 {
     errno = 0;
     auto const wanted = static_cast<size_t>(bytes.size());
-    if (std::fwrite(bytes.constData(), 1, wanted, stdout) == wanted && (!flushes || std::fflush(stdout) == 0))
+    if (std::fwrite(bytes.constData(), 1, wanted, stream) == wanted && (!flushes || std::fflush(stream) == 0))
         return Result::Taken;
     if (errno == EPIPE)
         return Result::ReaderGone;
-    error = QStringLiteral("Standard output: %1.").arg(QString::fromLocal8Bit(std::strerror(errno)));
+    error = QStringLiteral("%1: %2.").arg(name, fx_ErrnoText());
     return Result::Error;
+}
+
+Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
+{
+    return fx_WriteTo(stdout, QStringLiteral("Standard output"), bytes, flushes, error);
 }
 
 /// Writes a whole file. Where that fails no half file stays behind.
@@ -54,8 +62,8 @@ QString fx_Obstacle(QString const& fileName, SxExportArguments const& arguments)
     QFileInfo const info(fileName);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(fileName);
-    if (info.exists() && info.canonicalFilePath() == QFileInfo(arguments.common.file).canonicalFilePath())
-        return QStringLiteral("%1: the picture would replace the recording.").arg(fileName);
+    if (fx_IsSameFile(arguments.common.file, fileName))
+        return QStringLiteral("%1: what is written would replace the recording.").arg(fileName);
     if (info.isFile() && !arguments.overwrite)
         return QStringLiteral("%1: the file exists; --overwrite replaces it.").arg(fileName);
     QFileInfo const folder(info.absolutePath());
@@ -113,27 +121,58 @@ private:
     QString m_size;
 };
 
+struct SxFileCloser
+{
+    void operator()(FILE* file) const { std::fclose(file); }
+};
+
+/// All pictures behind each other, on standard output or in one file.
 class CxStreamSink : public IxExportSink
 {
 public:
-    explicit CxStreamSink(CxPictureStream::Format format)
-        : m_stream(format)
+    explicit CxStreamSink(SxExportArguments const& arguments)
+        : m_stream(arguments.stream)
+        , m_fileName(arguments.output == QLatin1String("-") ? QString() : arguments.output)
     {}
 
-    Result take(int, SxPicBuf const& picture, QString& error) override
+    Result take(int frame, SxPicBuf const& picture, QString& error) override
     {
+        if (!m_fileName.isEmpty() && !m_file) {
+            m_file.reset(std::fopen(QFile::encodeName(m_fileName).constData(), "wb"));
+            if (!m_file) {
+                error = QStringLiteral("%1: %2.").arg(m_fileName, fx_ErrnoText());
+                return Result::Error;
+            }
+            m_size = QStringLiteral("%1 x %2").arg(picture.width).arg(picture.height);
+        }
         std::optional<QByteArray> const bytes = m_stream.next(picture);
-        if (bytes)
+        if (!bytes) {
+            error = QStringLiteral("Out of memory.");
+            return Result::Error;
+        }
+        if (!m_file)
             return fx_WriteToStdout(*bytes, true, error);
-        error = QStringLiteral("Out of memory.");
-        return Result::Error;
+        Result const result = fx_WriteTo(m_file.get(), m_fileName, *bytes, true, error);
+        if (result == Result::Taken)
+            m_json.append(
+                QJsonObject{{QStringLiteral("frame"), frame}, {QStringLiteral("file"), m_fileName}});
+        return result;
     }
     Result finish(QString&) override { return Result::Taken; }
-    QString summary() const override { return QString(); }
-    QJsonArray summaryJson() const override { return QJsonArray(); }
+    QString summary() const override
+    {
+        return m_file ? QStringLiteral("%1: %2 of %3 written.")
+                            .arg(m_fileName, fx_Count(m_json.size(), "picture"), m_size)
+                      : QString();
+    }
+    QJsonArray summaryJson() const override { return m_json; }
 
 private:
     CxPictureStream m_stream;
+    QString m_fileName; ///< empty for standard output
+    std::unique_ptr<FILE, SxFileCloser> m_file;
+    QString m_size;
+    QJsonArray m_json;
 };
 
 class CxSheetSink : public IxExportSink
@@ -229,12 +268,16 @@ std::unique_ptr<IxExportSink> fx_MakeExportSink(SxExportArguments const& argumen
     case SxExportArguments::Kind::Hashes:
         return std::make_unique<CxHashSink>(arguments.common.json);
     case SxExportArguments::Kind::Stream:
-        if (isatty(STDOUT_FILENO) == 1) {
+        if (arguments.output != QLatin1String("-")) {
+            error = fx_Obstacle(arguments.output, arguments);
+            if (!error.isEmpty())
+                return nullptr;
+        } else if (isatty(STDOUT_FILENO) == 1) {
             error =
                 QStringLiteral("Standard output is a terminal; pipe the pictures into a program or a file.");
             return nullptr;
         }
-        return std::make_unique<CxStreamSink>(arguments.stream);
+        return std::make_unique<CxStreamSink>(arguments);
     case SxExportArguments::Kind::Files:
     case SxExportArguments::Kind::Sheet:
         break;

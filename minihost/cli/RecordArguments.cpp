@@ -78,9 +78,9 @@ private:
 
 void fx_DeclareOptions(QCommandLineParser& parser)
 {
-    static char const* const kWithValue[] = {"quality", "keyframe-rate", "complexity", "profile",
-                                             "level",   "size",          "frames",     "seed",
-                                             "format",  "bits",          "plugin-path"};
+    static char const* const kWithValue[] = {
+        "quality", "keyframe-rate", "complexity", "profile",      "level",        "size",       "frames",
+        "seed",    "format",        "bits",       "input-format", "input-option", "plugin-path"};
     for (char const* name : kWithValue)
         parser.addOption({QString::fromLatin1(name), QString(), QStringLiteral("value")});
     for (char const* name : {"overwrite", "json"})
@@ -89,6 +89,25 @@ void fx_DeclareOptions(QCommandLineParser& parser)
         QString const option = QString::fromLatin1(name);
         parser.addOption(QCommandLineOption(QStringList{option.left(1), option}));
     }
+}
+
+/// How the sources are to be read; one sentence when that makes no sense.
+QString fx_TakeInputOptions(QCommandLineParser const& parser, SxFFmpegOptions& input)
+{
+    input.format = parser.value(QStringLiteral("input-format"));
+    if (!input.format.isEmpty() && !CxFFmpegSource::hasFormat(input.format))
+        return QStringLiteral(
+                   "--input-format takes the name of a reader that FFmpeg has, as ffmpeg -demuxers "
+                   "lists them, not '%1'.")
+            .arg(input.format);
+    for (QString const& given : parser.values(QStringLiteral("input-option"))) {
+        int const equals = given.indexOf(QLatin1Char('='));
+        if (equals < 1)
+            return QStringLiteral("--input-option takes NAME=VALUE, such as video_size=1280x720, not '%1'.")
+                .arg(given);
+        input.options.insert(given.left(equals), given.mid(equals + 1));
+    }
+    return QString();
 }
 
 /// Splits sources and output, and sees that the options fit them; one sentence when they do not.
@@ -127,6 +146,11 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
     }
     if (parsed.isCamera && parser.isSet(QStringLiteral("bits")))
         return QStringLiteral("--bits is not for camera:, whose --format says how many bits there are.");
+    for (char const* option : {"input-format", "input-option"}) {
+        if (parsed.isCamera && parser.isSet(QString::fromLatin1(option)))
+            return QStringLiteral("--%1 is not for camera:, which nothing has to read.")
+                .arg(QLatin1String(option));
+    }
     return QString();
 }
 
@@ -172,6 +196,8 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     parsed.verbose = parser.isSet(QStringLiteral("verbose"));
     parsed.pluginPath = parser.value(QStringLiteral("plugin-path"));
     error = fx_TakePositionals(parser, parsed);
+    if (error.isEmpty())
+        error = fx_TakeInputOptions(parser, parsed.input);
     return error.isEmpty();
 }
 
@@ -185,6 +211,8 @@ QString fx_RecordHelp()
                "  minihost record clip.mp4 clip.h264                    any video\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
+               "  ... | minihost record --input-format rawvideo --input-option video_size=1920x1080 \\\n"
+               "            --input-option pixel_format=bgra - raw.h264  raw pictures\n"
                "\n"
                "Usage: minihost record [options] SOURCE... OUTPUT.h264\n"
                "\n"
@@ -194,6 +222,9 @@ QString fx_RecordHelp()
                "What to record\n"
                "  --frames N          end after N pictures; 0 for no limit (camera: 300, else 0)\n"
                "  --bits N            significant bits of 16-bit pictures that do not say, 8 to 16 (16)\n"
+               "  --input-format F    FFmpeg's reader for sources that do not say what they are: rawvideo\n"
+               "  --input-option O=V  an option of that reader or device, again for each:\n"
+               "                      video_size=1280x720, pixel_format=bgra, framerate=30\n"
                "  --size WxH          test camera: picture size (1280x720)\n"
                "  --format F          test camera (bgr24):\n"
                "                      %1\n"

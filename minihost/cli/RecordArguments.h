@@ -2,6 +2,7 @@
 
 #include <QStringList>
 
+#include "FFmpegSource.h"
 #include "Recorder.h"
 #include "TestCamera.h"
 
@@ -13,6 +14,7 @@ struct SxRecordArguments
     SxTestCameraOptions camera;
     SxRecordRequest request;
     int bits = 0; ///< 0: not given
+    SxFFmpegOptions input;
     bool overwrite = false;
     bool json = false;
     bool quiet = false;

@@ -1,7 +1,5 @@
 #include <QFileInfo>
 #include <memory>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "Commands.h"
 #include "Console.h"
@@ -13,31 +11,23 @@
 #include "Readable.h"
 #include "RecordArguments.h"
 #include "RecordReport.h"
+#include "SameFile.h"
 
 namespace {
 
 int const kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
 int const kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
 
-/// True when a source and the output are one file, whatever their names.
-bool fx_IsSameFile(QString const& source, QString const& output)
-{
-    struct stat in = {};
-    struct stat out = {};
-    int const error = source == QLatin1String("-") ? fstat(STDIN_FILENO, &in)
-                                                   : stat(QFile::encodeName(source).constData(), &in);
-    return error == 0 && stat(QFile::encodeName(output).constData(), &out) == 0 && S_ISREG(in.st_mode) &&
-           in.st_dev == out.st_dev && in.st_ino == out.st_ino;
-}
-
 /// What stands in the way of reading the sources, one sentence; empty when nothing is known to.
-QString fx_SourceObstacle(QStringList const& sources)
+QString fx_SourceObstacle(SxRecordArguments const& arguments)
 {
-    for (QString const& source : sources) {
+    for (QString const& source : arguments.sources) {
         QFileInfo const info(source);
         if (info.isDir())
             return QStringLiteral("%1: this is a folder; name the files in it.").arg(source);
-        if (!info.exists() && source != QLatin1String("-") && !source.contains(QLatin1Char(':')))
+        // A reader that the user chose may take names of other things than files.
+        if (arguments.input.format.isEmpty() && !info.exists() && source != QLatin1String("-") &&
+            !source.contains(QLatin1Char(':')))
             return QStringLiteral("%1: there is no such file.").arg(source);
     }
     return QString();
@@ -163,7 +153,8 @@ std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& argument
 {
     if (arguments.isCamera)
         return std::make_unique<CxTestCamera>(arguments.camera);
-    return std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop);
+    return std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop,
+                                            arguments.input);
 }
 
 int fx_RecordAndReport(SxRecordArguments const& arguments)
@@ -205,7 +196,7 @@ int fx_RunRecord(QStringList const& arguments)
     if (!parsed.verbose)
         Console::hideLibraryOutput();
 
-    error = fx_SourceObstacle(parsed.sources);
+    error = fx_SourceObstacle(parsed);
     if (error.isEmpty())
         error = fx_OutputObstacle(parsed);
     CxPluginMessages const messages(parsed.verbose);

@@ -4,24 +4,27 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "Viewer.h"
 
 static QString fx_Help()
 {
-    return QStringLiteral("Runs the H.264 codec plug-in without its camera viewer.\n"
-                          "\n"
-                          "  minihost record camera: test.h264    record the built-in test camera\n"
-                          "  minihost record clip.mp4 clip.h264   record what a video shows\n"
-                          "\n"
-                          "Usage: minihost COMMAND [arguments]\n"
-                          "\n"
-                          "  record     pictures into a raw H.264 file\n"
-                          "  info       what a recording holds: size, frames, duration, bit rate\n"
-                          "  export     frames of a recording as pictures, a contact sheet, a stream, hashes\n"
-                          "  verify     decode a recording and report the first frame that fails\n"
-                          "  help C     how to use command C, as C --help\n"
-                          "  --version  version of this program\n"
-                          "\n"
-                          "Exit code: 0 done, 1 failed, 2 wrong usage.");
+    return QStringLiteral(
+        "Runs the H.264 codec plug-in without its camera viewer.\n"
+        "\n"
+        "  minihost record camera: test.h264    record the built-in test camera\n"
+        "  minihost record clip.mp4 clip.h264   record what a video shows\n"
+        "\n"
+        "Usage: minihost COMMAND [arguments]\n"
+        "\n"
+        "  record     pictures into a raw H.264 file\n"
+        "  info       what a recording holds: size, frames, duration, bit rate\n"
+        "  export     frames of a recording as pictures, a contact sheet, a stream, hashes\n"
+        "  view       a window to watch, play and record in\n"
+        "  verify     decode a recording and report the first frame that fails\n"
+        "  help C     how to use command C, as C --help\n"
+        "  --version  version of this program\n"
+        "\n"
+        "Exit code: 0 done, 1 failed, 2 wrong usage.");
 }
 
 static int fx_Dispatch(QStringList arguments)
@@ -30,6 +33,10 @@ static int fx_Dispatch(QStringList arguments)
     if (command == QLatin1String("help") && arguments.size() > 1) {
         command = arguments[1];
         arguments = QStringList{command, QStringLiteral("--help")};
+    }
+    if (command == QLatin1String("view")) { // only "help view": main() runs the viewer
+        Console::data(fx_ViewerHelp());
+        return kDone;
     }
     if (command == QLatin1String("record"))
         return fx_RunRecord(arguments);
@@ -56,6 +63,8 @@ static int fx_Dispatch(QStringList arguments)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && qstrcmp(argv[1], "view") == 0)
+        return fx_RunViewer(argc, argv); // with an application object of its own
     QCoreApplication const app(argc, argv);
     // Without a locale, as in containers, file names are still UTF-8.
     if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0)

@@ -30,6 +30,12 @@ struct SxCanvas
 /// Mixes \p colour into a pixel; \p cover 0 leaves it, 256 replaces it.
 inline void fx_Blend(quint16* pixel, SxColour48 const& colour, int cover)
 {
+    if (cover == 256) { // most pixels
+        pixel[0] = colour.blue;
+        pixel[1] = colour.green;
+        pixel[2] = colour.red;
+        return;
+    }
     pixel[0] = static_cast<quint16>(pixel[0] + (colour.blue - pixel[0]) * cover / 256);
     pixel[1] = static_cast<quint16>(pixel[1] + (colour.green - pixel[1]) * cover / 256);
     pixel[2] = static_cast<quint16>(pixel[2] + (colour.red - pixel[2]) * cover / 256);

@@ -16,11 +16,13 @@ struct SxFFmpegDeleter
     void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+    void operator()(AVDictionary* dictionary) const { av_dict_free(&dictionary); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
 
 using FormatContextPtr = std::unique_ptr<AVFormatContext, SxFFmpegDeleter>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, SxFFmpegDeleter>;
+using DictionaryPtr = std::unique_ptr<AVDictionary, SxFFmpegDeleter>;
 using FramePtr = std::unique_ptr<AVFrame, SxFFmpegDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, SxFFmpegDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, SxFFmpegDeleter>;

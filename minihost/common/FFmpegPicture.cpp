@@ -1,7 +1,7 @@
 #include "FFmpegPicture.h"
 
+#include <QtEndian>
 #include <cstring>
-#include <vector>
 
 #include "PictureFormat.h"
 
@@ -39,20 +39,33 @@ static unsigned char* fx_Row(SxPicBuf const& picture, int y)
     return picture.data + static_cast<size_t>(y) * picture.pitch;
 }
 
+/// One component of a row, \p width samples: 16-bit words of the format's byte order that lie \p step
+/// bytes apart at any address, each sample at a shift within its word.
+template<bool isBigEndian>
+static void fx_CopyComponent(uint8_t const* source, size_t step, unsigned shift, unsigned mask, quint16* row,
+                             size_t components, size_t width)
+{
+    for (size_t x = 0; x < width; ++x) {
+        auto const word = isBigEndian ? qFromBigEndian<quint16>(source + x * step)
+                                      : qFromLittleEndian<quint16>(source + x * step);
+        row[x * components] = static_cast<quint16>(word >> shift & mask);
+    }
+}
+
+/// Copies samples of 9 to 16 bits; no format of FFmpeg's spreads one over more than a word.
 static void fx_CopyWords(AVFrame const& frame, AVPixFmtDescriptor const& format, SxPicBuf& picture)
 {
     // FFmpeg lists red, green, blue, alpha; the host's pictures hold blue, green, red, fourth.
     static int const kOrder[4] = {2, 1, 0, 3};
-    uint8_t const* planes[4] = {frame.data[0], frame.data[1], frame.data[2], frame.data[3]};
-    std::vector<quint16> samples(picture.width);
+    auto* const copy = fx_Has(format, AV_PIX_FMT_FLAG_BE) ? fx_CopyComponent<true> : fx_CopyComponent<false>;
     for (int y = 0; y < frame.height; ++y) {
         auto* const row = reinterpret_cast<quint16*>(fx_Row(picture, y));
         for (quint32 c = 0; c < picture.components; ++c) {
-            int const component = picture.components == 1 ? 0 : kOrder[c];
-            av_read_image_line2(samples.data(), planes, frame.linesize, &format, 0, y, component, frame.width,
-                                0, sizeof(quint16));
-            for (size_t x = 0; x < samples.size(); ++x)
-                row[x * picture.components + c] = samples[x];
+            AVComponentDescriptor const& component = format.comp[picture.components == 1 ? 0 : kOrder[c]];
+            uint8_t const* const source = frame.data[component.plane] + component.offset +
+                                          static_cast<ptrdiff_t>(y) * frame.linesize[component.plane];
+            copy(source, static_cast<size_t>(component.step), static_cast<unsigned>(component.shift),
+                 (1U << component.depth) - 1, row + c, picture.components, picture.width);
         }
     }
 }

@@ -19,22 +19,30 @@ struct SxFFmpegInput
     AVInputFormat const* format = nullptr; ///< null: find out
 };
 
-static SxFFmpegInput fx_FFmpegInput(QString const& input)
+static bool fx_IsDevice(AVInputFormat const* format)
+{
+    return format != nullptr && (format->flags & AVFMT_NOFILE) != 0;
+}
+
+/// \param format  name of the reader that the user chose; empty: find out.
+static SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format)
 {
     SxFFmpegInput result;
+    if (!format.isEmpty())
+        result.format = av_find_input_format(format.toLatin1().constData());
     if (input == QLatin1String("-")) {
         result.url = "pipe:0";
         return result;
     }
-    if (QFileInfo::exists(input)) {
+    if (QFileInfo::exists(input) && !fx_IsDevice(result.format)) {
         result.url = "file:" + input.toLocal8Bit(); // a colon in its name would look like a protocol
         return result;
     }
     int const colon = input.indexOf(QLatin1Char(':'));
     if (colon > 0) {
-        AVInputFormat const* const format = av_find_input_format(input.left(colon).toLatin1().constData());
-        if (format != nullptr && (format->flags & AVFMT_NOFILE) != 0) {
-            result.format = format;
+        AVInputFormat const* const device = av_find_input_format(input.left(colon).toLatin1().constData());
+        if (fx_IsDevice(device) && (result.format == nullptr || result.format == device)) {
+            result.format = device;
             result.url = input.mid(colon + 1).toLocal8Bit();
             return result;
         }
@@ -64,14 +72,22 @@ static QString fx_OpenErrorText(int error)
     return fx_FFmpegErrorText(error);
 }
 
-CxFFmpegSource::CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop)
+CxFFmpegSource::CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop,
+                               SxFFmpegOptions const& options)
     : m_inputs(std::move(inputs))
     , m_bits(bits)
     , m_stop(stop)
+    , m_options(options)
     , m_frame(av_frame_alloc())
     , m_packet(av_packet_alloc())
 {
     avdevice_register_all();
+}
+
+bool CxFFmpegSource::hasFormat(QString const& name)
+{
+    avdevice_register_all();
+    return av_find_input_format(name.toLatin1().constData()) != nullptr;
 }
 
 void CxFFmpegSource::setLogShown(bool shown) { av_log_set_level(shown ? AV_LOG_INFO : AV_LOG_QUIET); }
@@ -91,10 +107,9 @@ bool CxFFmpegSource::fail(QString const& cause)
     return false;
 }
 
-/// Opens the next input with its decoder; false with the error set, or when stopped.
-bool CxFFmpegSource::openInput()
+/// Opens the input's reader and sees that it took every option; false with the error set, or when stopped.
+bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
 {
-    SxFFmpegInput const input = fx_FFmpegInput(m_inputs[m_nextInput++]);
     AVFormatContext* format = avformat_alloc_context();
     if (format == nullptr || !m_frame || !m_packet) {
         avformat_free_context(format);
@@ -106,17 +121,45 @@ bool CxFFmpegSource::openInput()
     // A per cent sign in a picture's name is no pattern for more names; other readers ignore this.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "pattern_type", "none", 0);
-    int error = avformat_open_input(&format, input.url.constData(), input.format, &options);
-    av_dict_free(&options);
-    if (error < 0)
-        return isStopped() ? false : fail(fx_OpenErrorText(error)); // it freed the context itself
+    for (auto option = m_options.options.begin(); option != m_options.options.end(); ++option)
+        av_dict_set(&options, option.key().toLocal8Bit().constData(),
+                    option.value().toLocal8Bit().constData(), 0);
+    int const error = avformat_open_input(&format, input.url.constData(), input.format, &options);
+    DictionaryPtr const unused(options); // on success what nobody took
+    if (error < 0) {
+        if (isStopped())
+            return false; // the context is freed already
+        if (error == AVERROR(EINVAL) && input.format != nullptr)
+            return fail(
+                QStringLiteral("FFmpeg's reader '%1' refuses these options or needs more, such as the size "
+                               "of raw pictures; ffmpeg -h demuxer=%1 lists them")
+                    .arg(QString::fromLatin1(input.format->name)));
+        return fail(fx_OpenErrorText(error));
+    }
     m_format.reset(format);
+    for (QString const& name : m_options.options.keys()) {
+        QByteArray const key = name.toLocal8Bit();
+        if (av_dict_get(unused.get(), key.constData(), nullptr, 0) != nullptr && key != "pattern_type")
+            return fail(
+                QStringLiteral("FFmpeg's reader '%1' has no option '%2'; ffmpeg -h demuxer=%1 lists "
+                               "those it has")
+                    .arg(QString::fromLatin1(format->iformat->name).section(QLatin1Char(','), 0, 0), name));
+    }
+    return true;
+}
+
+/// Opens the next input with its decoder; false with the error set, or when stopped.
+bool CxFFmpegSource::openInput()
+{
+    if (!openFormat(fx_FFmpegInput(m_inputs[m_nextInput++], m_options.format)))
+        return false;
+    AVFormatContext* const format = m_format.get();
     m_isStill = fx_IsStillFormat(*format->iformat);
     // A picture file is one picture, whatever preview its reader would find behind it; a stream of
     // pictures on standard input is many.
     m_isOnePicture = m_isStill && m_inputs[m_nextInput - 1] != QLatin1String("-");
 
-    error = avformat_find_stream_info(format, nullptr);
+    int error = avformat_find_stream_info(format, nullptr);
     if (error < 0)
         return isStopped() ? false : fail(fx_OpenErrorText(error));
     AVCodec const* decoder = nullptr;

@@ -1,11 +1,21 @@
 #pragma once
 
+#include <QMap>
 #include <QStringList>
 #include <atomic>
 
 #include "FFmpegHandles.h"
 #include "FFmpegPicture.h"
 #include "IxPictureSource.h"
+
+struct SxFFmpegInput;
+
+/// How FFmpeg is to read inputs that do not say it themselves, such as raw pictures and devices.
+struct SxFFmpegOptions
+{
+    QString format;                 ///< name of the reader, "rawvideo"; empty: find out
+    QMap<QString, QString> options; ///< the reader's own, such as video_size=1280x720
+};
 
 /// Pictures from whatever FFmpeg opens, one input after the other: picture files, videos, "-" for
 /// standard input, URLs, and devices written "v4l2:/dev/video0" (any FFmpeg device before the colon).
@@ -16,7 +26,9 @@ class CxFFmpegSource : public IxPictureSource
 public:
     /// \param bits  significant bits of word samples whose file does not say; 0: all 16.
     /// \param stop  once set, waiting for data ends and next() returns End; may be null.
-    CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop);
+    /// \param options  for every input.
+    CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop,
+                   SxFFmpegOptions const& options = {});
 
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error; }
@@ -25,11 +37,15 @@ public:
     bool knowsSignificantBits() const override { return m_picture.knowsSignificantBits(); }
     QStringList takeWarnings() override;
 
+    /// True when FFmpeg has a reader of that name.
+    static bool hasFormat(QString const& name);
+
     /// Shows FFmpeg's own log on standard error, or hides it. For the whole process.
     static void setLogShown(bool shown);
 
 private:
     bool openInput();
+    bool openFormat(SxFFmpegInput const& input);
     void closeInput();
     bool decodeFrame();
     bool fail(QString const& cause);
@@ -42,6 +58,7 @@ private:
     QStringList m_inputs;
     int m_bits;
     std::atomic<bool> const* m_stop;
+    SxFFmpegOptions m_options;
 
     int m_nextInput = 0;
     FormatContextPtr m_format; ///< null between inputs

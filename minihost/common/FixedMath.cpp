@@ -1,5 +1,6 @@
 #include "FixedMath.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 static int const kHalfTurn = 32768;
@@ -22,10 +23,11 @@ int fx_AngleOf(int dx, int dy)
 {
     qint64 const ax = std::abs(dx);
     qint64 const ay = std::abs(dy);
-    if (ax == 0 && ay == 0)
+    qint64 const longer = std::max(ax, ay);
+    if (longer == 0)
         return 0;
     // Within an eighth of a turn: atan r = r (1/8 + 0.0434 (1 - r)) turns, r in 32768ths.
-    qint64 const r = ax >= ay ? ay * 32768 / ax : ax * 32768 / ay;
+    qint64 const r = std::min(ax, ay) * 32768 / longer;
     int const eighth = static_cast<int>(r * (8192 + 2847 * (32768 - r) / 32768) / 32768);
     int const quarter = ax >= ay ? eighth : 16384 - eighth;
     int const half = dx >= 0 ? quarter : 32768 - quarter;

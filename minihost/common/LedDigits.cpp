@@ -73,12 +73,17 @@ void fx_Plot(SxCanvas& canvas, int x, int y, SxColour48 const& colour, int cover
 void fx_DrawSegment(SxCanvas& canvas, int x, int y, SxLedShape const& shape, SxSegment const& segment,
                     SxColour48 const& colour, int cover)
 {
-    for (int row = 0; row < shape.height; ++row) {
-        for (int column = 0; column < shape.width; ++column) {
+    // Rows of a level stroke, columns of an upright one: those within half the stroke of its middle.
+    int const across0 = std::max(0, (segment.across - shape.stroke + 2) / 2);
+    int const across1 = (segment.across + shape.stroke + 1) / 2;
+    int const row0 = segment.isHorizontal ? across0 : 0;
+    int const row1 = segment.isHorizontal ? std::min(across1, shape.height) : shape.height;
+    int const column0 = segment.isHorizontal ? 0 : across0;
+    int const column1 = segment.isHorizontal ? shape.width : std::min(across1, shape.width);
+    for (int row = row0; row < row1; ++row) {
+        for (int column = column0; column < column1; ++column) {
             int const along = 2 * (segment.isHorizontal ? column : row);
             int const across = std::abs(2 * (segment.isHorizontal ? row : column) - segment.across);
-            if (across > shape.stroke - 1)
-                continue;
             // Pointed ends with a gap between strokes, or plain overlapping ones where pixels are few.
             int const inset = shape.isFine ? across + std::max(2, shape.stroke / 5) : 1 - shape.stroke;
             if (along < segment.along0 + inset || along > segment.along1 - inset)

@@ -55,8 +55,10 @@ quint16 fx_HighestSample(SxPicBuf const& picture)
             reinterpret_cast<quint16 const*>(picture.data + static_cast<size_t>(y) * picture.pitch);
         size_t const samples = static_cast<size_t>(picture.width) * picture.components;
         if (picture.components == 4) {
-            for (size_t i = 0; i < samples; i += 4)
-                highest = std::max({highest, row[i], row[i + 1], row[i + 2]});
+            // The fourth at 0 changes nothing: one pass over all samples, which vectors like better.
+            static quint16 const kCounts[4] = {0xFFFF, 0xFFFF, 0xFFFF, 0};
+            for (size_t i = 0; i < samples; ++i)
+                highest = std::max(highest, static_cast<quint16>(row[i] & kCounts[i % 4]));
         } else {
             for (size_t i = 0; i < samples; ++i)
                 highest = std::max(highest, row[i]);

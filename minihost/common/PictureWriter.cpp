@@ -1,5 +1,6 @@
 #include "PictureWriter.h"
 
+#include <algorithm>
 #include <cstring>
 
 extern "C" {
@@ -175,14 +176,14 @@ std::optional<QByteArray> CxPictureStream::next(SxPicBuf const& picture)
     if (m_format == Format::Bgra)
         return fx_PackedRows(picture);
 
-    QByteArray bytes;
+    QByteArray header;
     if (m_format == Format::Y4m) {
         if (!m_hasBegun)
-            bytes = QStringLiteral("YUV4MPEG2 W%1 H%2 F30:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
-                        .arg(picture.width)
-                        .arg(picture.height)
-                        .toLatin1();
-        bytes += "FRAME\n";
+            header = QStringLiteral("YUV4MPEG2 W%1 H%2 F30:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
+                         .arg(picture.width)
+                         .arg(picture.height)
+                         .toLatin1();
+        header += "FRAME\n";
     }
     m_hasBegun = true;
     AVPixelFormat const target = m_format == Format::Y4m ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_RGB24;
@@ -190,22 +191,25 @@ std::optional<QByteArray> CxPictureStream::next(SxPicBuf const& picture)
     int const width = static_cast<int>(picture.width);
     int const height = static_cast<int>(picture.height);
     int const size = av_image_get_buffer_size(target, width, height, 1);
-    int const header = bytes.size();
     if (!m_scaler || size < 0)
         return std::nullopt;
-    bytes.resize(header + size);
+    m_bytes.resize(header.size() + size);
+    std::copy(header.begin(), header.end(), m_bytes.begin());
     uint8_t* planes[4];
     int pitches[4];
-    av_image_fill_arrays(planes, pitches, reinterpret_cast<uint8_t*>(bytes.data()) + header, target, width,
-                         height, 1);
+    av_image_fill_arrays(planes, pitches, reinterpret_cast<uint8_t*>(m_bytes.data()) + header.size(), target,
+                         width, height, 1);
     fx_Scale(m_scaler.get(), picture, planes, pitches);
-    return bytes;
+    return m_bytes;
 }
 
 QByteArray fx_PackedRows(SxPicBuf const& picture)
 {
     size_t const rowBytes = static_cast<size_t>(picture.width) * picture.components;
-    QByteArray rows(static_cast<int>(rowBytes * picture.height), Qt::Uninitialized);
+    int const allBytes = static_cast<int>(rowBytes * picture.height);
+    if (picture.pitch == rowBytes)
+        return QByteArray::fromRawData(reinterpret_cast<char const*>(picture.data), allBytes);
+    QByteArray rows(allBytes, Qt::Uninitialized);
     char* row = rows.data();
     for (quint32 y = 0; y < picture.height; ++y, row += rowBytes)
         std::memcpy(row, picture.data + static_cast<size_t>(y) * picture.pitch, rowBytes);

@@ -52,15 +52,16 @@ public:
     {}
 
     /// The bytes of the next picture, the stream's header before the first. All must have one size.
-    /// Nothing when memory is short.
+    /// They may be the picture's own, so use them before it changes. Nothing when memory is short.
     std::optional<QByteArray> next(SxPicBuf const& picture);
 
 private:
     Format m_format;
     ScalerPtr m_scaler;
+    QByteArray m_bytes; ///< of the last picture: fresh memory for each would cost more than filling it
     bool m_hasBegun = false;
 };
 
 /// The rows of a picture from top to bottom without what the pitch leaves between them; four bytes a
-/// pixel for RGB32.
+/// pixel for RGB32. Where it leaves nothing they are the picture's own memory, not a copy.
 QByteArray fx_PackedRows(SxPicBuf const& picture);

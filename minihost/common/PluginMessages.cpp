@@ -23,7 +23,7 @@ SxCollected& fx_Collected()
 void fx_Collect(QtMsgType type, QMessageLogContext const& context, QString const& text)
 {
     SxCollected& collected = fx_Collected();
-    if (type != QtCriticalMsg || collected.raw)
+    if ((type != QtCriticalMsg || collected.raw) && collected.before != nullptr)
         collected.before(type, context, text);
     if (type != QtCriticalMsg)
         return;

@@ -1,6 +1,7 @@
 #include "Readable.h"
 
 #include <QStringList>
+#include <cmath>
 
 /// Three significant digits with the largest prefix that leaves one before the point.
 static QString fx_Scaled(double value, QString const& unit)
@@ -25,7 +26,7 @@ QString fx_ReadableBitRate(double bits) { return fx_Scaled(bits, QStringLiteral(
 
 QString fx_ReadableTime(double seconds)
 {
-    auto const whole = static_cast<qint64>(seconds + 0.5);
+    qint64 const whole = std::llround(seconds);
     QString const tail = QStringLiteral("%1").arg(whole % 60, 2, 10, QLatin1Char('0'));
     if (whole < 3600)
         return QStringLiteral("%1:%2").arg(whole / 60).arg(tail);

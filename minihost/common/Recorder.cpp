@@ -8,8 +8,11 @@
 
 #include "CodecOptions.h"
 #include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "CxVideoCodecManager.h"
 #include "IxImageDataSaver.h"
 #include "IxPictureSource.h"
+#include "IxVideoEncoder.h"
 #include "PictureFormat.h"
 #include "PluginHost.h"
 #include "PluginMessages.h"
@@ -40,12 +43,14 @@ public:
         , m_request(request)
         , m_summary(summary)
         , m_fileExisted(QFileInfo::exists(request.outputFile))
+        , m_replacesFile(QFileInfo(request.outputFile).isFile() && QFileInfo(request.outputFile).size() > 0)
     {}
 
     void run(RecordProgress const& progress);
 
 private:
     bool start();
+    bool tryEncoder();
     bool nextPicture();
     bool saveOne();
     void finish();
@@ -57,6 +62,7 @@ private:
     SxRecordRequest const& m_request;
     SxRecordSummary& m_summary;
     bool m_fileExisted;
+    bool m_replacesFile; ///< a recording, or whatever else has bytes to lose
     CxOwnedPicture m_picture;
     SxCreated<IxImageDataSaver> m_saver;
     QFile* m_file = nullptr;           ///< the saver's, and gone with it
@@ -126,10 +132,44 @@ bool CxRecording::nextPicture()
                  .arg(m_summary.input.height));
         return false;
     }
-    if (fx_IsWordFormat(picture))
+    if (fx_IsWordFormat(picture) && !m_source.knowsSignificantBits())
         m_summary.highestSample =
             std::max(m_summary.highestSample, static_cast<quint32>(fx_HighestSample(picture)));
     return true;
+}
+
+/// Encodes the picture at hand for nothing, with an encoder of its own. The saver empties its file before
+/// it asks its encoder for anything: only what encodes may cost an old recording.
+bool CxRecording::tryEncoder()
+{
+    std::unique_ptr<IxVideoEncoder> const encoder(
+        CxVideoCodecManager::instance()->encoderForFourCC(kFourCCH264));
+    if (!encoder) {
+        fail(QStringLiteral("No loaded plug-in provides an H.264 encoder."));
+        return false;
+    }
+    SxPicBuf const* picture = &m_picture.get();
+    SxPicBufInfo wanted;
+    encoder->queryOuputFormat(*picture, wanted);
+    CxOwnedPicture scaled;
+    CxPluginMessages::take();
+    bool isEncoded = true;
+    if (wanted.width != picture->width || wanted.height != picture->height) {
+        SxPicBufInfo format = *picture;
+        format.width = wanted.width;
+        format.height = wanted.height;
+        isEncoded = fx_PreparePicture(scaled.get(), format) && CxPicBufAPI::Resize(*picture, scaled.get());
+        picture = &scaled.get();
+    }
+    if (isEncoded) {
+        unsigned long size = encoder->maxEncodedSize(*picture);
+        std::vector<unsigned char> buffer(size);
+        isEncoded = encoder->encode(*picture, buffer.data(), size, nullptr);
+    }
+    if (!isEncoded)
+        fail(outputError(CxPluginMessages::take()) +
+             QStringLiteral(" The file that was there is untouched."));
+    return isEncoded;
 }
 
 /// With the first picture at hand: makes the saver and tells it about the recording.
@@ -156,12 +196,18 @@ bool CxRecording::start()
     m_summary.savedWidth = saved.width;
     m_summary.savedHeight = saved.height;
     if (saved.width < kSmallestSide || saved.height < kSmallestSide) {
-        fail(QStringLiteral("Pictures of %1 x %2 are too small: the encoder takes 16 x 16 and more.")
+        // What the user cannot see: the level leaves less than the picture has.
+        bool const isShrunk =
+            m_summary.input.width >= kSmallestSide && m_summary.input.height >= kSmallestSide;
+        fail(QStringLiteral("Pictures of %1 x %2 %3: the encoder takes 16 x 16 and more.")
                  .arg(m_summary.input.width)
-                 .arg(m_summary.input.height));
+                 .arg(m_summary.input.height)
+                 .arg(isShrunk
+                          ? QStringLiteral("would be saved as %1 x %2").arg(saved.width).arg(saved.height)
+                          : QStringLiteral("are too small")));
         return false;
     }
-    return true;
+    return !m_replacesFile || tryEncoder();
 }
 
 /// Has the saver write the picture at hand and finds out what it did with it.

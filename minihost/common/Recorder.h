@@ -15,9 +15,10 @@ struct SxRecordRequest
 {
     QString outputFile; ///< truncated when it exists; whether that is allowed is the caller's business
     SxEncoderOptions encoder;
-    QMap<QString, QVariant> saverOptions{{QStringLiteral("codec"), kFourCCH264}}; ///< as the saver's dialog part gives them
-    int maxPictures = 0;                     ///< end after this many; 0: when the source ends
-    std::atomic<bool> const* stop = nullptr; ///< set from anywhere to end after the current picture
+    QMap<QString, QVariant> saverOptions{
+        {QStringLiteral("codec"), kFourCCH264}}; ///< as the saver's dialog part gives them
+    int maxPictures = 0;                         ///< end after this many; 0: when the source ends
+    std::atomic<bool> const* stop = nullptr;     ///< set from anywhere to end after the current picture
 };
 
 /// What became of a recording; also the progress so far while it runs.
@@ -35,7 +36,7 @@ struct SxRecordSummary
     SxPicBufInfo input;        ///< format of the first picture
     quint32 savedWidth = 0;    ///< size in the file; the encoder shrinks what is odd or too
     quint32 savedHeight = 0;   ///< large for its level
-    quint32 highestSample = 0; ///< of all word pictures; 0 when the samples are bytes
+    quint32 highestSample = 0; ///< of word pictures whose source does not know their significant bits; else 0
 };
 
 using RecordProgress = std::function<void(SxRecordSummary const&)>; ///< called after every picture
@@ -44,6 +45,6 @@ using RecordProgress = std::function<void(SxRecordSummary const&)>; ///< called 
 /// one saver per recording, one save() a picture, the file ended by deleting the saver.
 ///
 /// A plug-in must be loaded and a CxPluginMessages alive. A start that fails leaves no empty file
-/// behind where there was none.
+/// behind where there was none, and what was there stays until the encoder has taken the first picture.
 SxRecordSummary fx_Record(IxPictureSource& source, SxRecordRequest const& request,
                           RecordProgress const& progress = {});

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "FixedMath.h"
 #include "PictureFormat.h"
 
 namespace {
@@ -37,39 +36,30 @@ std::vector<qint16> fx_Noise(quint64 seed)
     return noise;
 }
 
-/// Scene samples of one row, as many as the picture has.
-void fx_TakeRow(quint16 const* scene, quint32 width, quint32 components, qint32* line)
+/// Luma of ITU-R BT.601, in 1024ths, of \p width pixels.
+void fx_ToGrey(quint16 const* scene, size_t width, quint16* grey)
 {
-    if (components == 1) {
-        for (quint32 x = 0; x < width; ++x, scene += 3) // luma of ITU-R BT.601 in 1024ths
-            line[x] = (117 * scene[0] + 601 * scene[1] + 306 * scene[2]) >> 10;
-        return;
-    }
-    std::copy(scene, scene + size_t{width} * 3, line);
+    for (size_t x = 0; x < width; ++x, scene += 3)
+        grey[x] = static_cast<quint16>((117 * scene[0] + 601 * scene[1] + 306 * scene[2]) >> 10);
 }
 
-void fx_AddNoise(qint32* line, size_t count, qint16 const* noise)
+/// Samples with noise, shifted down to their bits.
+template<class Sample>
+void fx_AddNoise(quint16 const* samples, qint16 const* noise, size_t count, quint32 shift, Sample* noisy)
 {
     for (size_t i = 0; i < count; ++i)
-        line[i] = std::clamp(line[i] + noise[i], 0, kSampleMax);
+        noisy[i] = static_cast<Sample>(std::clamp(samples[i] + noise[i], 0, kSampleMax) >> shift);
 }
 
-/// Writes a row's samples, shifted down to their bits; a fourth component is at its highest value.
+/// Pixels of three samples as pixels of four, the fourth \p last.
 template<class Sample>
-void fx_StoreRow(qint32 const* line, SxPicBuf const& picture, Sample* row)
+void fx_Widen(quint16 const* samples, size_t width, Sample last, Sample* row)
 {
-    quint32 const shift = 16 - picture.bitsPerSample;
-    if (picture.components != 4) {
-        size_t const samples = size_t{picture.width} * picture.components;
-        for (size_t i = 0; i < samples; ++i)
-            row[i] = static_cast<Sample>(line[i] >> shift);
-        return;
-    }
-    for (quint32 x = 0; x < picture.width; ++x, line += 3, row += 4) {
-        row[0] = static_cast<Sample>(line[0] >> shift);
-        row[1] = static_cast<Sample>(line[1] >> shift);
-        row[2] = static_cast<Sample>(line[2] >> shift);
-        row[3] = static_cast<Sample>(kSampleMax >> shift);
+    for (size_t x = 0; x < width; ++x, samples += 3, row += 4) {
+        row[0] = static_cast<Sample>(samples[0]);
+        row[1] = static_cast<Sample>(samples[1]);
+        row[2] = static_cast<Sample>(samples[2]);
+        row[3] = last;
     }
 }
 
@@ -111,22 +101,46 @@ QString CxTestCamera::errorText() const
 
 QString CxTestCamera::description() const { return fx_DescribeFormat(m_options.format); }
 
+/// The noise of one row, put on \p count samples in pieces from random places.
+template<class Sample>
+void CxTestCamera::addNoise(CxRandom& random, quint16 const* samples, size_t count, Sample* noisy) const
+{
+    quint32 const shift = 16 - m_options.format.bitsPerSample;
+    for (size_t i = 0; i < count; i += kNoisePiece) {
+        size_t const place = random.next() % (kNoiseSamples - kNoisePiece);
+        fx_AddNoise(samples + i, m_noise.data() + place, std::min(kNoisePiece, count - i), shift, noisy + i);
+    }
+}
+
+template<class Sample>
+void CxTestCamera::fillRow(CxRandom& random, quint16 const* scene, Sample* row)
+{
+    size_t const width = m_options.width;
+    switch (m_options.format.components) {
+    case 1:
+        fx_ToGrey(scene, width, m_line.data());
+        addNoise(random, m_line.data(), width, row);
+        break;
+    case 3:
+        addNoise(random, scene, width * 3, row);
+        break;
+    default:
+        addNoise(random, scene, width * 3, m_line.data());
+        fx_Widen(m_line.data(), width,
+                 static_cast<Sample>(kSampleMax >> (16 - m_options.format.bitsPerSample)), row);
+    }
+}
+
 void CxTestCamera::fill(SxCanvas const& scene, SxPicBuf& picture)
 {
     CxRandom random(m_options.seed ^ (static_cast<quint64>(m_frame) << 32));
-    size_t const samples = size_t{picture.width} * (picture.components == 1 ? 1 : 3);
     quint16 const* sceneRow = scene.samples.data();
     for (quint32 y = 0; y < picture.height; ++y, sceneRow += size_t{picture.width} * 3) {
-        fx_TakeRow(sceneRow, picture.width, picture.components, m_line.data());
-        for (size_t i = 0; i < samples; i += kNoisePiece) {
-            size_t const place = random.next() % (kNoiseSamples - kNoisePiece);
-            fx_AddNoise(m_line.data() + i, std::min(kNoisePiece, samples - i), m_noise.data() + place);
-        }
         unsigned char* const row = picture.data + size_t{y} * picture.pitch;
         if (fx_IsWordFormat(picture))
-            fx_StoreRow(m_line.data(), picture, reinterpret_cast<quint16*>(row));
+            fillRow(random, sceneRow, reinterpret_cast<quint16*>(row));
         else
-            fx_StoreRow(m_line.data(), picture, row);
+            fillRow(random, sceneRow, row);
     }
 }
 

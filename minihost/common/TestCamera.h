@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "FixedMath.h"
 #include "IxPictureSource.h"
 #include "TestScene.h"
 
@@ -40,11 +41,15 @@ public:
     QStringList takeWarnings() override { return {}; }
 
 private:
+    template<class Sample>
+    void addNoise(CxRandom& random, quint16 const* samples, size_t count, Sample* noisy) const;
+    template<class Sample>
+    void fillRow(CxRandom& random, quint16 const* scene, Sample* row);
     void fill(SxCanvas const& scene, SxPicBuf& picture);
 
     SxTestCameraOptions m_options;
     CxTestScene m_scene;
     std::vector<qint16> m_noise; ///< in 16-bit steps; rows take pieces of it from random places
-    std::vector<qint32> m_line;  ///< one row, noise included
+    std::vector<quint16> m_line; ///< one row on its way to another layout
     int m_frame = 0;
 };

@@ -92,7 +92,7 @@ void CxTestScene::drawBars()
     int const ramp = m_backdrop.height - std::max(1, fx_Part(m_unit, 5));
     for (int y = top; y < m_backdrop.height; ++y) {
         for (int x = 0; x < m_backdrop.width; ++x) {
-            auto const grey = static_cast<quint16>(qint64{65535} * x / (m_backdrop.width - 1));
+            auto const grey = static_cast<quint16>(qint64{65535} * x / std::max(m_backdrop.width - 1, 1));
             SxColour48 const colour =
                 y >= ramp ? SxColour48{grey, grey, grey} : kBars[8 * x / m_backdrop.width];
             fx_Blend(m_backdrop.pixel(x, y), colour, 256);
@@ -182,14 +182,17 @@ CxTestScene::SxBall CxTestScene::makeBall(int radius, SxColour48 const& colour, 
 
 void CxTestScene::turnDisc(SxDisc const& disc, std::vector<SxColour48> const& table, int phase)
 {
-    size_t at = 0;
-    for (int y = disc.top; y < disc.top + disc.size; ++y) {
-        for (int x = disc.left; x < disc.left + disc.size; ++x, ++at) {
-            if (disc.cover[at] == 0 || !m_canvas.contains(x, y))
-                continue;
-            SxColour48 const& colour =
-                table[static_cast<size_t>((disc.index[at] + phase) & (kTableSize - 1))];
-            fx_Blend(m_canvas.pixel(x, y), colour, disc.cover[at]);
+    int const first = std::max(-disc.left, 0);
+    int const last = std::min(disc.size, m_canvas.width - disc.left);
+    for (int row = 0; row < disc.size; ++row) {
+        if (disc.top + row < 0 || disc.top + row >= m_canvas.height)
+            continue;
+        quint16* pixel = m_canvas.pixel(disc.left + first, disc.top + row);
+        size_t at = static_cast<size_t>(row) * static_cast<size_t>(disc.size) + static_cast<size_t>(first);
+        for (int column = first; column < last; ++column, ++at, pixel += 3) {
+            if (disc.cover[at] != 0)
+                fx_Blend(pixel, table[static_cast<size_t>((disc.index[at] + phase) & (kTableSize - 1))],
+                         disc.cover[at]);
         }
     }
 }
@@ -230,11 +233,14 @@ void CxTestScene::drawCounter(int frame)
 
     int const panelWidth = std::max(fx_LedWidth(number, height), hasTime ? fx_LedWidth(time, timeHeight) : 0);
     int const panelHeight = height + (hasTime ? timeHeight + pad + 1 : 0);
-    for (int y = margin - pad; y < margin + panelHeight + pad; ++y) {
-        for (int x = margin - pad; x < margin + panelWidth + pad; ++x) {
-            if (m_canvas.contains(x, y))
-                fx_Blend(m_canvas.pixel(x, y), fx_Rgb(8, 11, 16), 216);
-        }
+    int const left = std::max(margin - pad, 0);
+    int const right = std::min(margin + panelWidth + pad, m_canvas.width);
+    int const bottom = std::min(margin + panelHeight + pad, m_canvas.height);
+    SxColour48 const dark = fx_Rgb(8, 11, 16);
+    for (int y = std::max(margin - pad, 0); y < bottom; ++y) {
+        quint16* pixel = m_canvas.pixel(left, y);
+        for (int x = left; x < right; ++x, pixel += 3)
+            fx_Blend(pixel, dark, 216);
     }
     fx_DrawLed(m_canvas, margin, margin, height, number, fx_Rgb(120, 255, 214));
     if (hasTime)

@@ -41,7 +41,7 @@ IxVideoEncoder* CxVideoCodecManager::encoderForFourCC(unsigned int fourCC)
         QMap<QString, QVariant> const options = fx_CodecOptions(fourCC);
         if (!options.isEmpty())
             encoder->setEncoderOptions(options);
-        object.release(); // the caller deletes it through the interface
+        static_cast<void>(object.release()); // the caller deletes it through the interface
         return encoder;
     }
     return nullptr;

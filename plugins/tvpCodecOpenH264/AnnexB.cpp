@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "StartCodeSearch.h"
+
 /// Bytes of the start code at \p at, 3 or 4; 0 when there is none or it does not end within \p size.
 static size_t fx_StartCodeLength(uchar const* data, size_t size, size_t at)
 {
@@ -14,10 +16,12 @@ static size_t fx_StartCodeLength(uchar const* data, size_t size, size_t at)
 
 size_t fx_FindStartCode(uchar const* data, size_t size, size_t from)
 {
-    for (size_t at = from; at < size; ++at)
-        if (fx_StartCodeLength(data, size, at) != 0)
-            return at;
-    return size;
+    static SxPrefixSearch const search = fx_GetAllPrefixSearches().front();
+    if (from >= size)
+        return size;
+    // Both kinds of start code end with 00 00 01; one more zero in front makes it the longer.
+    size_t const prefix = search.find(data, size, from);
+    return prefix < size && prefix > from && data[prefix - 1] == 0 ? prefix - 1 : prefix;
 }
 
 bool fx_BeginsWithStartCode(uchar const* data, size_t size)

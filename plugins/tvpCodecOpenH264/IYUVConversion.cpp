@@ -57,15 +57,24 @@ struct SxConversion
     quint64 planeU, planeV; ///< offsets in dst
 };
 
-/// One picture row on its way back from planes.
-struct SxPlaneRow
+/// A decoded picture on its way to RGB32.
+struct SxDecoded
 {
+    bool isLastRow(quint64 r) const { return r + 1 == target.height; }
+    uchar* row(quint64 r) const { return target.data + r * target.pitch; }
+
+    SxPlaneRows planes(quint64 r) const
+    {
+        uchar const* const top = y + r * yStride;
+        quint64 const chroma = r / 2 * uvStride;
+        return {{top, isLastRow(r) ? top : top + yStride}, u + chroma, v + chroma};
+    }
+
+    SxPicBuf const& target;
     uchar const* y;
     uchar const* u;
     uchar const* v;
     unsigned yStride, uvStride;
-    bool isLastChromaRow;
-    uchar* dst;
 };
 
 /// Shift that leaves the eight highest significant bits; the host's counts wrap.
@@ -81,12 +90,12 @@ void fx_LumaByPixel(SxConversion const& c, FxLumaRow luma, quint64 r, unsigned s
     }
 }
 
-/// The pair walk of even row r in its defining order, each byte checked: for the rows where the
-/// order matters because planes overlap, or where bytes lie outside source or capacity.
-void fx_ColourByPair(SxConversion const& c, FxColourRow lumaAndChroma, quint64 r, unsigned shift)
+/// The pair walk of even row r from pixel x on, in its defining order and each byte checked: for pairs
+/// whose order matters because planes overlap, or which lie partly outside source or capacity.
+void fx_ColourByPair(SxConversion const& c, FxColourRow lumaAndChroma, quint64 r, quint64 x, unsigned shift)
 {
     quint64 const chroma = r / 2 * (c.width / 2);
-    for (quint64 x = 0; x < c.width; x += 2) {
+    for (; x < c.width; x += 2) {
         uchar pixels[2 * kMaxPixelBytes];
         c.fetch(r, x, pixels);
         c.fetch(r, x + 1, pixels + c.pixelBytes);
@@ -109,8 +118,9 @@ bool fx_ConvertColour(SxConversion const& c, SxColourRows const& rows, unsigned 
 
     quint64 const chromaWidth = c.width / 2;
     // A row of U must not reach the row of V that is written with it (pictures of one row).
-    bool const rowsAreDisjoint = c.width % 2 == 0 && c.planeV - c.planeU >= chromaWidth;
+    bool const rowsAreDisjoint = c.planeV - c.planeU >= chromaWidth;
     unsigned const width = static_cast<unsigned>(c.width);
+    unsigned const wholePairs = width & ~1u;
     for (quint64 r = 0; r < c.height; ++r) {
         bool const isReadable = c.readablePixels(r) >= c.width;
         uchar* const y = c.dst + r * c.width;
@@ -124,10 +134,12 @@ bool fx_ConvertColour(SxConversion const& c, SxColourRows const& rows, unsigned 
 
         quint64 const u = c.planeU + r / 2 * chromaWidth;
         quint64 const v = c.planeV + r / 2 * chromaWidth;
-        if (isReadable && rowsAreDisjoint && v + chromaWidth <= c.capacity)
-            rows.lumaAndChroma(c.row(r), y, c.dst + u, c.dst + v, width, shift);
-        else
-            fx_ColourByPair(c, rows.lumaAndChroma, r, shift);
+        unsigned done = 0;
+        if (isReadable && rowsAreDisjoint && v + chromaWidth <= c.capacity) {
+            rows.lumaAndChroma(c.row(r), y, c.dst + u, c.dst + v, wholePairs, shift);
+            done = wholePairs;
+        }
+        fx_ColourByPair(c, rows.lumaAndChroma, r, done, shift);
     }
     return true;
 }
@@ -151,19 +163,38 @@ bool fx_ConvertMono(SxConversion const& c, FxLumaRow luma, unsigned shift)
     return true;
 }
 
-/// Converts the last pair of a row of odd width: the row's last pixel and the one behind it.
-void fx_LastPairToRGB32(SxIYUVRows const& rows, SxPicBuf& target, SxPlaneRow const& row, bool isLastRow)
+/// Converts the last pair of row r of odd width: the row's last pixel and the one behind it, which is
+/// written where the pitch has room and read where its plane has it. What a later row overwrites is not
+/// written at all.
+void fx_LastPairToRGB32(SxDecoded const& picture, FxRGB32Rows toRGB32, quint64 r)
 {
-    unsigned const x = target.width - 1;
-    // The samples behind the row's last are read only where the plane has them.
-    uchar const y[2] = {row.y[x], isLastRow && target.width >= row.yStride ? row.y[x] : row.y[x + 1]};
-    unsigned const chroma =
-        row.isLastChromaRow && row.uvStride > 0 ? std::min(x / 2, row.uvStride - 1) : x / 2;
-    uchar pixels[8];
-    rows.toRGB32(y, row.u + chroma, row.v + chroma, pixels, 2);
+    quint64 const x = picture.target.width - 1;
+    quint64 const room = picture.target.pitch - std::min<quint64>(x * 4, picture.target.pitch);
+    bool const isLastRow = picture.isLastRow(r);
+    quint64 const bytes = isLastRow ? (room >= 8 ? 8 : 4) : std::clamp<quint64>(room, 4, 8);
 
-    bool const hasRoom = !isLastRow || quint64(target.width + 1) * 4 <= target.pitch;
-    std::memcpy(row.dst + quint64(x) * 4, pixels, hasRoom ? 8 : 4);
+    SxPlaneRows const planes = picture.planes(r);
+    bool const isBehindPlane = isLastRow && x + 1 >= picture.yStride;
+    uchar const* const luma = planes.y[0] + x;
+    uchar const y[2] = {luma[0], bytes == 4 || isBehindPlane ? luma[0] : luma[1]};
+    // Chroma rows may be half the width, rounded down, long.
+    bool const isLastChromaRow = r / 2 == (picture.target.height - 1) / 2;
+    quint64 const chroma =
+        isLastChromaRow && picture.uvStride > 0 ? std::min<quint64>(x / 2, picture.uvStride - 1) : x / 2;
+
+    uchar pixels[8];
+    toRGB32({{y, y}, planes.u + chroma, planes.v + chroma}, pixels, pixels, 2);
+    std::memcpy(picture.row(r) + x * 4, pixels, bytes);
+}
+
+/// A picture of half a usual last-level cache and more is written past it, so that the decoder's reference
+/// pictures stay there. Smaller ones, 1920 x 1080 among them, are faster read again from the cache.
+constexpr quint64 kStreamedBytes = 1u << 24;
+
+bool fx_IsStreamed(SxPicBuf const& target)
+{
+    return quint64(target.pitch) * target.height >= kStreamedBytes && target.pitch % kStreamAlignment == 0 &&
+           reinterpret_cast<quintptr>(target.data) % kStreamAlignment == 0;
 }
 
 void fx_CopyRow(uchar const* src, uchar* y, unsigned width, unsigned) { std::memcpy(y, src, width); }
@@ -240,17 +271,20 @@ bool ConvertPicBuftoIYUV(SxPicBuf const& source, unsigned char* dst, unsigned lo
 bool ConvertIYUVtoRGB32(SxPicBuf& target, unsigned char const* y, unsigned char const* u,
                         unsigned char const* v, unsigned long, unsigned int yStride, unsigned int uvStride)
 {
-    SxIYUVRows const& rows = fx_GetIYUVRows();
-    quint64 const height = target.height;
     if (target.width == 0)
         return true;
-    for (quint64 r = 0; r < height; ++r) {
-        SxPlaneRow const row = {
-            y + r * yStride, u + r / 2 * uvStride,      v + r / 2 * uvStride,          yStride,
-            uvStride,        r / 2 == (height - 1) / 2, target.data + r * target.pitch};
-        rows.toRGB32(row.y, row.u, row.v, row.dst, target.width & ~1u);
-        if (target.width % 2 != 0)
-            fx_LastPairToRGB32(rows, target, row, r + 1 == height);
+
+    SxIYUVRows const& rows = fx_GetIYUVRows();
+    FxRGB32Rows const toRGB32 = fx_IsStreamed(target) ? rows.toRGB32Streamed : rows.toRGB32;
+    SxDecoded const picture = {target, y, u, v, yStride, uvStride};
+    for (quint64 r = 0; r < target.height; r += 2) {
+        bool const isLone = picture.isLastRow(r);
+        toRGB32(picture.planes(r), picture.row(r), picture.row(isLone ? r : r + 1), target.width & ~1u);
+        if (target.width % 2 != 0) {
+            fx_LastPairToRGB32(picture, rows.toRGB32, r);
+            if (!isLone)
+                fx_LastPairToRGB32(picture, rows.toRGB32, r + 1);
+        }
     }
     return true;
 }

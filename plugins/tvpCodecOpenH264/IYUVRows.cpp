@@ -1,7 +1,12 @@
 #include "IYUVRows.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
+
+#include "IYUVRowsSimd.h"
+
+using std::uint8_t;
 
 namespace {
 
@@ -11,17 +16,23 @@ struct SxPixel
 };
 
 /// ITU-R BT.601 luma weights in per-mille; at most 255, so nothing is clamped.
-uchar fx_Luma(SxPixel p) { return static_cast<uchar>((114 * p.b + 587 * p.g + 299 * p.r) / 1000); }
+uint8_t fx_Luma(SxPixel p) { return static_cast<uint8_t>((114 * p.b + 587 * p.g + 299 * p.r) / 1000); }
 
 // The quotients are truncated toward zero before 128 is added, so U and V stay within 1 to 255.
-uchar fx_ChromaU(SxPixel p) { return static_cast<uchar>((500 * p.b - 331 * p.g - 169 * p.r) / 1000 + 128); }
+uint8_t fx_ChromaU(SxPixel p)
+{
+    return static_cast<uint8_t>((500 * p.b - 331 * p.g - 169 * p.r) / 1000 + 128);
+}
 
-uchar fx_ChromaV(SxPixel p) { return static_cast<uchar>((500 * p.r - 419 * p.g - 81 * p.b) / 1000 + 128); }
+uint8_t fx_ChromaV(SxPixel p)
+{
+    return static_cast<uint8_t>((500 * p.r - 419 * p.g - 81 * p.b) / 1000 + 128);
+}
 
 /// Rows may start at odd addresses: the pitch is the host's to choose.
-int fx_Word(uchar const* src, unsigned shift)
+int fx_Word(uint8_t const* src, unsigned shift)
 {
-    quint16 word;
+    std::uint16_t word;
     std::memcpy(&word, src, sizeof word);
     return (word >> shift) & 255;
 }
@@ -31,7 +42,7 @@ template<unsigned kComponents>
 struct SxBytes
 {
     static constexpr unsigned kPixelBytes = kComponents;
-    static SxPixel pixel(uchar const* src, unsigned) { return {src[0], src[1], src[2]}; }
+    static SxPixel pixel(uint8_t const* src, unsigned) { return {src[0], src[1], src[2]}; }
 };
 
 /// Pixels of samples of one native word.
@@ -39,47 +50,47 @@ template<unsigned kComponents>
 struct SxWords
 {
     static constexpr unsigned kPixelBytes = 2 * kComponents;
-    static SxPixel pixel(uchar const* src, unsigned shift)
+    static SxPixel pixel(uint8_t const* src, unsigned shift)
     {
         return {fx_Word(src, shift), fx_Word(src + 2, shift), fx_Word(src + 4, shift)};
     }
 };
 
 template<class Format>
-void fx_LumaRow(uchar const* src, uchar* y, unsigned width, unsigned shift)
+void fx_LumaRow(uint8_t const* src, uint8_t* y, unsigned width, unsigned shift)
 {
     for (unsigned x = 0; x < width; ++x)
-        y[x] = fx_Luma(Format::pixel(src + size_t(x) * Format::kPixelBytes, shift));
+        y[x] = fx_Luma(Format::pixel(src + std::size_t(x) * Format::kPixelBytes, shift));
 }
 
 template<class Format>
-void fx_ColourRow(uchar const* src, uchar* y, uchar* u, uchar* v, unsigned width, unsigned shift)
+void fx_ColourRow(uint8_t const* src, uint8_t* y, uint8_t* u, uint8_t* v, unsigned width, unsigned shift)
 {
     fx_LumaRow<Format>(src, y, width, shift);
     // Deliberate: chroma is picked from the left pixel, not averaged over the pair.
     for (unsigned pair = 0; pair < width / 2; ++pair) {
-        SxPixel const left = Format::pixel(src + size_t(pair) * 2 * Format::kPixelBytes, shift);
+        SxPixel const left = Format::pixel(src + std::size_t(pair) * 2 * Format::kPixelBytes, shift);
         u[pair] = fx_ChromaU(left);
         v[pair] = fx_ChromaV(left);
     }
 }
 
-void fx_Mono16Row(uchar const* src, uchar* y, unsigned width, unsigned shift)
+void fx_Mono16Row(uint8_t const* src, uint8_t* y, unsigned width, unsigned shift)
 {
     for (unsigned x = 0; x < width; ++x)
-        y[x] = static_cast<uchar>(fx_Word(src + size_t(x) * 2, shift));
+        y[x] = static_cast<uint8_t>(fx_Word(src + std::size_t(x) * 2, shift));
 }
 
-uchar fx_Clamp(int value) { return static_cast<uchar>(std::clamp(value, 0, 255)); }
+uint8_t fx_Clamp(int value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 /// BT.601 back to colour, in per-mille; the quotients truncate toward zero.
-void fx_ToRGB32Row(uchar const* y, uchar const* u, uchar const* v, uchar* dst, unsigned width)
+void fx_ToRGB32Row(uint8_t const* y, uint8_t const* u, uint8_t const* v, uint8_t* dst, unsigned width)
 {
     for (unsigned x = 0; x < width; ++x) {
         int const luma = 1000 * y[x];
         int const cb = u[x / 2] - 128;
         int const cr = v[x / 2] - 128;
-        uchar* const pixel = dst + size_t(x) * 4;
+        uint8_t* const pixel = dst + std::size_t(x) * 4;
         pixel[0] = fx_Clamp((luma + 1765 * cb) / 1000);
         pixel[1] = fx_Clamp((luma - 343 * cb - 711 * cr) / 1000);
         pixel[2] = fx_Clamp((luma + 1400 * cr) / 1000);
@@ -87,10 +98,52 @@ void fx_ToRGB32Row(uchar const* y, uchar const* u, uchar const* v, uchar* dst, u
     }
 }
 
+void fx_ToRGB32Rows(SxPlaneRows const& planes, uint8_t* top, uint8_t* bottom, unsigned width)
+{
+    fx_ToRGB32Row(planes.y[0], planes.u, planes.v, top, width);
+    if (bottom != top)
+        fx_ToRGB32Row(planes.y[1], planes.u, planes.v, bottom, width);
+}
+
 template<class Format>
 constexpr SxColourRows fx_ColourRows()
 {
     return {fx_LumaRow<Format>, fx_ColourRow<Format>};
+}
+
+std::vector<SxIYUVRows const*> fx_FindIYUVRows()
+{
+    std::vector<SxIYUVRows const*> all = fx_GetSimdIYUVRows();
+    all.push_back(&fx_GetScalarIYUVRows());
+    return all;
+}
+
+/// Null when this machine has no such table.
+SxIYUVRows const* fx_FindIYUVRows(char const* name)
+{
+    for (SxIYUVRows const* rows : fx_GetAllIYUVRows())
+        if (std::strcmp(rows->name, name) == 0)
+            return rows;
+    return nullptr;
+}
+
+/// The fastest. A build for tests can name another, see TARN_ROWS in this folder's CMakeLists.txt; where the
+/// machine lacks that one, the scalar rows stand in for it.
+SxIYUVRows const* fx_FirstChoice()
+{
+#ifdef TVP_ROWS
+    SxIYUVRows const* const named = fx_FindIYUVRows(TVP_ROWS);
+    return named ? named : &fx_GetScalarIYUVRows();
+#else
+    return fx_GetAllIYUVRows().front();
+#endif
+}
+
+/// Made once; atomic, since tests may change it and objects of several threads read it.
+std::atomic<SxIYUVRows const*>& fx_ChosenIYUVRows()
+{
+    static std::atomic<SxIYUVRows const*> chosen(fx_FirstChoice());
+    return chosen;
 }
 
 } // namespace
@@ -104,9 +157,24 @@ SxIYUVRows const& fx_GetScalarIYUVRows()
         fx_ColourRows<SxWords<3>>(),
         fx_ColourRows<SxWords<4>>(),
         fx_Mono16Row,
-        fx_ToRGB32Row,
+        fx_ToRGB32Rows,
+        fx_ToRGB32Rows,
     };
     return rows;
 }
 
-SxIYUVRows const& fx_GetIYUVRows() { return fx_GetScalarIYUVRows(); }
+std::vector<SxIYUVRows const*> const& fx_GetAllIYUVRows()
+{
+    static std::vector<SxIYUVRows const*> const all = fx_FindIYUVRows();
+    return all;
+}
+
+SxIYUVRows const& fx_GetIYUVRows() { return *fx_ChosenIYUVRows().load(std::memory_order_relaxed); }
+
+bool fx_ForceIYUVRows(char const* name)
+{
+    SxIYUVRows const* const rows = fx_FindIYUVRows(name);
+    if (rows)
+        fx_ChosenIYUVRows().store(rows, std::memory_order_relaxed);
+    return rows != nullptr;
+}

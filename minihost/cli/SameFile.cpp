@@ -1,0 +1,21 @@
+#include "SameFile.h"
+
+#include <QFile>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static bool fx_Stat(QString const& name, struct stat& found)
+{
+    return stat(QFile::encodeName(name).constData(), &found) == 0;
+}
+
+bool fx_IsSameFile(QString const& source, QString const& output)
+{
+    struct stat in = {};
+    struct stat out = {};
+    bool isFound = source == QLatin1String("-") ? fstat(STDIN_FILENO, &in) == 0 : fx_Stat(source, in);
+    if (!isFound && source.startsWith(QLatin1String("file:")))
+        isFound = fx_Stat(source.mid(5), in);
+    return isFound && fx_Stat(output, out) && S_ISREG(in.st_mode) && in.st_dev == out.st_dev &&
+           in.st_ino == out.st_ino;
+}

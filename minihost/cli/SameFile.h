@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QString>
+
+/// True when both names lead to one existing regular file, be it through links, hard or symbolic, or
+/// different paths; so writing one would destroy the other. "-" as \p source is standard input, and a
+/// "file:" before it is no part of its name.
+bool fx_IsSameFile(QString const& source, QString const& output);

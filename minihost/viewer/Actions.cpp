@@ -1,0 +1,120 @@
+#include "Actions.h"
+
+#include <QActionGroup>
+#include <QLocale>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "Icons.h"
+
+static QKeySequence fx_Ctrl(Qt::Key key) { return {int(Qt::CTRL) | int(key)}; }
+static QKeySequence fx_Shift(Qt::Key key) { return {int(Qt::SHIFT) | int(key)}; }
+
+QAction* CxActions::add(char const* objectName, QString const& text, QList<QKeySequence> const& shortcuts)
+{
+    auto* const action = new QAction(text, this);
+    action->setObjectName(QLatin1String(objectName));
+    action->setShortcuts(shortcuts);
+    QString tip = text;
+    tip.remove(QLatin1Char('&'));
+    if (!shortcuts.isEmpty())
+        tip += QStringLiteral(" (%1)").arg(shortcuts.first().toString(QKeySequence::NativeText));
+    action->setToolTip(tip);
+    return action;
+}
+
+CxActions::CxActions(QObject* parent)
+    : QObject(parent)
+    , open(add("open", tr("&Open Recording…"), {fx_Ctrl(Qt::Key_O)}))
+    , openCamera(add("openCamera", tr("&Test Camera"), {fx_Ctrl(Qt::Key_T)}))
+    , openSource(add("openSource", tr("Open &Video, Stream or Device…"), {fx_Ctrl(Qt::Key_U)}))
+    , record(add("record", tr("&Record…"), {fx_Ctrl(Qt::Key_R)}))
+    , savePicture(add("savePicture", tr("&Save Picture…"), {fx_Ctrl(Qt::Key_S)}))
+    , quit(add("quit", tr("&Quit"), {fx_Ctrl(Qt::Key_Q)}))
+    , copy(add("copy", tr("&Copy Picture"), {fx_Ctrl(Qt::Key_C)}))
+    , play(add("play", tr("&Play"), {Qt::Key_Space}))
+    , previousPicture(add("previousPicture", tr("Pre&vious Picture"), {Qt::Key_Left, Qt::Key_Comma}))
+    , nextPicture(add("nextPicture", tr("&Next Picture"), {Qt::Key_Right, Qt::Key_Period}))
+    , previousKeyFrame(add("previousKeyFrame", tr("Previous &Key Frame"), {fx_Shift(Qt::Key_Left)}))
+    , nextKeyFrame(add("nextKeyFrame", tr("Next Key F&rame"), {fx_Shift(Qt::Key_Right)}))
+    , first(add("first", tr("&First Picture"), {Qt::Key_Home}))
+    , last(add("last", tr("L&ast Picture"), {Qt::Key_End}))
+    , goTo(add("goTo", tr("&Go to Picture…"), {fx_Ctrl(Qt::Key_G)}))
+    , loop(add("loop", tr("&Loop"), {Qt::Key_L}))
+    , speeds(new QActionGroup(this))
+    , fit(add("fit", tr("&Fit to Window"), {fx_Ctrl(Qt::Key_0)}))
+    , actualSize(add("actualSize", tr("&Actual Size"), {fx_Ctrl(Qt::Key_1)}))
+    , zoomIn(add("zoomIn", tr("Zoom &In"), {fx_Ctrl(Qt::Key_Plus), fx_Ctrl(Qt::Key_Equal)}))
+    , zoomOut(add("zoomOut", tr("Zoom &Out"), {fx_Ctrl(Qt::Key_Minus)}))
+    , fullScreen(add("fullScreen", tr("F&ull Screen"), {Qt::Key_F, Qt::Key_F11}))
+    , keys(add("keys", tr("&Keys"), {Qt::Key_F1}))
+    , about(add("about", tr("&About and Licences")))
+{
+    loop->setCheckable(true);
+    fullScreen->setCheckable(true);
+    for (double const speed : {0.25, 0.5, 1.0, 2.0, 4.0}) {
+        auto* const action = speeds->addAction(tr("%1 ×").arg(QLocale().toString(speed)));
+        action->setCheckable(true);
+        action->setChecked(speed == 1.0);
+        action->setData(speed);
+    }
+}
+
+void CxActions::fill(QMenuBar* bar)
+{
+    QMenu* const file = bar->addMenu(tr("&File"));
+    file->addAction(open);
+    recentMenu = file->addMenu(tr("Open R&ecent"));
+    file->addSeparator();
+    file->addActions({openCamera, openSource});
+    file->addSeparator();
+    file->addActions({record, savePicture});
+    file->addSeparator();
+    file->addAction(quit);
+
+    bar->addMenu(tr("&Edit"))->addAction(copy);
+
+    QMenu* const playback = bar->addMenu(tr("&Playback"));
+    playback->addAction(play);
+    playback->addSeparator();
+    playback->addActions({previousPicture, nextPicture, previousKeyFrame, nextKeyFrame, first, last, goTo});
+    playback->addSeparator();
+    playback->addAction(loop);
+    playback->addMenu(tr("&Speed"))->addActions(speeds->actions());
+
+    QMenu* const view = bar->addMenu(tr("&View"));
+    view->addActions({fit, actualSize, zoomIn, zoomOut});
+    view->addSeparator();
+    view->addAction(fullScreen);
+
+    bar->addMenu(tr("&Help"))->addActions({keys, about});
+}
+
+void CxActions::updateIcons(QPalette const& palette)
+{
+    open->setIcon(fx_ShapeIcon(Shape::Folder, palette));
+    openCamera->setIcon(fx_ShapeIcon(Shape::Camera, palette));
+    openSource->setIcon(fx_ShapeIcon(Shape::Film, palette));
+    previousPicture->setIcon(fx_ShapeIcon(Shape::StepBack, palette));
+    nextPicture->setIcon(fx_ShapeIcon(Shape::StepForward, palette));
+    loop->setIcon(fx_ShapeIcon(Shape::Loop, palette));
+    auto const control = [&](char const* themeName, QStyle::StandardPixmap fallback) {
+        return fx_ControlIcon(QLatin1String(themeName), fallback, palette);
+    };
+    first->setIcon(control("media-skip-backward", QStyle::SP_MediaSkipBackward));
+    previousKeyFrame->setIcon(control("media-seek-backward", QStyle::SP_MediaSeekBackward));
+    nextKeyFrame->setIcon(control("media-seek-forward", QStyle::SP_MediaSeekForward));
+    last->setIcon(control("media-skip-forward", QStyle::SP_MediaSkipForward));
+    savePicture->setIcon(control("document-save", QStyle::SP_DialogSaveButton));
+    m_playIcon = control("media-playback-start", QStyle::SP_MediaPlay);
+    m_pauseIcon = control("media-playback-pause", QStyle::SP_MediaPause);
+    record->setIcon(fx_RecordIcon());
+    showPlaying(m_isPlaying);
+}
+
+void CxActions::showPlaying(bool isPlaying)
+{
+    m_isPlaying = isPlaying;
+    play->setText(isPlaying ? tr("&Pause") : tr("&Play"));
+    play->setIcon(isPlaying ? m_pauseIcon : m_playIcon);
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QIcon>
+#include <QKeySequence>
+#include <QObject>
+#include <QPalette>
+
+class QAction;
+class QActionGroup;
+class QMenu;
+class QMenuBar;
+
+/// Everything the window can do, once: with text, key and icon, for menus, buttons and the key list alike.
+class CxActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit CxActions(QObject* parent);
+
+    void fill(QMenuBar* bar);
+    void updateIcons(QPalette const& palette);
+    void showPlaying(bool isPlaying); ///< the one button plays or pauses
+
+    QMenu* recentMenu = nullptr; ///< filled by the window
+    QAction* open;
+    QAction* openCamera;
+    QAction* openSource;
+    QAction* record;
+    QAction* savePicture;
+    QAction* quit;
+    QAction* copy;
+    QAction* play;
+    QAction* previousPicture;
+    QAction* nextPicture;
+    QAction* previousKeyFrame;
+    QAction* nextKeyFrame;
+    QAction* first;
+    QAction* last;
+    QAction* goTo;
+    QAction* loop;
+    QActionGroup* speeds; ///< each action's data is a factor
+    QAction* fit;
+    QAction* actualSize;
+    QAction* zoomIn;
+    QAction* zoomOut;
+    QAction* fullScreen;
+    QAction* keys;
+    QAction* about;
+
+private:
+    QAction* add(char const* objectName, QString const& text, QList<QKeySequence> const& keys = {});
+
+    QIcon m_playIcon;
+    QIcon m_pauseIcon;
+    bool m_isPlaying = false;
+};

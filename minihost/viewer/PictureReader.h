@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QList>
+#include <QMutex>
+#include <QStringList>
+#include <QThread>
+#include <QWaitCondition>
+#include <atomic>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "IxImageDataLoader.h"
+#include "ShownPicture.h"
+
+/// What is known of a recording once it is open.
+struct SxRecordingInfo
+{
+    QString fileName;
+    int count = 0;
+    double fps = 0.0;     ///< pictures a second, as the loader assumes them
+    QList<int> keyFrames; ///< ascending
+};
+
+Q_DECLARE_METATYPE(SxRecordingInfo)
+
+/// Reads the pictures of one recording at a time in a thread of its own.
+///
+/// A request replaces the one before it that has not begun: nothing queues up, whatever the timeline does.
+/// Pictures already read are kept, nearest first, up to a memory limit, so that going back and forth inside
+/// a group of pictures decodes nothing again. All functions are for the GUI thread; signals arrive there.
+class CxPictureReader : public QThread
+{
+    Q_OBJECT
+
+public:
+    static qint64 const kDefaultMemory = 256 * 1024 * 1024;
+
+    explicit CxPictureReader(qint64 memoryLimit = kDefaultMemory, QObject* parent = nullptr);
+    ~CxPictureReader() override;
+
+    /// Opens \p fileName with a loader of the host's making; the reader deletes it in its thread.
+    void open(std::unique_ptr<QObject> loader, QString const& fileName);
+    void closeRecording();
+
+    /// Asks for one picture. \p isBackwards announces that the pictures before it come next: the group of
+    /// pictures is then read into memory up to it.
+    /// \return a ticket that comes back with the picture; tickets only grow.
+    int request(int number, bool isBackwards = false);
+
+    int picturesDecoded() const { return m_decoded.load(); } ///< by the loader, since the start
+
+signals:
+    void opened(SxRecordingInfo const& info);
+    void openFailed(QString const& fileName, QStringList const& messages);
+    void pictureRead(int ticket, SxShownPicture const& picture);
+    void pictureFailed(int ticket, int number, QStringList const& messages);
+
+protected:
+    void run() override;
+
+private:
+    /// The one thing to do next; a newer one takes its place.
+    struct SxOrder
+    {
+        int ticket = 0;
+        int number = 0;
+        bool isBackwards = false;
+    };
+
+    void openLoader(std::unique_ptr<QObject> loader, QString const& fileName);
+    void fulfil(SxOrder const& order);
+    bool read(int number, bool isBackwards, SxShownPicture& picture);
+    bool readGroupUpTo(int number, SxShownPicture& picture);
+    int groupStart(int number) const;
+    void keep(SxShownPicture const& picture, bool isBackwards);
+    bool isSuperseded();
+
+    // Between the threads
+    QMutex m_mutex;
+    QWaitCondition m_wake;
+    bool m_quit = false;
+    bool m_hasNewFile = false;
+    std::unique_ptr<QObject> m_newLoader; ///< null with m_hasNewFile: only close
+    QString m_newFileName;
+    std::optional<SxOrder> m_order;
+    int m_lastTicket = 0;
+    std::atomic<int> m_decoded{0};
+
+    // The thread's own
+    qint64 m_memoryLimit;
+    std::unique_ptr<QObject> m_loaderObject;
+    IxImageDataLoader* m_loader = nullptr;
+    SxRecordingInfo m_info;
+    std::map<int, SxShownPicture> m_kept; ///< by number
+    qint64 m_keptBytes = 0;
+};

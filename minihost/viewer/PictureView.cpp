@@ -1,0 +1,235 @@
+#include "PictureView.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+static double const kLargestZoom = 64.0;
+static double const kSmallestZoom = 1.0 / 32.0;
+static double const kZoomStep = 1.25;
+static double const kPanStep = 48.0;
+static int const kRestTime = 150; // milliseconds; longer than from picture to picture while playing
+
+// Pictures are judged against the same dark surround whatever the desktop's colours.
+static QColor const kSurround(0x1c, 0x1c, 0x1e);
+static QColor const kNoticeColour(0xc8, 0xc8, 0xcc);
+
+CxPictureView::CxPictureView(QWidget* parent)
+    : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(kRestTime);
+    connect(&m_rest, &QTimer::timeout, this, &CxPictureView::sharpen);
+}
+
+void CxPictureView::repaintSoon()
+{
+    m_sharp = {};
+    m_rest.start();
+    update();
+}
+
+/// Averages where painting only samples: fine patterns would be alias patterns otherwise.
+void CxPictureView::sharpen()
+{
+    if (zoom() >= 1.0 || m_picture.image.isNull())
+        return;
+    QSize const size = (shownSize() * devicePixelRatioF()).toSize();
+    m_sharp =
+        m_picture.image.scaled(size.expandedTo({1, 1}), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    update();
+}
+
+void CxPictureView::setPicture(SxShownPicture const& picture)
+{
+    bool const isSameSize = picture.image.size() == m_picture.image.size();
+    m_picture = picture;
+    m_notice.clear();
+    if (!isSameSize) {
+        if (m_isFitted)
+            m_scale = fittingScale();
+        m_offset = {};
+        keepInside();
+        emit zoomChanged(zoom());
+    }
+    repaintSoon();
+    point(m_mouse);
+}
+
+void CxPictureView::setNotice(QString const& text)
+{
+    setPicture({});
+    m_notice = text;
+}
+
+double CxPictureView::zoom() const { return m_scale * devicePixelRatioF(); }
+
+QSizeF CxPictureView::shownSize() const { return QSizeF(m_picture.image.size()) * m_scale; }
+
+QRectF CxPictureView::target() const { return {m_offset, shownSize()}; }
+
+double CxPictureView::fittingScale() const
+{
+    QSize const size = m_picture.image.size();
+    if (size.isEmpty())
+        return 1.0;
+    return std::min(double(width()) / size.width(), double(height()) / size.height());
+}
+
+/// Centres what is smaller than the view and lets nothing larger leave an edge uncovered.
+void CxPictureView::keepInside()
+{
+    QSizeF const size = shownSize();
+    auto const inside = [](double offset, double length, double room) {
+        return length <= room ? (room - length) / 2.0 : std::clamp(offset, room - length, 0.0);
+    };
+    m_offset = {inside(m_offset.x(), size.width(), width()), inside(m_offset.y(), size.height(), height())};
+}
+
+void CxPictureView::setZoom(double zoom, QPointF const& anchor)
+{
+    double const scale = std::clamp(zoom, kSmallestZoom, kLargestZoom) / devicePixelRatioF();
+    m_offset = anchor - (anchor - m_offset) * (scale / m_scale);
+    m_scale = scale;
+    m_isFitted = false;
+    keepInside();
+    repaintSoon();
+    emit zoomChanged(this->zoom());
+    point(m_mouse);
+}
+
+void CxPictureView::fit()
+{
+    m_isFitted = true;
+    m_scale = fittingScale();
+    keepInside();
+    repaintSoon();
+    emit zoomChanged(zoom());
+    point(m_mouse);
+}
+
+void CxPictureView::showActualSize() { setZoom(1.0, QRectF(rect()).center()); }
+
+void CxPictureView::zoomIn() { setZoom(zoom() * kZoomStep, QRectF(rect()).center()); }
+
+void CxPictureView::zoomOut() { setZoom(zoom() / kZoomStep, QRectF(rect()).center()); }
+
+void CxPictureView::pan(QPointF const& distance)
+{
+    m_offset += distance;
+    keepInside();
+    repaintSoon();
+    point(m_mouse);
+}
+
+QPoint CxPictureView::pixelAt(QPointF const& position) const
+{
+    QPointF const place = (position - m_offset) / m_scale;
+    return {static_cast<int>(std::floor(place.x())), static_cast<int>(std::floor(place.y()))};
+}
+
+void CxPictureView::point(QPointF const& position)
+{
+    bool const isInside = rect().contains(position.toPoint());
+    emit pixelPointed(isInside ? pixelAt(position) : QPoint(-1, -1));
+}
+
+void CxPictureView::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    painter.fillRect(event->rect(), kSurround);
+    if (m_picture.image.isNull()) {
+        painter.setPen(kNoticeColour);
+        painter.drawText(rect().adjusted(24, 24, -24, -24), int(Qt::AlignCenter) | int(Qt::TextWordWrap),
+                         m_notice);
+        return;
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom() < 2.0);
+    painter.drawImage(target(), m_sharp.isNull() ? m_picture.image : m_sharp);
+}
+
+void CxPictureView::resizeEvent(QResizeEvent*)
+{
+    if (m_isFitted)
+        fit();
+    else
+        keepInside();
+}
+
+void CxPictureView::wheelEvent(QWheelEvent* event)
+{
+    double const turns = event->angleDelta().y() / 120.0;
+    if (turns != 0.0 && !m_picture.image.isNull())
+        setZoom(zoom() * std::pow(kZoomStep, turns), event->position());
+    event->accept();
+}
+
+void CxPictureView::mousePressEvent(QMouseEvent* event)
+{
+    m_mouse = event->localPos();
+    if (event->button() == Qt::LeftButton && !m_picture.image.isNull()) {
+        m_isDragging = true;
+        setCursor(Qt::ClosedHandCursor);
+    }
+}
+
+void CxPictureView::mouseMoveEvent(QMouseEvent* event)
+{
+    QPointF const distance = event->localPos() - m_mouse;
+    m_mouse = event->localPos();
+    if (m_isDragging)
+        pan(distance);
+    else
+        point(m_mouse);
+}
+
+void CxPictureView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_isDragging = false;
+    unsetCursor();
+}
+
+void CxPictureView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        emit doubleClicked();
+}
+
+void CxPictureView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->modifiers() != Qt::AltModifier) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    switch (event->key()) {
+    case Qt::Key_Left:
+        pan({kPanStep, 0});
+        break;
+    case Qt::Key_Right:
+        pan({-kPanStep, 0});
+        break;
+    case Qt::Key_Up:
+        pan({0, kPanStep});
+        break;
+    case Qt::Key_Down:
+        pan({0, -kPanStep});
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void CxPictureView::leaveEvent(QEvent*)
+{
+    m_mouse = {-1, -1};
+    point(m_mouse);
+}

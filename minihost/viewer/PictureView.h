@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+#include "ShownPicture.h"
+
+/// Shows one picture: fitted to the window or enlarged, with wheel and mouse as in any image viewer.
+///
+/// Enlarged at least twice, pixels are shown as squares, so that each can be told from its neighbours.
+/// Reduced, a picture that rests is soon drawn once more, from all of its pixels.
+class CxPictureView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CxPictureView(QWidget* parent = nullptr);
+
+    void setPicture(SxShownPicture const& picture); ///< keeps zoom and place while the size stays
+    void setNotice(QString const& text);            ///< text in place of a picture
+    SxShownPicture const& picture() const { return m_picture; }
+
+    bool isFitted() const { return m_isFitted; }
+    double zoom() const;                              ///< screen pixels for each pixel of the picture
+    void setZoom(double zoom, QPointF const& anchor); ///< what lies under \p anchor stays there
+    QPoint pixelAt(QPointF const& position) const;    ///< may lie outside the picture
+
+    QSize sizeHint() const override { return {960, 540}; }
+    QSize minimumSizeHint() const override { return {160, 90}; }
+
+public slots:
+    void fit();
+    void showActualSize();
+    void zoomIn();
+    void zoomOut();
+    void pan(QPointF const& distance); ///< moves the picture, in widget coordinates
+
+signals:
+    void zoomChanged(double zoom);
+    void pixelPointed(QPoint const& pixel); ///< under the mouse; outside the picture when there is none
+    void doubleClicked();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    QRectF target() const;
+    QSizeF shownSize() const;
+    double fittingScale() const;
+    void keepInside();
+    void point(QPointF const& position);
+    void repaintSoon();
+    void sharpen();
+
+    SxShownPicture m_picture;
+    QString m_notice;
+    bool m_isFitted = true;
+    double m_scale = 1.0;    ///< widget units for each pixel of the picture
+    QPointF m_offset;        ///< top left corner of the picture in the widget
+    QPointF m_mouse{-1, -1}; ///< last place of the mouse, negative when it is elsewhere
+    bool m_isDragging = false;
+    QTimer m_rest;  ///< runs out when nothing has changed for a moment
+    QImage m_sharp; ///< the picture reduced with care, in screen pixels; null while things move
+};

@@ -1,0 +1,194 @@
+#include "Player.h"
+
+#include <algorithm>
+
+#include "PluginHost.h"
+
+static qint64 const kSecond = 1000000000;
+
+CxPlayer::CxPlayer(QObject* parent)
+    : QObject(parent)
+{
+    connect(&m_reader, &CxPictureReader::opened, this, &CxPlayer::takeOpened);
+    connect(&m_reader, &CxPictureReader::openFailed, this, &CxPlayer::openFailed);
+    connect(&m_reader, &CxPictureReader::pictureRead, this, &CxPlayer::takePicture);
+    connect(&m_reader, &CxPictureReader::pictureFailed, this, &CxPlayer::takeFailure);
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &CxPlayer::showHeld);
+    m_clock.start();
+}
+
+void CxPlayer::open(QString const& fileName)
+{
+    close();
+    QString error;
+    std::unique_ptr<QObject> loader = CxPluginHost::create("IxImageDataLoader", error);
+    if (!loader) {
+        emit openFailed(fileName, {error});
+        return;
+    }
+    m_reader.open(std::move(loader), fileName);
+}
+
+void CxPlayer::close()
+{
+    setPlaying(false);
+    m_reader.closeRecording();
+    m_firstTicket = m_reader.request(0) + 1; // answered by nobody: nothing is open
+    m_info = {};
+    m_shown = m_reached = m_wanted = -1;
+}
+
+void CxPlayer::takeOpened(SxRecordingInfo const& info)
+{
+    m_info = info;
+    emit opened(m_info);
+    seek(0);
+}
+
+void CxPlayer::seek(int number)
+{
+    if (!isOpen())
+        return;
+    number = std::clamp(number, 0, m_info.count - 1);
+    bool const isBackwards = number == m_wanted - 1;
+    m_wanted = number;
+    m_held.reset();
+    m_timer.stop();
+    int const ticket = m_reader.request(number, isBackwards);
+    if (m_isPlaying) { // and goes on from there
+        m_firstTicket = m_aheadTicket = ticket;
+        m_isSeeking = true;
+        m_due = m_clock.nsecsElapsed();
+    }
+}
+
+void CxPlayer::step(int pictures)
+{
+    setPlaying(false);
+    seek(m_wanted + pictures);
+}
+
+void CxPlayer::toNextKeyFrame()
+{
+    QList<int> const& keys = m_info.keyFrames;
+    auto const next = std::upper_bound(keys.begin(), keys.end(), m_wanted);
+    if (next != keys.end())
+        seek(*next);
+}
+
+void CxPlayer::toPreviousKeyFrame()
+{
+    QList<int> const& keys = m_info.keyFrames;
+    auto const here = std::lower_bound(keys.begin(), keys.end(), m_wanted);
+    if (here != keys.begin())
+        seek(*(here - 1));
+}
+
+void CxPlayer::setSpeed(double speed)
+{
+    m_speed = speed;
+    m_due = m_clock.nsecsElapsed();
+    m_shownTimes.clear();
+}
+
+void CxPlayer::setPlaying(bool isPlaying)
+{
+    if (isPlaying == m_isPlaying || (isPlaying && !isOpen()))
+        return;
+    m_isPlaying = isPlaying;
+    m_shownTimes.clear();
+    emit playingChanged(isPlaying);
+    if (!isPlaying) {
+        m_timer.stop();
+        m_held.reset();
+        if (m_aheadTicket != 0 && !m_isSeeking) {
+            // The picture that was read ahead was never asked for.
+            m_firstTicket = m_aheadTicket + 1;
+            m_wanted = m_reached;
+        }
+        m_aheadTicket = 0;
+        emit rateMeasured(0.0);
+        return;
+    }
+    if (m_wanted != m_reached) {
+        seek(m_wanted); // still on its way: playing starts there
+    } else if (m_wanted == m_info.count - 1) {
+        seek(0); // from the end, playing starts over
+    } else {
+        m_due = m_clock.nsecsElapsed() + interval();
+        requestAhead();
+    }
+}
+
+/// Asks for the picture behind the one shown while that is on the screen.
+void CxPlayer::requestAhead()
+{
+    int next = m_wanted + 1;
+    if (next == m_info.count) {
+        if (!m_isLooping) {
+            setPlaying(false);
+            return;
+        }
+        next = 0;
+    }
+    m_wanted = next;
+    m_isSeeking = false;
+    m_aheadTicket = m_reader.request(next);
+}
+
+void CxPlayer::takePicture(int ticket, SxShownPicture const& picture)
+{
+    if (ticket < m_firstTicket)
+        return;
+    if (!m_isPlaying) {
+        show(picture);
+        return;
+    }
+    m_held = picture;
+    qint64 const wait = m_due - m_clock.nsecsElapsed();
+    if (wait > 0)
+        m_timer.start(static_cast<int>((wait + 999999) / 1000000));
+    else
+        showHeld();
+}
+
+void CxPlayer::showHeld()
+{
+    SxShownPicture const picture = *m_held;
+    m_held.reset();
+    m_aheadTicket = 0;
+    // Late by less than a picture is caught up with; later than that, the clock waits.
+    m_due = std::max(m_due + interval(), m_clock.nsecsElapsed());
+    show(picture);
+    measureRate();
+    requestAhead();
+}
+
+void CxPlayer::show(SxShownPicture const& picture)
+{
+    m_shown = m_reached = picture.number;
+    emit shown(picture);
+}
+
+void CxPlayer::takeFailure(int ticket, int number, QStringList const& messages)
+{
+    if (ticket < m_firstTicket)
+        return;
+    m_shown = -1;
+    m_reached = number;
+    m_aheadTicket = 0;
+    setPlaying(false);
+    emit pictureFailed(number, messages);
+}
+
+void CxPlayer::measureRate()
+{
+    qint64 const now = m_clock.nsecsElapsed();
+    m_shownTimes.enqueue(now);
+    while (now - m_shownTimes.head() > kSecond)
+        m_shownTimes.dequeue();
+    if (m_shownTimes.size() > 1)
+        emit rateMeasured((m_shownTimes.size() - 1) * 1e9 / static_cast<double>(now - m_shownTimes.head()));
+}

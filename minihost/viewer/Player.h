@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QQueue>
+#include <QTimer>
+#include <memory>
+#include <optional>
+
+#include "PictureReader.h"
+
+/// Plays one recording: decides which picture comes next and when. GUI thread.
+///
+/// Every picture is played; where decoding is slower than the clock, playing is slower too. Only shown()
+/// says which picture is on the screen; it comes with the picture.
+class CxPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit CxPlayer(QObject* parent = nullptr);
+
+    /// Opens a recording; opened() or openFailed() follows. The one before is closed at once.
+    void open(QString const& fileName);
+    void close();
+
+    bool isOpen() const { return m_info.count > 0; }
+    SxRecordingInfo const& info() const { return m_info; }
+    int shownNumber() const { return m_shown; } ///< of the picture on the screen, -1 for none
+    bool isPlaying() const { return m_isPlaying; }
+    int picturesDecoded() const { return m_reader.picturesDecoded(); }
+
+    void setLooping(bool isLooping) { m_isLooping = isLooping; }
+    void setSpeed(double speed); ///< 1.0 is the recording's own
+
+public slots:
+    void seek(int number); ///< shows a picture; numbers outside are brought inside
+    void step(int pictures);
+    void toNextKeyFrame();
+    void toPreviousKeyFrame();
+    void setPlaying(bool isPlaying);
+
+signals:
+    void opened(SxRecordingInfo const& info);
+    void openFailed(QString const& fileName, QStringList const& messages);
+    void shown(SxShownPicture const& picture);
+    void pictureFailed(int number, QStringList const& messages);
+    void playingChanged(bool isPlaying);
+    void rateMeasured(double picturesPerSecond); ///< really shown during the last second; 0 while not playing
+
+private:
+    void takeOpened(SxRecordingInfo const& info);
+    void takePicture(int ticket, SxShownPicture const& picture);
+    void takeFailure(int ticket, int number, QStringList const& messages);
+    void requestAhead();
+    void showHeld();
+    void show(SxShownPicture const& picture);
+    void measureRate();
+    qint64 interval() const { return static_cast<qint64>(1e9 / (m_info.fps * m_speed)); }
+
+    CxPictureReader m_reader;
+    SxRecordingInfo m_info;
+    int m_shown = -1;
+    int m_reached = -1;    ///< the picture last shown or found broken
+    int m_wanted = -1;     ///< the picture last asked for, which steps count from
+    int m_firstTicket = 1; ///< results of earlier tickets are of no interest any more
+
+    bool m_isPlaying = false;
+    bool m_isLooping = false;
+    double m_speed = 1.0;
+    int m_aheadTicket = 0;                ///< of the picture that playing waits for; 0 for none
+    bool m_isSeeking = false;             ///< that picture was asked for by the user, not by the clock
+    std::optional<SxShownPicture> m_held; ///< read and waiting for its time
+    QElapsedTimer m_clock;
+    qint64 m_due = 0; ///< nanoseconds of m_clock at which the next picture is shown
+    QTimer m_timer;
+    QQueue<qint64> m_shownTimes; ///< nanoseconds, of the last second
+};

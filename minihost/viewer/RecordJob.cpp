@@ -1,0 +1,41 @@
+#include "RecordJob.h"
+
+#include <QElapsedTimer>
+
+static qint64 const kReportInterval = 100; // milliseconds; a person reads no faster
+
+CxRecordJob::CxRecordJob(SxRecordRequest const& request, QObject* parent)
+    : QObject(parent)
+    , m_request(request)
+{
+    qRegisterMetaType<SxRecordSummary>();
+    m_request.stop = &m_stop;
+}
+
+CxRecordJob::~CxRecordJob()
+{
+    cancel();
+    if (m_thread)
+        m_thread->wait();
+}
+
+void CxRecordJob::start(std::unique_ptr<CxRecordingSource> source)
+{
+    std::shared_ptr<CxRecordingSource> const shared(std::move(source));
+    m_thread.reset(QThread::create([this, shared] { run(*shared); }));
+    shared->moveToThread(m_thread.get());
+    m_thread->start();
+}
+
+void CxRecordJob::run(IxPictureSource& source)
+{
+    QElapsedTimer sinceReport;
+    sinceReport.start();
+    SxRecordSummary const summary = fx_Record(source, m_request, [&](SxRecordSummary const& soFar) {
+        if (sinceReport.elapsed() < kReportInterval && soFar.given > 1)
+            return;
+        sinceReport.restart();
+        emit progressed(soFar);
+    });
+    emit finished(summary);
+}

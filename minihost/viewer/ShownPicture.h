@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QImage>
+#include <QMetaType>
+#include <array>
+#include <memory>
+
+#include "CxImageData.h"
+
+/// A picture on its way to the screen. Number and picture travel together, so that the number shown is
+/// always that of the picture shown. Cheap to copy; the pixels are shared and never change.
+struct SxShownPicture
+{
+    int number = -1;                         ///< counted from 0; -1 for no picture
+    std::shared_ptr<CxImageData const> data; ///< the samples as they were delivered
+    QImage image; ///< the same for painting, on the samples themselves where Qt can
+};
+
+Q_DECLARE_METATYPE(SxShownPicture)
+
+/// Takes \p data over. Packed bytes are painted where they lie; words lose the bits that a screen does not
+/// show, in a copy. The image is null for any other format.
+SxShownPicture fx_ShownPicture(int number, std::unique_ptr<CxImageData> data);
+
+/// Samples of one pixel in the picture's own format.
+struct SxPixel
+{
+    int components = 0;           ///< 0: outside the picture; 1 grey; 3 colour
+    std::array<int, 3> samples{}; ///< grey; or red, green, blue
+};
+
+SxPixel fx_Pixel(SxShownPicture const& picture, QPoint const& position);

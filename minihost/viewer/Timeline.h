@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QAbstractSlider>
+#include <QList>
+
+/// The recording as a line: where the picture shown lies, and where its key frames are. A slider whose
+/// value is the picture's number; a click goes to that place, and dragging reports every place passed.
+class CxTimeline : public QAbstractSlider
+{
+    Q_OBJECT
+
+public:
+    explicit CxTimeline(QWidget* parent = nullptr);
+
+    void setRecording(int count, double fps, QList<int> const& keyFrames); ///< no pictures: an empty line
+    void setShownNumber(int number); ///< moves the handle, unless the user holds it, without valueChanged()
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    QRectF groove() const;
+    double positionOf(int number) const;
+    int numberAt(double x) const;
+    void paintKeyFrames(QPainter& painter) const;
+
+    double m_fps = 0.0;
+    QList<int> m_keyFrames;
+    bool m_isHovered = false;
+};
+
+/// Hours, minutes, seconds and milliseconds at which picture \p number begins: "0:01:02.033".
+QString fx_TimeCode(int number, double fps);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QWidget>
+
+#include "PictureReader.h"
+
+class CxActions;
+class CxTimeline;
+class QComboBox;
+class QLabel;
+
+/// Below the picture: the timeline, the player's buttons, and which picture is shown.
+class CxTransportBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    CxTransportBar(CxActions& actions, QWidget* parent);
+
+    CxTimeline* timeline() const { return m_timeline; }
+    void setRecording(SxRecordingInfo const& info);
+    void showNumber(int number); ///< -1: no picture is shown
+    void showLive(int number, quint64 timestamp);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    CxTimeline* m_timeline;
+    QLabel* m_number;
+    QLabel* m_time;
+    QComboBox* m_speed;
+    SxRecordingInfo m_info;
+};

@@ -1,0 +1,566 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>CxAboutWindow</name>
+    <message>
+        <source>About and Licences</source>
+        <translation>Über und Lizenzen</translation>
+    </message>
+</context>
+<context>
+    <name>CxActions</name>
+    <message>
+        <source>&amp;Open Recording…</source>
+        <translation>Aufnahme ö&amp;ffnen …</translation>
+    </message>
+    <message>
+        <source>&amp;Test Camera</source>
+        <translation>&amp;Testkamera</translation>
+    </message>
+    <message>
+        <source>Open &amp;Video, Stream or Device…</source>
+        <translation>&amp;Video, Stream oder Gerät öffnen …</translation>
+    </message>
+    <message>
+        <source>&amp;Record…</source>
+        <translation>Auf&amp;zeichnen …</translation>
+    </message>
+    <message>
+        <source>&amp;Save Picture…</source>
+        <translation>Bild &amp;speichern …</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Picture</source>
+        <translation>Bild &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Wiedergeben</translation>
+    </message>
+    <message>
+        <source>Pre&amp;vious Picture</source>
+        <translation>&amp;Voriges Bild</translation>
+    </message>
+    <message>
+        <source>&amp;Next Picture</source>
+        <translation>&amp;Nächstes Bild</translation>
+    </message>
+    <message>
+        <source>Previous &amp;Key Frame</source>
+        <translation>Voriges &amp;Schlüsselbild</translation>
+    </message>
+    <message>
+        <source>Next Key F&amp;rame</source>
+        <translation>Nächstes Sch&amp;lüsselbild</translation>
+    </message>
+    <message>
+        <source>&amp;First Picture</source>
+        <translation>&amp;Erstes Bild</translation>
+    </message>
+    <message>
+        <source>L&amp;ast Picture</source>
+        <translation>Le&amp;tztes Bild</translation>
+    </message>
+    <message>
+        <source>&amp;Go to Picture…</source>
+        <translation>&amp;Gehe zu Bild …</translation>
+    </message>
+    <message>
+        <source>&amp;Loop</source>
+        <translation>Endloss&amp;chleife</translation>
+    </message>
+    <message>
+        <source>&amp;Fit to Window</source>
+        <translation>An &amp;Fenster anpassen</translation>
+    </message>
+    <message>
+        <source>&amp;Actual Size</source>
+        <translation>&amp;Originalgröße</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;In</source>
+        <translation>Ver&amp;größern</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;Out</source>
+        <translation>Ver&amp;kleinern</translation>
+    </message>
+    <message>
+        <source>F&amp;ull Screen</source>
+        <translation>&amp;Vollbild</translation>
+    </message>
+    <message>
+        <source>&amp;Keys</source>
+        <translation>&amp;Tasten</translation>
+    </message>
+    <message>
+        <source>&amp;About and Licences</source>
+        <translation>&amp;Über und Lizenzen</translation>
+    </message>
+    <message>
+        <source>%1 ×</source>
+        <translation>%1 ×</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Open R&amp;ecent</source>
+        <translation>Zuletzt &amp;geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Playback</source>
+        <translation>&amp;Wiedergabe</translation>
+    </message>
+    <message>
+        <source>&amp;Speed</source>
+        <translation>Geschwindig&amp;keit</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Pause</source>
+        <translation>&amp;Pause</translation>
+    </message>
+</context>
+<context>
+    <name>CxHelpWindow</name>
+    <message>
+        <source>Keys</source>
+        <translation>Tasten</translation>
+    </message>
+    <message>
+        <source> or </source>
+        <translation> oder </translation>
+    </message>
+    <message>
+        <source>Leave full screen</source>
+        <translation>Vollbild verlassen</translation>
+    </message>
+    <message>
+        <source>Move an enlarged picture</source>
+        <translation>Vergrößertes Bild verschieben</translation>
+    </message>
+    <message>
+        <source>Alt+arrow keys, or drag it</source>
+        <translation>Alt+Pfeiltasten oder ziehen</translation>
+    </message>
+    <message>
+        <source>Zoom around the mouse</source>
+        <translation>Um die Maus herum zoomen</translation>
+    </message>
+    <message>
+        <source>Mouse wheel</source>
+        <translation>Mausrad</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>Vollbild</translation>
+    </message>
+    <message>
+        <source>Double click</source>
+        <translation>Doppelklick</translation>
+    </message>
+</context>
+<context>
+    <name>CxMainWindow</name>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>Place and value of the pixel under the mouse</source>
+        <translation>Ort und Wert des Pixels unter der Maus</translation>
+    </message>
+    <message>
+        <source>Size of the picture</source>
+        <translation>Größe des Bildes</translation>
+    </message>
+    <message>
+        <source>Zoom: screen pixels for each pixel of the picture</source>
+        <translation>Zoom: Bildschirmpixel je Pixel des Bildes</translation>
+    </message>
+    <message>
+        <source>Pictures really shown each second</source>
+        <translation>Wirklich gezeigte Bilder je Sekunde</translation>
+    </message>
+    <message>
+        <source>%1 pictures/s</source>
+        <translation>%1 Bilder/s</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1, fitted</source>
+        <translation>%1, angepasst</translation>
+    </message>
+    <message>
+        <source>Test Camera</source>
+        <translation>Testkamera</translation>
+    </message>
+    <message>
+        <source>Opening…</source>
+        <translation>Wird geöffnet …</translation>
+    </message>
+    <message>
+        <source>Waiting for the first picture…</source>
+        <translation>Warten auf das erste Bild …</translation>
+    </message>
+    <message>
+        <source>“%1” does not exist.</source>
+        <translation>„%1“ gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>“%1” is a folder, not a recording.</source>
+        <translation>„%1“ ist ein Ordner, keine Aufnahme.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to read “%1”.</source>
+        <translation>Sie dürfen „%1“ nicht lesen.</translation>
+    </message>
+    <message>
+        <source>“%1” is empty.</source>
+        <translation>„%1“ ist leer.</translation>
+    </message>
+    <message>
+        <source>“%1” is not an H.264 recording, or its beginning is damaged.</source>
+        <translation>„%1“ ist keine H.264-Aufnahme, oder ihr Anfang ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>The plug-in gave no reason.</source>
+        <translation>Das Plug-in hat keinen Grund genannt.</translation>
+    </message>
+    <message>
+        <source>Picture %1 cannot be shown: the recording is damaged there.</source>
+        <translation>Bild %1 lässt sich nicht zeigen: Die Aufnahme ist dort beschädigt.</translation>
+    </message>
+    <message>
+        <source>Other pictures may still be fine.</source>
+        <translation>Andere Bilder können noch in Ordnung sein.</translation>
+    </message>
+    <message>
+        <source>The source has ended.</source>
+        <translation>Die Quelle ist zu Ende.</translation>
+    </message>
+    <message>
+        <source>The source cannot be read.</source>
+        <translation>Die Quelle lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>%1 × %2, %3-bit grey</source>
+        <translation>%1 × %2, %3 Bit grau</translation>
+    </message>
+    <message>
+        <source>%1 × %2, %3-bit colour</source>
+        <translation>%1 × %2, %3 Bit farbig</translation>
+    </message>
+    <message>
+        <source>grey %1</source>
+        <translation>Grau %1</translation>
+    </message>
+    <message>
+        <source>red %1, green %2, blue %3</source>
+        <translation>Rot %1, Grün %2, Blau %3</translation>
+    </message>
+    <message>
+        <source>(%1, %2): %3</source>
+        <translation>(%1, %2): %3</translation>
+    </message>
+    <message>
+        <source>&amp;Record…</source>
+        <translation>Auf&amp;zeichnen …</translation>
+    </message>
+    <message>
+        <source>Save &amp;Part…</source>
+        <translation>A&amp;usschnitt speichern …</translation>
+    </message>
+    <message>
+        <source>Saving to “%1” failed.</source>
+        <translation>Das Speichern in „%1“ ist misslungen.</translation>
+    </message>
+    <message>
+        <source>Stopped: “%1” holds what was saved until then.</source>
+        <translation>Angehalten: „%1“ enthält, was bis dahin gespeichert war.</translation>
+    </message>
+    <message>
+        <source>“%1” is complete.</source>
+        <translation>„%1“ ist fertig.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s) saved, %1.</source>
+        <translation>
+            <numerusform>%n Bild gespeichert, %1.</numerusform>
+            <numerusform>%n Bilder gespeichert, %1.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.</source>
+        <translation>
+            <numerusform>Der Encoder hat %n Bild ausgelassen, um die Bitrate zu halten; eine höhere Qualität behält mehr.</numerusform>
+            <numerusform>Der Encoder hat %n Bilder ausgelassen, um die Bitrate zu halten; eine höhere Qualität behält mehr.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>&amp;Open It</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>The picture could not be saved to “%1”.</source>
+        <translation>Das Bild ließ sich nicht in „%1“ speichern.</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>A recording is under way. End it and quit?</source>
+        <translation>Es wird gerade aufgezeichnet. Aufzeichnung beenden und schließen?</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Open Recording</source>
+        <translation>Aufnahme öffnen</translation>
+    </message>
+    <message>
+        <source>Open Video, Stream or Device</source>
+        <translation>Video, Stream oder Gerät öffnen</translation>
+    </message>
+    <message>
+        <source>File, address or device, such as clip.mp4, rtsp://camera/stream or v4l2:/dev/video0:</source>
+        <translation>Datei, Adresse oder Gerät, etwa clip.mp4, rtsp://kamera/stream oder v4l2:/dev/video0:</translation>
+    </message>
+    <message>
+        <source>Go to Picture</source>
+        <translation>Gehe zu Bild</translation>
+    </message>
+    <message>
+        <source>Number, 0 to %1:</source>
+        <translation>Nummer, 0 bis %1:</translation>
+    </message>
+    <message>
+        <source>live</source>
+        <translation>live</translation>
+    </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>Bild speichern</translation>
+    </message>
+    <message>
+        <source>PNG picture (*.png)</source>
+        <translation>PNG-Bild (*.png)</translation>
+    </message>
+</context>
+<context>
+    <name>CxMessageBar</name>
+    <message>
+        <source>&amp;Details</source>
+        <translation>&amp;Einzelheiten</translation>
+    </message>
+    <message>
+        <source>Close this message</source>
+        <translation>Diese Meldung schließen</translation>
+    </message>
+    <message>
+        <source>Details of the message</source>
+        <translation>Einzelheiten der Meldung</translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordBar</name>
+    <message>
+        <source>S&amp;top</source>
+        <translation>A&amp;nhalten</translation>
+    </message>
+    <message>
+        <source>Progress of the recording</source>
+        <translation>Fortschritt der Aufzeichnung</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s)</source>
+        <translation>
+            <numerusform>%n Bild</numerusform>
+            <numerusform>%n Bilder</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n skipped</source>
+        <translation>
+            <numerusform>%n ausgelassen</numerusform>
+            <numerusform>%n ausgelassen</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Recording to %1: %2</source>
+        <translation>Aufzeichnung in %1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordDialog</name>
+    <message>
+        <source>Record</source>
+        <translation>Aufzeichnen</translation>
+    </message>
+    <message>
+        <source>Save Part of the Recording</source>
+        <translation>Ausschnitt der Aufnahme speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Browse…</source>
+        <translation>&amp;Durchsuchen …</translation>
+    </message>
+    <message>
+        <source>&amp;File:</source>
+        <translation>D&amp;atei:</translation>
+    </message>
+    <message>
+        <source>F&amp;ormat:</source>
+        <translation>F&amp;ormat:</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>Auf&amp;zeichnen</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>when I stop it</source>
+        <translation>wenn ich anhalte</translation>
+    </message>
+    <message>
+        <source> pictures</source>
+        <translation> Bildern</translation>
+    </message>
+    <message>
+        <source>&amp;End after:</source>
+        <translation>&amp;Ende nach:</translation>
+    </message>
+    <message>
+        <source>&amp;to</source>
+        <translation>&amp;bis</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures:</source>
+        <translation>B&amp;ilder:</translation>
+    </message>
+    <message>
+        <source>No plug-in that can save recordings is loaded.</source>
+        <translation>Es ist kein Plug-in geladen, das Aufnahmen speichern kann.</translation>
+    </message>
+    <message>
+        <source>Encoding</source>
+        <translation>Kodierung</translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
+    <message>
+        <source>%1_part</source>
+        <comment>file name</comment>
+        <translation>%1_Ausschnitt</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s), %1</source>
+        <translation>
+            <numerusform>%n Bild, %1</numerusform>
+            <numerusform>%n Bilder, %1</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The last lies before the first.</source>
+        <translation>Das letzte liegt vor dem ersten.</translation>
+    </message>
+    <message>
+        <source>That is the recording being read. Please choose another name.</source>
+        <translation>Das ist die Aufnahme, die gelesen wird. Bitte wählen Sie einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>There is no folder “%1”.</source>
+        <translation>Den Ordner „%1“ gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>“%1” exists already. Replace it?</source>
+        <translation>„%1“ gibt es schon. Ersetzen?</translation>
+    </message>
+</context>
+<context>
+    <name>CxStartPage</name>
+    <message>
+        <source>What would you like to see?</source>
+        <translation>Was möchten Sie sehen?</translation>
+    </message>
+    <message>
+        <source>Or drop a recording into this window.</source>
+        <translation>Oder ziehen Sie eine Aufnahme in dieses Fenster.</translation>
+    </message>
+    <message>
+        <source>Opened before</source>
+        <translation>Früher geöffnet</translation>
+    </message>
+</context>
+<context>
+    <name>CxTimeline</name>
+    <message>
+        <source>%1 · %2</source>
+        <translation>%1 · %2</translation>
+    </message>
+    <message>
+        <source>%1 · key frame</source>
+        <translation>%1 · Schlüsselbild</translation>
+    </message>
+</context>
+<context>
+    <name>CxTransportBar</name>
+    <message>
+        <source>Timeline</source>
+        <translation>Zeitleiste</translation>
+    </message>
+    <message>
+        <source>Number of the picture shown; marks below show key frames</source>
+        <translation>Nummer des gezeigten Bildes; Striche darunter zeigen Schlüsselbilder</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Geschwindigkeit</translation>
+    </message>
+    <message>
+        <source>Number of the picture shown</source>
+        <translation>Nummer des gezeigten Bildes</translation>
+    </message>
+    <message>
+        <source>Time of the picture shown</source>
+        <translation>Zeit des gezeigten Bildes</translation>
+    </message>
+    <message>
+        <source>Picture %1 of 0–%2</source>
+        <translation>Bild %1 von 0–%2</translation>
+    </message>
+    <message>
+        <source>Live, picture %1</source>
+        <translation>Live, Bild %1</translation>
+    </message>
+</context>
+</TS>

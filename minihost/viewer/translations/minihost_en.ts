@@ -1,0 +1,48 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name>CxMainWindow</name>
+    <message numerus="yes">
+        <source>%n picture(s) saved, %1.</source>
+        <translation>
+            <numerusform>%n picture saved, %1.</numerusform>
+            <numerusform>%n pictures saved, %1.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.</source>
+        <translation>
+            <numerusform>%n picture left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
+            <numerusform>%n pictures left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordBar</name>
+    <message numerus="yes">
+        <source>%n picture(s)</source>
+        <translation>
+            <numerusform>%n picture</numerusform>
+            <numerusform>%n pictures</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n skipped</source>
+        <translation>
+            <numerusform>%n skipped</numerusform>
+            <numerusform>%n skipped</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordDialog</name>
+    <message numerus="yes">
+        <source>%n picture(s), %1</source>
+        <translation>
+            <numerusform>%n picture, %1</numerusform>
+            <numerusform>%n pictures, %1</numerusform>
+        </translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,306 @@
+// The work on vectors of 64 bytes, for AVX-512 with its permutations of bytes and its dot products. It does
+// in two thirds of the instructions what the portable form does; docs/kernels.md has the figures. Included by
+// IYUVRowsSimd.cpp inside its namespace; hence no include guard and no includes.
+
+/// Every other dword, block by block.
+HWY_INLINE __m512i fx_EvenDwords(V32 a, V32 b)
+{
+    return _mm512_castps_si512(
+        _mm512_shuffle_ps(_mm512_castsi512_ps(a.raw), _mm512_castsi512_ps(b.raw), 0x88));
+}
+
+constexpr __mmask64 kUpperDwords = 0xF0F0F0F0F0F0F0F0; ///< the second dword of each two
+
+/// Where dword i of a sequence lies after CxWords::pack().
+constexpr unsigned fx_Packed(unsigned i)
+{
+    unsigned const half = kDwords / 2;
+    return i < half ? 2 * i : 2 * (i - half) + 1;
+}
+
+constexpr SxByteOrder fx_SpreadBytes(unsigned first, bool isPacked)
+{
+    SxByteOrder order = {};
+    for (unsigned i = 0; i < kVector; ++i) {
+        unsigned const byte = first + fx_From24(i);
+        order.bytes[i] = static_cast<uint8_t>(isPacked ? fx_Packed(byte / 4) * 4 + byte % 4 : byte);
+    }
+    return order;
+}
+
+template<unsigned kFirst, bool kIsPacked>
+class CxSpread
+{
+public:
+    CxSpread()
+        : m_order(kOrder.load())
+    {}
+
+    HWY_INLINE V32 operator()(V8 pixels) const
+    {
+        return V32{_mm512_permutexvar_epi8(m_order.raw, pixels.raw)};
+    }
+
+private:
+    static constexpr SxByteOrder kOrder = fx_SpreadBytes(kFirst, kIsPacked);
+
+    V8 m_order;
+};
+
+/// One instruction a vector takes the bytes from any bits of each four words, those of the second vector into
+/// the upper dwords; shifts, masks and a pack would be five for the two.
+class CxWords
+{
+public:
+    static constexpr unsigned kMaxShift = 8; ///< further down, the wanted bits leave their word
+
+    explicit CxWords(unsigned shift)
+        : m_bits(_mm512_add_epi8(_mm512_set1_epi32(0x30201000), _mm512_set1_epi8(static_cast<char>(shift))))
+    {}
+
+    HWY_INLINE V8 pack(uint8_t const* src) const
+    {
+        __m512i const lower = _mm512_multishift_epi64_epi8(m_bits, _mm512_loadu_si512(src));
+        return V8{_mm512_mask_multishift_epi64_epi8(lower, kUpperDwords, m_bits,
+                                                    _mm512_loadu_si512(src + kVector))};
+    }
+
+private:
+    __m512i m_bits;
+};
+
+/// Words divided by \p kDivisor and packed to bytes, block by block. One high product is exact for every
+/// dividend up to 59123 with 125, for every dividend at all with 250, of which the words hold one more.
+template<int kDivisor>
+HWY_INLINE __m512i fx_Quotients(__m512i a, __m512i b)
+{
+    constexpr unsigned kShift = kDivisor == 125 ? 6 : 7;
+    __m512i const factor = _mm512_set1_epi16(static_cast<short>(kDivisor == 125 ? 33555 : 33554));
+    return _mm512_packus_epi16(_mm512_srli_epi16(_mm512_mulhi_epu16(a, factor), kShift),
+                               _mm512_srli_epi16(_mm512_mulhi_epu16(b, factor), kShift));
+}
+
+/// Weights for dot products of pixels.
+HWY_INLINE __m512i fx_Weights(int blue, int green, int red)
+{
+    return _mm512_set1_epi32((red & 0xFF) << 16 | (green & 0xFF) << 8 | (blue & 0xFF));
+}
+
+class CxLuma
+{
+public:
+    CxLuma()
+        : m_rest(fx_Weights(2, 3, 3))
+        , m_eighths(fx_Weights(14, 73, 37))
+        , m_order(kFromBlocks.load())
+    {}
+
+    HWY_INLINE void store(SxPixels const& pixels, uint8_t* y) const
+    {
+        V8 const bytes{
+            fx_Quotients<125>(eighths(pixels.v[0], pixels.v[1]), eighths(pixels.v[2], pixels.v[3]))};
+        hn::StoreU(fx_Permute(bytes, m_order), D8(), y);
+    }
+
+private:
+    HWY_INLINE __m512i eighths(V32 a, V32 b) const { return _mm512_packs_epi32(eighth(a), eighth(b)); }
+
+    /// (114 B + 587 G + 299 R) / 8 = 14 B + 73 G + 37 R + (2 B + 3 G + 3 R) / 8, in weights that fit a byte.
+    HWY_INLINE __m512i eighth(V32 pixels) const
+    {
+        __m512i const rest = _mm512_dpbusd_epi32(_mm512_setzero_si512(), pixels.raw, m_rest);
+        return _mm512_dpbusd_epi32(_mm512_srli_epi32(rest, 3), pixels.raw, m_eighths);
+    }
+
+    __m512i m_rest, m_eighths;
+    Permutation m_order;
+};
+
+/// Pairs of samples of vector and block (0, 0), (0, 1) ... (3, 3), out of blocks of U and of V, four vectors'
+/// pairs each. All of U, then all of V.
+constexpr SxByteOrder fx_ChromaBytes()
+{
+    SxByteOrder order = {};
+    for (unsigned i = 0; i < kVector / 2; ++i) {
+        unsigned const vector = i / 8, block = i / 2 % 4;
+        unsigned const byte = block * 16 + vector * 2 + i % 2;
+        order.bytes[i] = static_cast<uint8_t>(byte);
+        order.bytes[kVector / 2 + i] = static_cast<uint8_t>(byte + 8);
+    }
+    return order;
+}
+
+class CxChroma
+{
+public:
+    CxChroma()
+        : m_u{fx_Weights(125, -83, -42), fx_Weights(0, 1, -1)}
+        , m_v{fx_Weights(-20, -105, 125), fx_Weights(-1, 1, 0)}
+        , m_order(kOrder.load())
+    {}
+
+    HWY_INLINE void store(SxPixels const& pixels, uint8_t* u, uint8_t* v) const
+    {
+        __m512i const a = fx_EvenDwords(pixels.v[0], pixels.v[1]),
+                      b = fx_EvenDwords(pixels.v[2], pixels.v[3]);
+        __m512i const bytes =
+            _mm512_permutexvar_epi8(m_order.raw, fx_Quotients<250>(m_u.quarters(a, b), m_v.quarters(a, b)));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(u), _mm512_castsi512_si256(bytes));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(v), _mm512_extracti64x4_epi64(bytes, 1));
+    }
+
+private:
+    static constexpr SxByteOrder kOrder = fx_ChromaBytes();
+
+    /// A sum of four times \p wholes and \p rests of the pixels, in weights that fit a byte.
+    struct SxWeights
+    {
+        /// Quarters of the sums of two vectors, which are at most 127500 either way, lifted by 32000 and one.
+        /// The division goes on rounding down. To be rounded toward zero, a negative sum needs 999 more, but
+        /// not so much that it passes 0.
+        HWY_INLINE __m512i quarters(__m512i a, __m512i b) const
+        {
+            __m512i const lift = _mm512_set1_epi32(32001), none = _mm512_setzero_si512();
+            __m512i const whole = _mm512_packus_epi32(_mm512_dpbusd_epi32(lift, a, wholes),
+                                                      _mm512_dpbusd_epi32(lift, b, wholes));
+            __m512i const rest =
+                _mm512_packs_epi32(_mm512_dpbusd_epi32(none, a, rests), _mm512_dpbusd_epi32(none, b, rests));
+            __m512i const more = _mm512_add_epi16(rest, _mm512_set1_epi16(999));
+            __m512i const down = _mm512_add_epi16(whole, _mm512_srai_epi16(rest, 2));
+            __m512i const up = _mm512_add_epi16(whole, _mm512_srai_epi16(more, 2));
+            return _mm512_max_epu16(down, _mm512_min_epu16(up, _mm512_set1_epi16(32001)));
+        }
+
+        __m512i wholes, rests;
+    };
+
+    SxWeights m_u, m_v;
+    V8 m_order;
+};
+
+/// U and V in turn, from a half vector of each.
+constexpr SxByteOrder fx_InTurn()
+{
+    SxByteOrder order = {};
+    for (unsigned i = 0; i < kVector; ++i)
+        order.bytes[i] = static_cast<uint8_t>(i / 2 + i % 2 * kVector);
+    return order;
+}
+
+/// Four bytes each, for sixteen samples in every block.
+constexpr SxByteOrder fx_FourTimes()
+{
+    SxByteOrder order = {};
+    for (unsigned i = 0; i < kVector; ++i)
+        order.bytes[i] = static_cast<uint8_t>(i / 16 * 4 + i % 16 / 4);
+    return order;
+}
+
+/// Sixteen pixels out of \p block of two vectors: eight samples of blue and of green in the first, of red and
+/// of the fourth byte in the second.
+constexpr SxByteOrder fx_Change(unsigned block)
+{
+    SxByteOrder order = {};
+    for (unsigned i = 0; i < kVector; ++i) {
+        unsigned const component[] = {0, 8, kVector, kVector + 8};
+        order.bytes[i] = static_cast<uint8_t>(block * 16 + component[i % 4] + i / 8);
+    }
+    return order;
+}
+
+/// As the portable form, but what chroma adds and takes away is brought into the order of the pixels once for
+/// two rows, so that a row is luma four times, an addition and a subtraction.
+class CxToRGB32
+{
+public:
+    CxToRGB32()
+        : m_inTurn(kInTurn.load())
+        , m_fourTimes(kFourTimes.load())
+    {}
+
+    /// kVector pixels of both rows at pixel x.
+    template<bool kIsStreamed>
+    HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, uint8_t* top, uint8_t* bottom) const
+    {
+        __m512i const uv =
+            _mm512_permutex2var_epi8(samples(planes.u + x / 2), m_inTurn.raw, samples(planes.v + x / 2));
+        __m512i const zero = _mm512_setzero_si512();
+        __m512i const blue = fx_Blue(uv), green = fx_Green(uv), red = fx_Red(uv);
+        // Packing makes what is negative 0. The fourth byte is lifted to 255 and nothing is taken from it.
+        __m512i const moreRed = _mm512_packus_epi16(red, _mm512_set1_epi16(0x7FFF));
+        __m512i const lessRed = _mm512_packus_epi16(_mm512_sub_epi16(zero, red), zero);
+        __m512i const more = _mm512_packus_epi16(blue, green);
+        __m512i const less = _mm512_packus_epi16(_mm512_sub_epi16(zero, blue), _mm512_sub_epi16(zero, green));
+        block<kIsStreamed, 0>(planes, x, more, moreRed, less, lessRed, top, bottom);
+        block<kIsStreamed, 1>(planes, x, more, moreRed, less, lessRed, top, bottom);
+        block<kIsStreamed, 2>(planes, x, more, moreRed, less, lessRed, top, bottom);
+        block<kIsStreamed, 3>(planes, x, more, moreRed, less, lessRed, top, bottom);
+    }
+
+private:
+    static constexpr SxByteOrder kInTurn = fx_InTurn(), kFourTimes = fx_FourTimes();
+    static constexpr SxByteOrder kOrder[4] = {fx_Change(0), fx_Change(1), fx_Change(2), fx_Change(3)};
+
+    static HWY_INLINE __m512i samples(uint8_t const* src)
+    {
+        return _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<__m256i const*>(src)));
+    }
+
+    /// u * U + v * V of each pair of samples.
+    static HWY_INLINE __m512i fx_Sum(__m512i uv, int u, int v)
+    {
+        return _mm512_maddubs_epi16(uv, _mm512_set1_epi16(static_cast<short>(v << 8 | u)));
+    }
+
+    // The factors are those of the portable form.
+
+    static HWY_INLINE __m512i fx_Blue(__m512i uv)
+    {
+        return _mm512_mulhi_epi16(_mm512_sub_epi16(fx_Sum(uv, 4, 0), _mm512_set1_epi16(4 * 128)),
+                                  _mm512_set1_epi16(28917));
+    }
+
+    static HWY_INLINE __m512i fx_Red(__m512i uv)
+    {
+        return _mm512_mulhi_epi16(_mm512_sub_epi16(fx_Sum(uv, 0, 16), _mm512_set1_epi16(16 * 128 - 1)),
+                                  _mm512_set1_epi16(5734));
+    }
+
+    /// floor((134912 - 343 U - 711 V) / 8) = 16864 - 40 U - 88 V - (23 U + 7 V + 7) / 8, in weights that fit
+    /// a byte; the lift of 17000 is in the constant.
+    static HWY_INLINE __m512i fx_Green(__m512i uv)
+    {
+        __m512i const rest = _mm512_srli_epi16(_mm512_add_epi16(fx_Sum(uv, 23, 7), _mm512_set1_epi16(7)), 3);
+        __m512i const whole =
+            _mm512_sub_epi16(_mm512_set1_epi16(static_cast<short>(16864 + 17000)), fx_Sum(uv, 40, 88));
+        __m512i const product =
+            _mm512_mulhi_epu16(_mm512_sub_epi16(whole, rest), _mm512_set1_epi16(static_cast<short>(33555)));
+        return _mm512_sub_epi16(_mm512_srli_epi16(product, 6), _mm512_set1_epi16(136));
+    }
+
+    /// Sixteen pixels of both rows.
+    template<bool kIsStreamed, unsigned kBlock>
+    HWY_INLINE void block(SxPlaneRows const& planes, std::size_t x, __m512i more, __m512i moreRed,
+                          __m512i less, __m512i lessRed, uint8_t* top, uint8_t* bottom) const
+    {
+        __m512i const add = _mm512_permutex2var_epi8(more, kOrder[kBlock].load().raw, moreRed);
+        __m512i const subtract = _mm512_permutex2var_epi8(less, kOrder[kBlock].load().raw, lessRed);
+        std::size_t const at = x + 16 * kBlock;
+        put<kIsStreamed>(planes.y[0] + at, add, subtract, top + 4 * at);
+        put<kIsStreamed>(planes.y[1] + at, add, subtract, bottom + 4 * at);
+    }
+
+    template<bool kIsStreamed>
+    HWY_INLINE void put(uint8_t const* y, __m512i add, __m512i subtract, uint8_t* dst) const
+    {
+        __m128i const samples = _mm_loadu_si128(reinterpret_cast<__m128i const*>(y));
+        __m512i const luma = _mm512_shuffle_epi8(_mm512_broadcast_i32x4(samples), m_fourTimes.raw);
+        __m512i const pixels = _mm512_subs_epu8(_mm512_adds_epu8(luma, add), subtract);
+        if (kIsStreamed)
+            _mm512_stream_si512(reinterpret_cast<__m512i*>(dst), pixels);
+        else
+            _mm512_storeu_si512(dst, pixels);
+    }
+
+    V8 m_inTurn, m_fourTimes;
+};

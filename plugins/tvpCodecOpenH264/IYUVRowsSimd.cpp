@@ -1,0 +1,338 @@
+// The rows of IYUVRows, written once with Highway and compiled for each instruction set, each time in
+// that set's namespace. Only Highway's headers are used: the tables are chosen at the end of this file,
+// and its dynamic dispatch, which would need its library, is not.
+
+#include "IYUVRowsSimd.h"
+
+#include "InstructionSets.h"
+
+// Scalable vectors have no size that a struct or a constant could take; NEON serves those machines. AVX3_DL
+// asks for AVX-VNNI, which half of the processors with AVX-512 lack, and SSSE3 has no machine of its own.
+#define HWY_DISABLED_TARGETS (HWY_AVX3_DL | HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "IYUVRowsSimd.cpp"
+#include "hwy/foreach_target.h" // IWYU pragma: keep
+
+#include "hwy/cache_control.h"
+#include "hwy/highway.h"
+
+// The header's stand-ins for machines without vectors are slower than our scalar rows.
+#if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
+
+// With AVX-512 go its byte permutations and dot products: every maker's second generation has them, and what
+// has not is served by AVX2.
+#if HWY_TARGET == HWY_AVX3
+HWY_PUSH_ATTRIBUTES(HWY_TARGET_STR ",avx512vbmi,avx512vnni")
+#else
+HWY_BEFORE_NAMESPACE();
+#endif
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+using std::uint8_t;
+
+using D8 = hn::ScalableTag<uint8_t>;
+using DU16 = hn::ScalableTag<std::uint16_t>;
+using D16 = hn::ScalableTag<std::int16_t>;
+using D32 = hn::ScalableTag<std::int32_t>;
+using V8 = hn::Vec<D8>;
+using VU16 = hn::Vec<DU16>;
+using V16 = hn::Vec<D16>;
+using V32 = hn::Vec<D32>;
+using Permutation = decltype(hn::SetTableIndices(D32(), static_cast<std::int32_t const*>(nullptr)));
+
+constexpr unsigned kVector = static_cast<unsigned>(hn::MaxLanes(D8())); ///< bytes
+constexpr unsigned kBlocks = kVector / 16; ///< most instructions work within blocks of 16 bytes
+constexpr unsigned kDwords = kVector / 4;
+constexpr unsigned kStep = 4 * kDwords; ///< pixels a step
+
+/// Four vectors of pixels: blue, green, red and an ignored byte.
+struct SxPixels
+{
+    V32 v[4];
+};
+
+// Indices for permutations. All are constants: a row is too short to make tables for it.
+
+struct SxOrder
+{
+    HWY_INLINE Permutation load() const { return hn::SetTableIndices(D32(), dwords); }
+
+    alignas(64) std::int32_t dwords[kDwords];
+};
+
+struct SxByteOrder
+{
+    HWY_INLINE V8 load() const { return hn::Load(D8(), bytes); }
+
+    alignas(64) uint8_t bytes[kVector];
+};
+
+/// Order of dwords; with one block a vector there is none to change.
+template<class V>
+HWY_INLINE V fx_Permute(V v, Permutation order)
+{
+    if (kBlocks == 1)
+        return v;
+    return hn::BitCast(hn::DFromV<V>(), hn::TableLookupLanes(hn::BitCast(D32(), v), order));
+}
+
+/// From blocks whose dword q belongs to part q to one part after the other.
+constexpr SxOrder fx_FromBlocks()
+{
+    SxOrder order = {};
+    for (unsigned i = 0; i < kDwords; ++i)
+        order.dwords[i % 4 * kBlocks + i / 4] = static_cast<std::int32_t>(i);
+    return order;
+}
+constexpr SxOrder kFromBlocks = fx_FromBlocks();
+
+/// Which byte of pixels of 24 bits becomes byte i of pixels of 32. The fourth is anything: no weight is on
+/// it.
+constexpr unsigned fx_From24(unsigned i) { return i / 4 * 3 + (i % 4 < 3 ? i % 4 : 2); }
+
+/// Words \p low and \p high, again and again.
+HWY_INLINE V16 fx_SetPairs(int low, int high)
+{
+    return hn::BitCast(D16(),
+                       hn::Set(D32(), static_cast<std::int32_t>((static_cast<std::uint32_t>(high) << 16) |
+                                                                (static_cast<std::uint32_t>(low) & 0xFFFF))));
+}
+
+// The work on one vector comes in two forms, which give the same bytes:
+//   CxSpread   pixels of 24 bits to 32; with kIsPacked, the pixels as CxWords leaves them
+//   CxWords    words down to bytes, two vectors to one, in the order of fx_Packed()
+//   CxLuma     SxPixels to luma
+//   CxChroma   SxPixels to the chroma of the even ones
+//   CxToRGB32  planes to pixels
+#if HWY_TARGET == HWY_AVX3
+#include "IYUVRowsAVX512-inl.h"
+#else
+#include "IYUVRowsPortable-inl.h"
+#endif
+
+constexpr SxOrder fx_FromPacked()
+{
+    SxOrder order = {};
+    for (unsigned i = 0; i < kDwords; ++i)
+        order.dwords[i] = static_cast<std::int32_t>(fx_Packed(i));
+    return order;
+}
+constexpr SxOrder kFromPacked = fx_FromPacked();
+
+// The formats: vector i of the four that a step of pixels fills.
+
+class CxRGB32
+{
+public:
+    static constexpr unsigned kPixelBytes = 4;
+    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb32; }
+    explicit CxRGB32(unsigned) {}
+
+    HWY_INLINE V32 vector(uint8_t const* src, unsigned i) const
+    {
+        return hn::BitCast(D32(), hn::LoadU(D8(), src + i * kVector));
+    }
+};
+
+/// Each vector is loaded where its pixels start, the last one earlier, so that it ends with them.
+class CxRGB24
+{
+public:
+    static constexpr unsigned kPixelBytes = 3;
+    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb24; }
+    explicit CxRGB24(unsigned) {}
+
+    HWY_INLINE V32 vector(uint8_t const* src, unsigned i) const
+    {
+        return i < 3 ? m_early(hn::LoadU(D8(), src + i * kDwords * kPixelBytes))
+                     : m_late(hn::LoadU(D8(), src + kStep * kPixelBytes - kVector));
+    }
+
+private:
+    CxSpread<0, false> m_early;
+    CxSpread<kVector / 4, false> m_late;
+};
+
+class CxRGB48
+{
+public:
+    static constexpr unsigned kPixelBytes = 6;
+    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb48; }
+    explicit CxRGB48(unsigned shift)
+        : m_words(shift)
+    {}
+
+    HWY_INLINE V32 vector(uint8_t const* src, unsigned i) const
+    {
+        return i < 3 ? m_early(m_words.pack(src + i * kDwords * kPixelBytes))
+                     : m_late(m_words.pack(src + kStep * kPixelBytes - 2 * kVector));
+    }
+
+private:
+    CxWords m_words;
+    CxSpread<0, true> m_early;
+    CxSpread<kVector / 4, true> m_late;
+};
+
+class CxRGB64
+{
+public:
+    static constexpr unsigned kPixelBytes = 8;
+    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb64; }
+    explicit CxRGB64(unsigned shift)
+        : m_words(shift)
+        , m_order(kFromPacked.load())
+    {}
+
+    HWY_INLINE V32 vector(uint8_t const* src, unsigned i) const
+    {
+        return hn::BitCast(D32(), fx_Permute(m_words.pack(src + i * 2 * kVector), m_order));
+    }
+
+private:
+    CxWords m_words;
+    Permutation m_order;
+};
+
+/// kStep pixels. The compiler is held to the order of the addresses: out of order, the processor's prefetcher
+/// loses track, and a large picture takes up to a third longer.
+template<class Format>
+HWY_INLINE SxPixels fx_Load(Format const& format, uint8_t const* src)
+{
+    V32 const first = format.vector(src, 0);
+    HWY_FENCE;
+    V32 const second = format.vector(src, 1);
+    HWY_FENCE;
+    V32 const third = format.vector(src, 2);
+    HWY_FENCE;
+    V32 const fourth = format.vector(src, 3);
+    HWY_FENCE;
+    return {{first, second, third, fourth}};
+}
+
+// The rows. What is too short for a vector goes to the scalar twin; what is no multiple of one ends with a
+// vector that overlaps its neighbour.
+
+template<class Format>
+void fx_LumaRow(uint8_t const* src, uint8_t* y, unsigned width, unsigned shift)
+{
+    if (width < kStep || shift > CxWords::kMaxShift)
+        return Format::scalar().luma(src, y, width, shift);
+
+    Format const format(shift);
+    CxLuma const luma;
+    std::size_t const end = width - kStep;
+    for (std::size_t x = 0; x < end; x += kStep)
+        luma.store(fx_Load(format, src + x * Format::kPixelBytes), y + x);
+    luma.store(fx_Load(format, src + end * Format::kPixelBytes), y + end);
+}
+
+template<class Format>
+void fx_ColourRow(uint8_t const* src, uint8_t* y, uint8_t* u, uint8_t* v, unsigned width, unsigned shift)
+{
+    if (width < kStep || shift > CxWords::kMaxShift)
+        return Format::scalar().lumaAndChroma(src, y, u, v, width, shift);
+
+    Format const format(shift);
+    CxLuma const luma;
+    CxChroma const chroma;
+    std::size_t const end = width - kStep;
+    for (std::size_t x = 0;; x = x + kStep < end ? x + kStep : end) {
+        SxPixels const pixels = fx_Load(format, src + x * Format::kPixelBytes);
+        luma.store(pixels, y + x);
+        chroma.store(pixels, u + x / 2, v + x / 2);
+        if (x == end)
+            break;
+    }
+}
+
+void fx_Mono16Row(uint8_t const* src, uint8_t* y, unsigned width, unsigned shift)
+{
+    if (width < kVector || shift > CxWords::kMaxShift)
+        return fx_GetScalarIYUVRows().mono16(src, y, width, shift);
+
+    CxWords const words(shift);
+    Permutation const order = kFromPacked.load();
+    std::size_t const end = width - kVector;
+    for (std::size_t x = 0; x < end; x += kVector)
+        hn::StoreU(fx_Permute(words.pack(src + 2 * x), order), D8(), y + x);
+    hn::StoreU(fx_Permute(words.pack(src + 2 * end), order), D8(), y + end);
+}
+
+template<bool kIsStreamed>
+void fx_ToRGB32Rows(SxPlaneRows const& source, uint8_t* top, uint8_t* bottom, unsigned width)
+{
+    if (width < kVector)
+        return fx_GetScalarIYUVRows().toRGB32(source, top, bottom, width);
+
+    SxPlaneRows const planes = source; // which no store to the picture can change
+
+    CxToRGB32 const toRGB32;
+    std::size_t const end = width - kVector;
+    std::size_t x = 0;
+    for (; x <= end; x += kVector)
+        toRGB32.store<kIsStreamed>(planes, x, top, bottom);
+    if (x != width)
+        toRGB32.store<false>(planes, end, top, bottom); // streams need an aligned address
+    if (kIsStreamed)
+        hwy::FlushStream(); // another thread may read the picture as soon as it is handed on
+}
+
+template<class Format>
+constexpr SxColourRows fx_ColourRows()
+{
+    return {fx_LumaRow<Format>, fx_ColourRow<Format>};
+}
+
+} // namespace
+
+constexpr SxIYUVRows fx_Table(char const* name)
+{
+    return {name,
+            fx_ColourRows<CxRGB24>(),
+            fx_ColourRows<CxRGB32>(),
+            fx_ColourRows<CxRGB48>(),
+            fx_ColourRows<CxRGB64>(),
+            fx_Mono16Row,
+            fx_ToRGB32Rows<false>,
+            fx_ToRGB32Rows<true>};
+}
+
+} // namespace HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
+
+#if HWY_ONCE
+
+std::vector<SxIYUVRows const*> fx_GetSimdIYUVRows()
+{
+    std::vector<SxIYUVRows const*> tables;
+#if HWY_ARCH_X86
+    SxInstructionSets const has;
+#endif
+#if HWY_TARGETS & HWY_AVX3
+    static constexpr SxIYUVRows avx512 = N_AVX3::fx_Table("avx512");
+    if (has.avx512Bytes)
+        tables.push_back(&avx512);
+#endif
+#if HWY_TARGETS & HWY_AVX2
+    static constexpr SxIYUVRows avx2 = N_AVX2::fx_Table("avx2");
+    if (has.avx2)
+        tables.push_back(&avx2);
+#endif
+#if HWY_TARGETS & HWY_SSE4
+    static constexpr SxIYUVRows sse4 = N_SSE4::fx_Table("sse4");
+    if (has.sse4)
+        tables.push_back(&sse4);
+#endif
+#if HWY_TARGETS & HWY_NEON
+    static constexpr SxIYUVRows neon = N_NEON::fx_Table("neon"); // every 64-bit Arm has it
+    tables.push_back(&neon);
+#endif
+    return tables;
+}
+
+#endif

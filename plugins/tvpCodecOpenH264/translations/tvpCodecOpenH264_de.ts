@@ -1,0 +1,164 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>CxH264VideoLoader</name>
+    <message>
+        <source>H.264 file</source>
+        <translation>H.264-Datei</translation>
+    </message>
+</context>
+<context>
+    <name>CxH264VideoSaver</name>
+    <message>
+        <source>H.264 file</source>
+        <translation>H.264-Datei</translation>
+    </message>
+</context>
+<context>
+    <name>CxOpenH264Encoder</name>
+    <message>
+        <source>Quality:</source>
+        <translation>Qualität:</translation>
+    </message>
+    <message>
+        <source>Low</source>
+        <translation>Niedrig</translation>
+    </message>
+    <message>
+        <source>Medium</source>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>High</source>
+        <translation>Hoch</translation>
+    </message>
+    <message>
+        <source>Baseline</source>
+        <translation>Baseline</translation>
+    </message>
+    <message>
+        <source>Main</source>
+        <translation>Main</translation>
+    </message>
+    <message>
+        <source>Extended</source>
+        <translation>Extended</translation>
+    </message>
+    <message>
+        <source>High10</source>
+        <translation>High10</translation>
+    </message>
+    <message>
+        <source>High422</source>
+        <translation>High422</translation>
+    </message>
+    <message>
+        <source>High444</source>
+        <translation>High444</translation>
+    </message>
+    <message>
+        <source>CAVLC444</source>
+        <translation>CAVLC444</translation>
+    </message>
+    <message>
+        <source>1</source>
+        <translation>1</translation>
+    </message>
+    <message>
+        <source>1b</source>
+        <translation>1b</translation>
+    </message>
+    <message>
+        <source>1.1</source>
+        <translation>1.1</translation>
+    </message>
+    <message>
+        <source>1.2</source>
+        <translation>1.2</translation>
+    </message>
+    <message>
+        <source>1.3</source>
+        <translation>1.3</translation>
+    </message>
+    <message>
+        <source>2</source>
+        <translation>2</translation>
+    </message>
+    <message>
+        <source>2.1</source>
+        <translation>2.1</translation>
+    </message>
+    <message>
+        <source>2.2</source>
+        <translation>2.2</translation>
+    </message>
+    <message>
+        <source>3</source>
+        <translation>3</translation>
+    </message>
+    <message>
+        <source>3.1</source>
+        <translation>3.1</translation>
+    </message>
+    <message>
+        <source>3.2</source>
+        <translation>3.2</translation>
+    </message>
+    <message>
+        <source>4</source>
+        <translation>4</translation>
+    </message>
+    <message>
+        <source>4.1</source>
+        <translation>4.1</translation>
+    </message>
+    <message>
+        <source>4.2</source>
+        <translation>4.2</translation>
+    </message>
+    <message>
+        <source>5</source>
+        <translation>5</translation>
+    </message>
+    <message>
+        <source>5.1</source>
+        <translation>5.1</translation>
+    </message>
+    <message>
+        <source>5.2</source>
+        <translation>5.2</translation>
+    </message>
+    <message>
+        <source>Advanced</source>
+        <translation>Erweitert</translation>
+    </message>
+    <message>
+        <source>Key frames:</source>
+        <translation>Schlüsselbilder:</translation>
+    </message>
+    <message>
+        <source>Complexity:</source>
+        <translation>Komplexität:</translation>
+    </message>
+    <message>
+        <source>Profile IDC:</source>
+        <translation>Profil-IDC:</translation>
+    </message>
+    <message>
+        <source>Level IDC:</source>
+        <translation>Level-IDC:</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Standard</translation>
+    </message>
+</context>
+<context>
+    <name>CxPluginCodecOpenH264</name>
+    <message>
+        <source>OpenH264 Codecs</source>
+        <translation>OpenH264-Codecs</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,324 @@
+#include "support/RowsCheck.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <vector>
+
+using std::size_t;
+using std::uint8_t;
+
+namespace {
+
+constexpr size_t kGuard = 64;
+constexpr uint8_t kUntouched = 0xA5;
+
+// Of all results, in the order in which the checks make them.
+constexpr std::uint64_t kColoursHash = 0xB56F460179E0C97B;
+constexpr std::uint64_t kSamplesHash = 0x62D5AD49C37B8525;
+constexpr std::uint64_t kShiftsHash = 0x01B270E9E29A7245;
+
+/// FNV-1a, eight bytes a step.
+class CxHash
+{
+public:
+    void add(uint8_t const* bytes, size_t size)
+    {
+        for (size_t i = 0; i < size; i += 8) {
+            std::uint64_t part = 0;
+            for (size_t j = 0; j < 8 && i + j < size; ++j)
+                part |= std::uint64_t(bytes[i + j]) << 8 * j;
+            m_value = (m_value ^ part) * 0x100000001B3;
+        }
+    }
+    std::uint64_t value() const { return m_value; }
+
+private:
+    std::uint64_t m_value = 0xCBF29CE484222325;
+};
+
+std::string fx_HashError(CxHash const& hash, std::uint64_t expected)
+{
+    if (hash.value() == expected)
+        return {};
+    char text[64];
+    std::snprintf(text, sizeof text, "checksum 0x%016llX", static_cast<unsigned long long>(hash.value()));
+    return text;
+}
+
+/// The target of a kernel: bytes between guards.
+class CxTarget
+{
+public:
+    explicit CxTarget(size_t size)
+        : m_bytes(size + 2 * kGuard, kUntouched)
+    {}
+
+    uint8_t* data() { return m_bytes.data() + kGuard; }
+    size_t size() const { return m_bytes.size() - 2 * kGuard; }
+    bool operator==(CxTarget const& other) const { return m_bytes == other.m_bytes; }
+
+private:
+    std::vector<uint8_t> m_bytes;
+};
+
+/// Luma and chroma of a row, with and without chroma.
+struct SxPlanes
+{
+    explicit SxPlanes(unsigned width)
+        : luma(width)
+        , y(width)
+        , u(width / 2)
+        , v(width / 2)
+    {}
+
+    void convert(SxColourRows const& rows, uint8_t const* src, unsigned width, unsigned shift)
+    {
+        rows.luma(src, luma.data(), width, shift);
+        rows.lumaAndChroma(src, y.data(), u.data(), v.data(), width, shift);
+    }
+    bool operator==(SxPlanes const& other) const
+    {
+        return luma == other.luma && y == other.y && u == other.u && v == other.v;
+    }
+
+    CxTarget luma, y, u, v;
+};
+
+struct SxFormat
+{
+    char const* name;
+    SxColourRows SxIYUVRows::*rows;
+    unsigned components;
+    bool isWords;
+
+    unsigned pixelBytes() const { return components * (isWords ? 2 : 1); }
+};
+
+constexpr SxFormat kFormats[] = {
+    {"rgb24", &SxIYUVRows::rgb24, 3, false},
+    {"rgb32", &SxIYUVRows::rgb32, 4, false},
+    {"rgb48", &SxIYUVRows::rgb48, 3, true},
+    {"rgb64", &SxIYUVRows::rgb64, 4, true},
+};
+
+std::vector<uint8_t> fx_Noise(size_t size, unsigned seed)
+{
+    std::vector<uint8_t> bytes(size);
+    std::minstd_rand random(seed);
+    std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<uint8_t>(random() >> 8); });
+    return bytes;
+}
+
+/// Sets one component of a row to value(x). Words keep their noise around bits 4 to 11.
+template<class Value>
+void fx_SetComponent(SxFormat const& format, std::vector<uint8_t>& row, unsigned component, Value value)
+{
+    for (unsigned x = 0; x < row.size() / format.pixelBytes(); ++x) {
+        uint8_t* const pixel = row.data() + size_t(x) * format.pixelBytes();
+        if (!format.isWords) {
+            pixel[component] = static_cast<uint8_t>(value(x));
+            continue;
+        }
+        std::uint16_t word;
+        std::memcpy(&word, pixel + 2 * component, sizeof word);
+        word = static_cast<std::uint16_t>((word & 0xF00F) | value(x) << 4);
+        std::memcpy(pixel + 2 * component, &word, sizeof word);
+    }
+}
+
+} // namespace
+
+std::string fx_CheckColours(SxIYUVRows const& rows)
+{
+    constexpr unsigned kGreens = 8, kWidth = kGreens * 512;
+    for (SxFormat const& format : kFormats) {
+        CxHash hash;
+        std::vector<uint8_t> row = fx_Noise(size_t(kWidth) * format.pixelBytes(), 1);
+        unsigned const shift = format.isWords ? 4 : 0;
+        SxPlanes expected(kWidth), actual(kWidth);
+        // In pairs of pixels, so that each colour is a left one.
+        fx_SetComponent(format, row, 2, [](unsigned x) { return x / 2 % 256; });
+        for (unsigned blue = 0; blue < 256; ++blue) {
+            fx_SetComponent(format, row, 0, [blue](unsigned) { return blue; });
+            for (unsigned green = 0; green < 256; green += kGreens) {
+                fx_SetComponent(format, row, 1, [green](unsigned x) { return green + x / 512; });
+                expected.convert(fx_GetScalarIYUVRows().*format.rows, row.data(), kWidth, shift);
+                actual.convert(rows.*format.rows, row.data(), kWidth, shift);
+                if (!(actual == expected))
+                    return std::string(format.name) + " differs at blue " + std::to_string(blue);
+                hash.add(actual.y.data(), kWidth);
+                hash.add(actual.u.data(), kWidth / 2);
+                hash.add(actual.v.data(), kWidth / 2);
+            }
+        }
+        // Every format holds the same colours.
+        std::string const error = fx_HashError(hash, kColoursHash);
+        if (!error.empty())
+            return std::string(format.name) + ": " + error;
+    }
+    return {};
+}
+
+std::string fx_CheckSamples(SxIYUVRows const& rows)
+{
+    constexpr unsigned kWidth = 2 * 256; // all V for one U
+    CxHash hash;
+    std::vector<uint8_t> top(kWidth), bottom(kWidth), u(kWidth / 2), v(kWidth / 2);
+    for (unsigned i = 0; i < kWidth / 2; ++i)
+        v[i] = static_cast<uint8_t>(i);
+    std::vector<uint8_t> expected(2 * kWidth * 4), actual(expected.size());
+    std::vector<uint8_t> memory(expected.size() + kStreamAlignment);
+    size_t const lead = kStreamAlignment - reinterpret_cast<std::uintptr_t>(memory.data()) % kStreamAlignment;
+    uint8_t* const aligned = memory.data() + lead;
+    SxPlaneRows const planes = {{top.data(), bottom.data()}, u.data(), v.data()};
+    for (unsigned luma = 0; luma < 256; ++luma) {
+        for (unsigned cb = 0; cb < 256; ++cb) {
+            std::fill(top.begin(), top.end(), static_cast<uint8_t>(luma));
+            std::fill(bottom.begin(), bottom.end(), static_cast<uint8_t>(255 - luma));
+            std::fill(u.begin(), u.end(), static_cast<uint8_t>(cb));
+            size_t const row = kWidth * 4;
+            fx_GetScalarIYUVRows().toRGB32(planes, expected.data(), expected.data() + row, kWidth);
+            rows.toRGB32(planes, actual.data(), actual.data() + row, kWidth);
+            rows.toRGB32Streamed(planes, aligned, aligned + row, kWidth);
+            if (actual != expected || !std::equal(expected.begin(), expected.end(), aligned))
+                return "differs at luma " + std::to_string(luma) + ", U " + std::to_string(cb);
+            hash.add(actual.data(), row);
+        }
+    }
+    return fx_HashError(hash, kSamplesHash);
+}
+
+std::string fx_CheckShifts(SxIYUVRows const& rows)
+{
+    CxHash hash;
+    for (unsigned components : {1u, 3u, 4u}) {
+        std::vector<std::uint16_t> words(65536 * components);
+        for (size_t i = 0; i < words.size(); ++i)
+            words[i] = static_cast<std::uint16_t>(i / components * (i % components * 4242 + 1));
+        uint8_t const* const src = reinterpret_cast<uint8_t const*>(words.data());
+        for (unsigned shift = 0; shift < 32; ++shift) {
+            SxPlanes expected(65536), actual(65536);
+            if (components == 1) {
+                fx_GetScalarIYUVRows().mono16(src, expected.y.data(), 65536, shift);
+                rows.mono16(src, actual.y.data(), 65536, shift);
+            } else {
+                auto const format = components == 3 ? &SxIYUVRows::rgb48 : &SxIYUVRows::rgb64;
+                expected.convert(fx_GetScalarIYUVRows().*format, src, 65536, shift);
+                actual.convert(rows.*format, src, 65536, shift);
+            }
+            if (!(actual == expected))
+                return std::to_string(components) + " words a pixel differ at shift " + std::to_string(shift);
+            hash.add(actual.y.data(), actual.y.size());
+            hash.add(actual.u.data(), actual.u.size());
+            hash.add(actual.v.data(), actual.v.size());
+        }
+    }
+    return fx_HashError(hash, kShiftsHash);
+}
+
+static std::vector<unsigned> fx_Widths()
+{
+    std::vector<unsigned> widths;
+    for (unsigned width = 0; width <= 3 * 64 + 2; ++width)
+        widths.push_back(width);
+    for (unsigned const usual : {640u, 1000u, 1920u, 4096u})
+        for (unsigned width = usual - 3; width <= usual + 3; ++width)
+            widths.push_back(width);
+    return widths;
+}
+
+/// A copy whose end is the end of its memory, at an odd or even address.
+static std::vector<uint8_t> fx_Source(size_t size, size_t misalignment)
+{
+    return fx_Noise(misalignment + size, static_cast<unsigned>(size + misalignment));
+}
+
+/// Rows of RGB32 between guards, each at an address that streams accept, or \p misalignment behind it.
+class CxPixelRows
+{
+public:
+    CxPixelRows(unsigned width, size_t misalignment)
+        : m_bytes(2 * (size_t(width) * 4 + 3 * kStreamAlignment), kUntouched)
+        , m_row(kStreamAlignment - reinterpret_cast<std::uintptr_t>(m_bytes.data()) % kStreamAlignment +
+                misalignment)
+    {}
+
+    uint8_t* top() { return m_bytes.data() + m_row; }
+    uint8_t* bottom()
+    {
+        return top() + (m_bytes.size() / 2 - kStreamAlignment) / kStreamAlignment * kStreamAlignment;
+    }
+    /// Compares what stands around the rows as well.
+    bool operator==(CxPixelRows& other)
+    {
+        size_t const before = std::min(m_row, other.m_row);
+        size_t const after = m_bytes.size() - std::max(m_row, other.m_row);
+        return std::equal(top() - before, top() + after, other.top() - before);
+    }
+
+private:
+    std::vector<uint8_t> m_bytes;
+    size_t m_row;
+};
+
+static bool fx_IsSameBack(SxIYUVRows const& rows, unsigned width, size_t misalignment, bool isLone)
+{
+    std::vector<uint8_t> const y0 = fx_Source(width, misalignment), y1 = fx_Source(width, 2 * misalignment);
+    std::vector<uint8_t> const u = fx_Source(width / 2, misalignment),
+                               v = fx_Source(width / 2, 3 * misalignment);
+    uint8_t const* const top = y0.data() + misalignment;
+    SxPlaneRows const planes = {{top, isLone ? top : y1.data() + 2 * misalignment},
+                                u.data() + misalignment,
+                                v.data() + 3 * misalignment};
+    auto const convert = [&](FxRGB32Rows kernel, CxPixelRows& target) {
+        kernel(planes, target.top(), isLone ? target.top() : target.bottom(), width);
+    };
+    CxPixelRows expected(width, 0), actual(width, misalignment), streamed(width, 0);
+    convert(fx_GetScalarIYUVRows().toRGB32, expected);
+    convert(rows.toRGB32, actual);
+    convert(rows.toRGB32Streamed, streamed);
+    return actual == expected && streamed == expected;
+}
+
+std::string fx_CheckWidths(SxIYUVRows const& rows)
+{
+    for (unsigned const width : fx_Widths()) {
+        for (size_t const misalignment : {0u, 1u}) {
+            auto const at = [&](char const* what) {
+                return std::string(what) + " differs at width " + std::to_string(width) + ", address + " +
+                       std::to_string(misalignment);
+            };
+            for (SxFormat const& format : kFormats) {
+                std::vector<uint8_t> const source =
+                    fx_Source(size_t(width) * format.pixelBytes(), misalignment);
+                uint8_t const* const src = source.data() + misalignment;
+                CxTarget expected(width), actual(width);
+                (fx_GetScalarIYUVRows().*format.rows).luma(src, expected.data(), width, 3);
+                (rows.*format.rows).luma(src, actual.data(), width, 3);
+                if (!(actual == expected))
+                    return at(format.name);
+                if (width % 2 != 0)
+                    continue; // pairs only
+                SxPlanes expectedPlanes(width), actualPlanes(width);
+                expectedPlanes.convert(fx_GetScalarIYUVRows().*format.rows, src, width, 3);
+                actualPlanes.convert(rows.*format.rows, src, width, 3);
+                if (!(actualPlanes == expectedPlanes))
+                    return at(format.name);
+            }
+
+            std::vector<uint8_t> const source = fx_Source(size_t(width) * 2, misalignment);
+            CxTarget expected(width), actual(width);
+            fx_GetScalarIYUVRows().mono16(source.data() + misalignment, expected.data(), width, 5);
+            rows.mono16(source.data() + misalignment, actual.data(), width, 5);
+            if (!(actual == expected))
+                return at("mono16");
+
+            if (width % 2 == 0 && !(fx_IsSameBack(rows, width, misalignment, false) &&
+                                    fx_IsSameBack(rows, width, misalignment, true)))
+                return at("toRGB32");
+        }
+    }
+    return {};
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "IYUVRows.h"
+
+/// Proofs that a table of row kernels gives the bytes of its scalar twin and, so that the two cannot drift
+/// together, that these have the checksums they always had. Without Qt: the program that runs them on foreign
+/// processors has none.
+///
+/// Each returns what is wrong, or nothing. Buffers are exactly as large as the rows, so that the address
+/// sanitizer sees a stray read, and lie between guard bytes, which show a stray write.
+
+/// All 2^24 colours in all four formats, words of 12 bits with noise above and below the bits that count.
+std::string fx_CheckColours(SxIYUVRows const& rows);
+
+/// All 2^24 (Y, U, V), into cached and into streamed rows.
+std::string fx_CheckSamples(SxIYUVRows const& rows);
+
+/// All words in all word formats at every shift from 0 to 31.
+std::string fx_CheckShifts(SxIYUVRows const& rows);
+
+/// Every width from 0 to three of the widest vectors and around those of usual pictures, at odd addresses.
+std::string fx_CheckWidths(SxIYUVRows const& rows);
