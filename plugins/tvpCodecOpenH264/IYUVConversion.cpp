@@ -187,9 +187,9 @@ void fx_LastPairToRGB32(SxDecoded const& picture, FxRGB32Rows toRGB32, quint64 r
     std::memcpy(picture.row(r) + x * 4, pixels, bytes);
 }
 
-/// A picture of half a usual last-level cache and more is written past it, so that the decoder's reference
-/// pictures stay there. Smaller ones, 1920 x 1080 among them, are faster read again from the cache.
-constexpr quint64 kStreamedBytes = 1u << 24;
+/// Pictures of a megapixel and more are written past the cache. They would drive out the decoder's reference
+/// pictures, and be driven out themselves before anybody reads them.
+constexpr quint64 kStreamedBytes = 1u << 22;
 
 bool fx_IsStreamed(SxPicBuf const& target)
 {
@@ -275,7 +275,8 @@ bool ConvertIYUVtoRGB32(SxPicBuf& target, unsigned char const* y, unsigned char 
         return true;
 
     SxIYUVRows const& rows = fx_GetIYUVRows();
-    FxRGB32Rows const toRGB32 = fx_IsStreamed(target) ? rows.toRGB32Streamed : rows.toRGB32;
+    bool const isStreamed = fx_IsStreamed(target);
+    FxRGB32Rows const toRGB32 = isStreamed ? rows.toRGB32Streamed : rows.toRGB32;
     SxDecoded const picture = {target, y, u, v, yStride, uvStride};
     for (quint64 r = 0; r < target.height; r += 2) {
         bool const isLone = picture.isLastRow(r);
@@ -286,5 +287,7 @@ bool ConvertIYUVtoRGB32(SxPicBuf& target, unsigned char const* y, unsigned char 
                 fx_LastPairToRGB32(picture, rows.toRGB32, r + 1);
         }
     }
+    if (isStreamed)
+        fx_FinishStreams();
     return true;
 }

@@ -47,11 +47,14 @@ struct SxIYUVRows
     FxLumaRow mono16;   ///< grey words
     FxRGB32Rows toRGB32;
     /// The same past the cache, for pictures that would only drive out what is needed sooner. The rows
-    /// start at multiples of kStreamAlignment.
+    /// start at multiples of kStreamAlignment. fx_FinishStreams() ends a picture.
     FxRGB32Rows toRGB32Streamed;
 };
 
 constexpr unsigned kStreamAlignment = 64;
+
+/// Makes streamed rows readable for other threads. Once a picture: it waits for the memory.
+void fx_FinishStreams();
 
 /// The definition, written to be read; every other table gives the same bytes.
 SxIYUVRows const& fx_GetScalarIYUVRows();

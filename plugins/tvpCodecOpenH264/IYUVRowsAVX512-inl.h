@@ -187,12 +187,12 @@ constexpr SxByteOrder fx_InTurn()
     return order;
 }
 
-/// Four bytes each, for sixteen samples in every block.
-constexpr SxByteOrder fx_FourTimes()
+/// Each of the sixteen samples of \p block four times.
+constexpr SxByteOrder fx_FourTimes(unsigned block)
 {
     SxByteOrder order = {};
     for (unsigned i = 0; i < kVector; ++i)
-        order.bytes[i] = static_cast<uint8_t>(i / 16 * 4 + i % 16 / 4);
+        order.bytes[i] = static_cast<uint8_t>(block * 16 + i / 4);
     return order;
 }
 
@@ -209,37 +209,58 @@ constexpr SxByteOrder fx_Change(unsigned block)
 }
 
 /// As the portable form, but what chroma adds and takes away is brought into the order of the pixels once for
-/// two rows, so that a row is luma four times, an addition and a subtraction.
+/// two rows, so that a row is luma four times, an addition and a subtraction. And it is computed a step
+/// ahead: a step is longer than what the processor looks ahead, which would wait for it.
 class CxToRGB32
 {
 public:
-    CxToRGB32()
+    explicit CxToRGB32(SxPlaneRows const& planes)
         : m_inTurn(kInTurn.load())
-        , m_fourTimes(kFourTimes.load())
+        , m_change(change(planes, 0))
     {}
 
-    /// kVector pixels of both rows at pixel x.
+    /// kVector pixels of both rows at pixel x; those at pixel \p next come next.
     template<bool kIsStreamed>
-    HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, uint8_t* top, uint8_t* bottom) const
+    HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, std::size_t next, uint8_t* top,
+                          uint8_t* bottom)
+    {
+        SxChange const now = m_change;
+        m_change = change(planes, next);
+        SxLuma const luma = {_mm512_loadu_si512(planes.y[0] + x), _mm512_loadu_si512(planes.y[1] + x)};
+        block<kIsStreamed, 0>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsStreamed, 1>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsStreamed, 2>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsStreamed, 3>(luma, now, top + 4 * x, bottom + 4 * x);
+    }
+
+private:
+    static constexpr SxByteOrder kInTurn = fx_InTurn();
+    static constexpr SxByteOrder kFourTimes[4] = {fx_FourTimes(0), fx_FourTimes(1), fx_FourTimes(2),
+                                                  fx_FourTimes(3)};
+    static constexpr SxByteOrder kOrder[4] = {fx_Change(0), fx_Change(1), fx_Change(2), fx_Change(3)};
+
+    struct SxLuma
+    {
+        __m512i top, bottom;
+    };
+
+    /// What chroma adds and what it takes away: blue and green, red and the fourth byte.
+    struct SxChange
+    {
+        __m512i more, moreRed, less, lessRed;
+    };
+
+    HWY_INLINE SxChange change(SxPlaneRows const& planes, std::size_t x) const
     {
         __m512i const uv =
             _mm512_permutex2var_epi8(samples(planes.u + x / 2), m_inTurn.raw, samples(planes.v + x / 2));
         __m512i const zero = _mm512_setzero_si512();
         __m512i const blue = fx_Blue(uv), green = fx_Green(uv), red = fx_Red(uv);
         // Packing makes what is negative 0. The fourth byte is lifted to 255 and nothing is taken from it.
-        __m512i const moreRed = _mm512_packus_epi16(red, _mm512_set1_epi16(0x7FFF));
-        __m512i const lessRed = _mm512_packus_epi16(_mm512_sub_epi16(zero, red), zero);
-        __m512i const more = _mm512_packus_epi16(blue, green);
-        __m512i const less = _mm512_packus_epi16(_mm512_sub_epi16(zero, blue), _mm512_sub_epi16(zero, green));
-        block<kIsStreamed, 0>(planes, x, more, moreRed, less, lessRed, top, bottom);
-        block<kIsStreamed, 1>(planes, x, more, moreRed, less, lessRed, top, bottom);
-        block<kIsStreamed, 2>(planes, x, more, moreRed, less, lessRed, top, bottom);
-        block<kIsStreamed, 3>(planes, x, more, moreRed, less, lessRed, top, bottom);
+        return {_mm512_packus_epi16(blue, green), _mm512_packus_epi16(red, _mm512_set1_epi16(0x7FFF)),
+                _mm512_packus_epi16(_mm512_sub_epi16(zero, blue), _mm512_sub_epi16(zero, green)),
+                _mm512_packus_epi16(_mm512_sub_epi16(zero, red), zero)};
     }
-
-private:
-    static constexpr SxByteOrder kInTurn = fx_InTurn(), kFourTimes = fx_FourTimes();
-    static constexpr SxByteOrder kOrder[4] = {fx_Change(0), fx_Change(1), fx_Change(2), fx_Change(3)};
 
     static HWY_INLINE __m512i samples(uint8_t const* src)
     {
@@ -280,27 +301,26 @@ private:
 
     /// Sixteen pixels of both rows.
     template<bool kIsStreamed, unsigned kBlock>
-    HWY_INLINE void block(SxPlaneRows const& planes, std::size_t x, __m512i more, __m512i moreRed,
-                          __m512i less, __m512i lessRed, uint8_t* top, uint8_t* bottom) const
+    static HWY_INLINE void block(SxLuma const& luma, SxChange const& change, uint8_t* top, uint8_t* bottom)
     {
-        __m512i const add = _mm512_permutex2var_epi8(more, kOrder[kBlock].load().raw, moreRed);
-        __m512i const subtract = _mm512_permutex2var_epi8(less, kOrder[kBlock].load().raw, lessRed);
-        std::size_t const at = x + 16 * kBlock;
-        put<kIsStreamed>(planes.y[0] + at, add, subtract, top + 4 * at);
-        put<kIsStreamed>(planes.y[1] + at, add, subtract, bottom + 4 * at);
+        __m512i const order = kOrder[kBlock].load().raw;
+        __m512i const add = _mm512_permutex2var_epi8(change.more, order, change.moreRed);
+        __m512i const subtract = _mm512_permutex2var_epi8(change.less, order, change.lessRed);
+        put<kIsStreamed, kBlock>(luma.top, add, subtract, top);
+        put<kIsStreamed, kBlock>(luma.bottom, add, subtract, bottom);
     }
 
-    template<bool kIsStreamed>
-    HWY_INLINE void put(uint8_t const* y, __m512i add, __m512i subtract, uint8_t* dst) const
+    template<bool kIsStreamed, unsigned kBlock>
+    static HWY_INLINE void put(__m512i luma, __m512i add, __m512i subtract, uint8_t* dst)
     {
-        __m128i const samples = _mm_loadu_si128(reinterpret_cast<__m128i const*>(y));
-        __m512i const luma = _mm512_shuffle_epi8(_mm512_broadcast_i32x4(samples), m_fourTimes.raw);
-        __m512i const pixels = _mm512_subs_epu8(_mm512_adds_epu8(luma, add), subtract);
+        __m512i const grey = _mm512_permutexvar_epi8(kFourTimes[kBlock].load().raw, luma);
+        __m512i const pixels = _mm512_subs_epu8(_mm512_adds_epu8(grey, add), subtract);
         if (kIsStreamed)
-            _mm512_stream_si512(reinterpret_cast<__m512i*>(dst), pixels);
+            _mm512_stream_si512(reinterpret_cast<__m512i*>(dst + kBlock * kVector), pixels);
         else
-            _mm512_storeu_si512(dst, pixels);
+            _mm512_storeu_si512(dst + kBlock * kVector, pixels);
     }
 
-    V8 m_inTurn, m_fourTimes;
+    V8 m_inTurn;
+    SxChange m_change;
 };

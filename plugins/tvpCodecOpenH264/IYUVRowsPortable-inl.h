@@ -255,14 +255,15 @@ constexpr SxByteOrder fx_LowBytesTwice()
 class CxToRGB32
 {
 public:
-    CxToRGB32()
+    explicit CxToRGB32(SxPlaneRows const&)
         : m_order(kOrder.load())
         , m_twice(kTwice.load())
     {}
 
     /// kVector pixels of both rows at pixel x.
     template<bool kIsStreamed>
-    HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, uint8_t* top, uint8_t* bottom) const
+    HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, std::size_t, uint8_t* top,
+                          uint8_t* bottom) const
     {
         V16 const u = samples(planes.u + x / 2), v = samples(planes.v + x / 2);
         SxChange const blue = change(fx_Blue(u)), green = change(fx_Green(u, v)), red = change(fx_Red(v));

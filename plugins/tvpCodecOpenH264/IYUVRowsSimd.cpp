@@ -269,15 +269,14 @@ void fx_ToRGB32Rows(SxPlaneRows const& source, uint8_t* top, uint8_t* bottom, un
 
     SxPlaneRows const planes = source; // which no store to the picture can change
 
-    CxToRGB32 const toRGB32;
+    CxToRGB32 toRGB32(planes);
     std::size_t const end = width - kVector;
-    std::size_t x = 0;
-    for (; x <= end; x += kVector)
-        toRGB32.store<kIsStreamed>(planes, x, top, bottom);
-    if (x != width)
-        toRGB32.store<false>(planes, end, top, bottom); // streams need an aligned address
-    if (kIsStreamed)
-        hwy::FlushStream(); // another thread may read the picture as soon as it is handed on
+    for (std::size_t x = 0; x < end;) {
+        std::size_t const next = x + kVector < end ? x + kVector : end;
+        toRGB32.store<kIsStreamed>(planes, x, next, top, bottom);
+        x = next;
+    }
+    toRGB32.store<false>(planes, end, end, top, bottom); // streams need an aligned address
 }
 
 template<class Format>
@@ -334,5 +333,7 @@ std::vector<SxIYUVRows const*> fx_GetSimdIYUVRows()
 #endif
     return tables;
 }
+
+void fx_FinishStreams() { hwy::FlushStream(); }
 
 #endif
