@@ -583,7 +583,7 @@ void tst_IYUVConversion::picturesBack_data()
             QTest::addRow("%ux%u, luma alone padded", width, height) << width << height << 0u << 5u << 0u;
         }
     }
-    // From 16 MiB on, pictures of aligned rows are written past the cache.
+    // From 4 MiB on, pictures of aligned rows are written past the cache.
     QTest::newRow("2048x2048") << 2048u << 2048u << 0u << 0u << 0u;
     QTest::newRow("2049x2049, padded") << 2049u << 2049u << 60u << 9u << 3u;
     QTest::newRow("2049x2049") << 2049u << 2049u << 0u << 1u << 0u;
