@@ -108,7 +108,11 @@ static void encode_to_EncodeFrame(benchmark::State& state)
         fx_ReportRatio(state, 1.03, ourTime / (kPictures - 1), bareTime / (kPictures - 1));
     }
 }
-BENCHMARK(encode_to_EncodeFrame)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(encode_to_EncodeFrame)
+    ->Name("encode() to EncodeFrame() alone")
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 
 // --- loadedData() -----------------------------------------------------------------------------------
 
@@ -218,7 +222,11 @@ static void loadedData_to_DecodeFrame2(benchmark::State& state)
         fx_ReportRatio(state, 1.04, ourTime / count, bareTime / count);
     }
 }
-BENCHMARK(loadedData_to_DecodeFrame2)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(loadedData_to_DecodeFrame2)
+    ->Name("loadedData() in order to OpenH264 alone")
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
 
 static void random_access_to_frames_fed(benchmark::State& state)
 {
@@ -246,6 +254,7 @@ static void random_access_to_frames_fed(benchmark::State& state)
     }
 }
 BENCHMARK(random_access_to_frames_fed)
+    ->Name("random access to OpenH264 alone")
     ->ArgName("key_frame_rate")
     ->Arg(5)
     ->Arg(30)
@@ -277,6 +286,12 @@ static void page_faults_a_picture(benchmark::State& state)
     }
     state.counters["bar"] = 50;
 }
-BENCHMARK(page_faults_a_picture)->Args({640, 480})->Args({1920, 1080})->Args({4096, 2304})->Iterations(1);
+BENCHMARK(page_faults_a_picture)
+    ->Name("page faults a picture")
+    ->ArgNames({"width", "height"})
+    ->Args({640, 480})
+    ->Args({1920, 1080})
+    ->Args({4096, 2304})
+    ->Iterations(1);
 
 BENCHMARK_MAIN();

@@ -54,7 +54,10 @@ static void work_a_frame_million_to_thousand(benchmark::State& state)
     fx_CompareWork(
         state, 1.02, [&] { fx_Play(*large); }, [&] { fx_Play(*small); });
 }
-BENCHMARK(work_a_frame_million_to_thousand)->UseManualTime()->Iterations(41);
+BENCHMARK(work_a_frame_million_to_thousand)
+    ->Name("work a frame with 1000000 entries to 1000")
+    ->UseManualTime()
+    ->Iterations(41);
 
 static void index_bytes_an_entry(benchmark::State& state)
 {
@@ -67,6 +70,6 @@ static void index_bytes_an_entry(benchmark::State& state)
     }
     state.counters["bar"] = 44;
 }
-BENCHMARK(index_bytes_an_entry)->Iterations(1);
+BENCHMARK(index_bytes_an_entry)->Name("bytes an entry")->Iterations(1);
 
 BENCHMARK_MAIN();

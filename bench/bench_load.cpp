@@ -81,7 +81,13 @@ static void load_to_memchr(benchmark::State& state)
     fx_CompareWork(
         state, frameBytes > 10000 ? 1.25 : 1.8, [&] { fx_Load(name); }, [&] { fx_SearchFreshMapping(name); });
 }
-BENCHMARK(load_to_memchr)->ArgName("frame_bytes")->Arg(80000)->Arg(1400)->UseManualTime()->Iterations(9);
+BENCHMARK(load_to_memchr)
+    ->Name("load() to memchr()")
+    ->ArgName("frame_bytes")
+    ->Arg(80000)
+    ->Arg(1400)
+    ->UseManualTime()
+    ->Iterations(9);
 
 static void load_to_read(benchmark::State& state)
 {
@@ -89,6 +95,12 @@ static void load_to_read(benchmark::State& state)
     fx_CompareWork(
         state, 0, [&] { fx_Load(name); }, [&] { fx_ReadAll(name); });
 }
-BENCHMARK(load_to_read)->ArgName("frame_bytes")->Arg(80000)->Arg(1400)->UseManualTime()->Iterations(9);
+BENCHMARK(load_to_read)
+    ->Name("load() to read()")
+    ->ArgName("frame_bytes")
+    ->Arg(80000)
+    ->Arg(1400)
+    ->UseManualTime()
+    ->Iterations(9);
 
 BENCHMARK_MAIN();
