@@ -69,21 +69,10 @@ private:
     __m512i m_bits;
 };
 
-/// Words divided by \p kDivisor and packed to bytes, block by block. One high product is exact for every
-/// dividend up to 59123 with 125, for every dividend at all with 250, of which the words hold one more.
-template<int kDivisor>
-HWY_INLINE __m512i fx_Quotients(__m512i a, __m512i b)
-{
-    constexpr unsigned kShift = kDivisor == 125 ? 6 : 7;
-    __m512i const factor = _mm512_set1_epi16(static_cast<short>(kDivisor == 125 ? 33555 : 33554));
-    return _mm512_packus_epi16(_mm512_srli_epi16(_mm512_mulhi_epu16(a, factor), kShift),
-                               _mm512_srli_epi16(_mm512_mulhi_epu16(b, factor), kShift));
-}
-
 /// Weights for dot products of pixels.
 HWY_INLINE __m512i fx_Weights(int blue, int green, int red)
 {
-    return _mm512_set1_epi32((red & 0xFF) << 16 | (green & 0xFF) << 8 | (blue & 0xFF));
+    return _mm512_set1_epi32(red << 16 | green << 8 | blue);
 }
 
 class CxLuma
@@ -98,11 +87,19 @@ public:
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* y) const
     {
         V8 const bytes{
-            fx_Quotients<125>(eighths(pixels.v[0], pixels.v[1]), eighths(pixels.v[2], pixels.v[3]))};
+            _mm512_packus_epi16(quotients(pixels.v[0], pixels.v[1]), quotients(pixels.v[2], pixels.v[3]))};
         hn::StoreU(fx_Permute(bytes, m_order), D8(), y);
     }
 
 private:
+    /// Eighths by 125 with one high product, exact for every dividend up to 59123.
+    HWY_INLINE __m512i quotients(V32 a, V32 b) const
+    {
+        __m512i const product =
+            _mm512_mulhi_epu16(eighths(a, b), _mm512_set1_epi16(static_cast<short>(33555)));
+        return _mm512_srli_epi16(product, 6);
+    }
+
     HWY_INLINE __m512i eighths(V32 a, V32 b) const { return _mm512_packs_epi32(eighth(a), eighth(b)); }
 
     /// (114 B + 587 G + 299 R) / 8 = 14 B + 73 G + 37 R + (2 B + 3 G + 3 R) / 8, in weights that fit a byte.
@@ -134,17 +131,18 @@ class CxChroma
 {
 public:
     CxChroma()
-        : m_u{fx_Weights(125, -83, -42), fx_Weights(0, 1, -1)}
-        , m_v{fx_Weights(-20, -105, 125), fx_Weights(-1, 1, 0)}
+        : m_u(500, -331, -169)
+        , m_v(-81, -419, 500)
         , m_order(kOrder.load())
     {}
 
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* u, uint8_t* v) const
     {
-        __m512i const a = fx_EvenDwords(pixels.v[0], pixels.v[1]),
-                      b = fx_EvenDwords(pixels.v[2], pixels.v[3]);
-        __m512i const bytes =
-            _mm512_permutexvar_epi8(m_order.raw, fx_Quotients<250>(m_u.quarters(a, b), m_v.quarters(a, b)));
+        SxPairs const a(fx_EvenDwords(pixels.v[0], pixels.v[1])), b(fx_EvenDwords(pixels.v[2], pixels.v[3]));
+        __m512i const quotients = _mm512_packs_epi16(_mm512_packs_epi32(m_u.quotient(a), m_u.quotient(b)),
+                                                     _mm512_packs_epi32(m_v.quotient(a), m_v.quotient(b)));
+        __m512i const lifted = _mm512_xor_si512(quotients, _mm512_set1_epi8(-128)); // + 128
+        __m512i const bytes = _mm512_permutexvar_epi8(m_order.raw, lifted);
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(u), _mm512_castsi512_si256(bytes));
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(v), _mm512_extracti64x4_epi64(bytes, 1));
     }
@@ -152,26 +150,37 @@ public:
 private:
     static constexpr SxByteOrder kOrder = fx_ChromaBytes();
 
-    /// A sum of four times \p wholes and \p rests of the pixels, in weights that fit a byte.
+    /// Pixels as pairs of words: blue and red; green and the fourth byte, which has no weight.
+    struct SxPairs
+    {
+        HWY_INLINE explicit SxPairs(__m512i pixels)
+            : blueRed(_mm512_and_si512(pixels, _mm512_set1_epi32(0x00FF00FF)))
+            , green(_mm512_srli_epi16(pixels, 8))
+        {}
+
+        __m512i blueRed, green;
+    };
+
     struct SxWeights
     {
-        /// Quarters of the sums of two vectors, which are at most 127500 either way, lifted by 32000 and one.
-        /// The division goes on rounding down. To be rounded toward zero, a negative sum needs 999 more, but
-        /// not so much that it passes 0.
-        HWY_INLINE __m512i quarters(__m512i a, __m512i b) const
+        SxWeights(int blue, int green, int red)
+            : blueRed(fx_SetPairs(blue, red).raw)
+            , onlyGreen(fx_SetPairs(green, 0).raw)
+        {}
+
+        /// The weighted sum by 1000, toward zero. Floating point holds the sum; the factor is the least that
+        /// is not below 1 / 1000, so that multiples of 1000 stay whole, and nothing else reaches one. The
+        /// thread's rounding mode and exceptions have no part in it.
+        HWY_INLINE __m512i quotient(SxPairs const& pairs) const
         {
-            __m512i const lift = _mm512_set1_epi32(32001), none = _mm512_setzero_si512();
-            __m512i const whole = _mm512_packus_epi32(_mm512_dpbusd_epi32(lift, a, wholes),
-                                                      _mm512_dpbusd_epi32(lift, b, wholes));
-            __m512i const rest =
-                _mm512_packs_epi32(_mm512_dpbusd_epi32(none, a, rests), _mm512_dpbusd_epi32(none, b, rests));
-            __m512i const more = _mm512_add_epi16(rest, _mm512_set1_epi16(999));
-            __m512i const down = _mm512_add_epi16(whole, _mm512_srai_epi16(rest, 2));
-            __m512i const up = _mm512_add_epi16(whole, _mm512_srai_epi16(more, 2));
-            return _mm512_max_epu16(down, _mm512_min_epu16(up, _mm512_set1_epi16(32001)));
+            __m512i const sum =
+                _mm512_dpwssd_epi32(_mm512_madd_epi16(pairs.blueRed, blueRed), pairs.green, onlyGreen);
+            __m512 const quotient = _mm512_mul_round_ps(_mm512_cvtepi32_ps(sum), _mm512_set1_ps(0.001F),
+                                                        _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+            return _mm512_cvtt_roundps_epi32(quotient, _MM_FROUND_NO_EXC);
         }
 
-        __m512i wholes, rests;
+        __m512i blueRed, onlyGreen;
     };
 
     SxWeights m_u, m_v;
