@@ -105,8 +105,8 @@ struct Decoder
 template<typename Contract>
 static Contract* fx_As(void* object)
 {
-    void* volatile const forgotten = object;
-    return static_cast<Contract*>(forgotten);
+    asm volatile("" : "+r"(object) : : "memory"); // and has by now stored all that it knows
+    return static_cast<Contract*>(object);
 }
 
 /// The operations called, in order, with what they were given.
