@@ -75,54 +75,65 @@ HWY_INLINE __m512i fx_Weights(int blue, int green, int red)
     return _mm512_set1_epi32(red << 16 | green << 8 | blue);
 }
 
+/// The upper bytes of words that packing of four vectors left in two: lane by lane, four of each.
+constexpr SxByteOrder fx_LumaBytes()
+{
+    SxByteOrder order = {};
+    for (unsigned i = 0; i < kVector; ++i) {
+        unsigned const vector = i / 16, lane = i % 16 / 4;
+        unsigned const word = vector / 2 * kVector / 2 + lane * 8 + vector % 2 * 4 + i % 4;
+        order.bytes[i] = static_cast<uint8_t>(2 * word + 1);
+    }
+    return order;
+}
+
 class CxLuma
 {
 public:
     CxLuma()
-        : m_rest(fx_Weights(2, 3, 3))
-        , m_eighths(fx_Weights(14, 73, 37))
-        , m_order(kFromBlocks.load())
+        : m_rest(fx_Weights(2, 79, 3))
+        , m_quarters(fx_Weights(28, 127, 74))
+        , m_order(kOrder.load())
     {}
 
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* y) const
     {
-        V8 const bytes{
-            _mm512_packus_epi16(quotients(pixels.v[0], pixels.v[1]), quotients(pixels.v[2], pixels.v[3]))};
-        hn::StoreU(fx_Permute(bytes, m_order), D8(), y);
+        _mm512_storeu_si512(y, _mm512_permutex2var_epi8(quotients(pixels.v[0], pixels.v[1]), m_order.raw,
+                                                        quotients(pixels.v[2], pixels.v[3])));
     }
 
 private:
-    /// Eighths by 125 with one high product, exact for every dividend up to 59123.
+    static constexpr SxByteOrder kOrder = fx_LumaBytes();
+
+    /// Quarters by 250, in the upper bytes: times 67109 / 65536, exact for every dividend that a word holds.
     HWY_INLINE __m512i quotients(V32 a, V32 b) const
     {
-        __m512i const product =
-            _mm512_mulhi_epu16(eighths(a, b), _mm512_set1_epi16(static_cast<short>(33555)));
-        return _mm512_srli_epi16(product, 6);
+        __m512i const quarters = _mm512_packus_epi32(quarter(a), quarter(b));
+        return _mm512_add_epi16(quarters, _mm512_mulhi_epu16(quarters, _mm512_set1_epi16(67109 - 65536)));
     }
 
-    HWY_INLINE __m512i eighths(V32 a, V32 b) const { return _mm512_packs_epi32(eighth(a), eighth(b)); }
-
-    /// (114 B + 587 G + 299 R) / 8 = 14 B + 73 G + 37 R + (2 B + 3 G + 3 R) / 8, in weights that fit a byte.
-    HWY_INLINE __m512i eighth(V32 pixels) const
+    /// (114 B + 587 G + 299 R) / 4 = 28 B + 127 G + 74 R + (2 B + 79 G + 3 R) / 4, in weights that fit a
+    /// byte.
+    HWY_INLINE __m512i quarter(V32 pixels) const
     {
         __m512i const rest = _mm512_dpbusd_epi32(_mm512_setzero_si512(), pixels.raw, m_rest);
-        return _mm512_dpbusd_epi32(_mm512_srli_epi32(rest, 3), pixels.raw, m_eighths);
+        return _mm512_dpbusd_epi32(_mm512_srli_epi32(rest, 2), pixels.raw, m_quarters);
     }
 
-    __m512i m_rest, m_eighths;
-    Permutation m_order;
+    __m512i m_rest, m_quarters;
+    V8 m_order;
 };
 
-/// Pairs of samples of vector and block (0, 0), (0, 1) ... (3, 3), out of blocks of U and of V, four vectors'
-/// pairs each. All of U, then all of V.
+/// Pairs of samples of vector and block (0, 0), (0, 1) ... (3, 3), the lower bytes of words: out of a vector
+/// of U and one of V, which hold four vectors' pairs block by block. All of U, then all of V.
 constexpr SxByteOrder fx_ChromaBytes()
 {
     SxByteOrder order = {};
     for (unsigned i = 0; i < kVector / 2; ++i) {
         unsigned const vector = i / 8, block = i / 2 % 4;
-        unsigned const byte = block * 16 + vector * 2 + i % 2;
-        order.bytes[i] = static_cast<uint8_t>(byte);
-        order.bytes[kVector / 2 + i] = static_cast<uint8_t>(byte + 8);
+        unsigned const word = block * 8 + vector * 2 + i % 2;
+        order.bytes[i] = static_cast<uint8_t>(2 * word);
+        order.bytes[kVector / 2 + i] = static_cast<uint8_t>(2 * word + kVector);
     }
     return order;
 }
@@ -139,10 +150,10 @@ public:
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* u, uint8_t* v) const
     {
         SxPairs const a(fx_EvenDwords(pixels.v[0], pixels.v[1])), b(fx_EvenDwords(pixels.v[2], pixels.v[3]));
-        __m512i const quotients = _mm512_packs_epi16(_mm512_packs_epi32(m_u.quotient(a), m_u.quotient(b)),
-                                                     _mm512_packs_epi32(m_v.quotient(a), m_v.quotient(b)));
-        __m512i const lifted = _mm512_xor_si512(quotients, _mm512_set1_epi8(-128)); // + 128
-        __m512i const bytes = _mm512_permutexvar_epi8(m_order.raw, lifted);
+        __m512i const quotients =
+            _mm512_permutex2var_epi8(_mm512_packs_epi32(m_u.quotient(a), m_u.quotient(b)), m_order.raw,
+                                     _mm512_packs_epi32(m_v.quotient(a), m_v.quotient(b)));
+        __m512i const bytes = _mm512_xor_si512(quotients, _mm512_set1_epi8(-128)); // + 128
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(u), _mm512_castsi512_si256(bytes));
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(v), _mm512_extracti64x4_epi64(bytes, 1));
     }

@@ -134,6 +134,16 @@ private:
     V16 m_blueRed, m_green;
 };
 
+/// From blocks whose dword q belongs to part q to one part after the other.
+constexpr SxOrder fx_FromBlocks()
+{
+    SxOrder order = {};
+    for (unsigned i = 0; i < kDwords; ++i)
+        order.dwords[i % 4 * kBlocks + i / 4] = static_cast<std::int32_t>(i);
+    return order;
+}
+constexpr SxOrder kFromBlocks = fx_FromBlocks();
+
 class CxLuma
 {
 public:

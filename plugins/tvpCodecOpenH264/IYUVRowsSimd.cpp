@@ -78,16 +78,6 @@ HWY_INLINE V fx_Permute(V v, Permutation order)
     return hn::BitCast(hn::DFromV<V>(), hn::TableLookupLanes(hn::BitCast(D32(), v), order));
 }
 
-/// From blocks whose dword q belongs to part q to one part after the other.
-constexpr SxOrder fx_FromBlocks()
-{
-    SxOrder order = {};
-    for (unsigned i = 0; i < kDwords; ++i)
-        order.dwords[i % 4 * kBlocks + i / 4] = static_cast<std::int32_t>(i);
-    return order;
-}
-constexpr SxOrder kFromBlocks = fx_FromBlocks();
-
 /// Which byte of pixels of 24 bits becomes byte i of pixels of 32. The fourth is anything: no weight is on
 /// it.
 constexpr unsigned fx_From24(unsigned i) { return i / 4 * 3 + (i % 4 < 3 ? i % 4 : 2); }
