@@ -149,7 +149,8 @@ public:
 
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* u, uint8_t* v) const
     {
-        SxPairs const a(fx_EvenDwords(pixels.v[0], pixels.v[1])), b(fx_EvenDwords(pixels.v[2], pixels.v[3]));
+        SxPairs const a(V32{fx_EvenDwords(pixels.v[0], pixels.v[1])}),
+            b(V32{fx_EvenDwords(pixels.v[2], pixels.v[3])});
         __m512i const quotients =
             _mm512_permutex2var_epi8(_mm512_packs_epi32(m_u.quotient(a), m_u.quotient(b)), m_order.raw,
                                      _mm512_packs_epi32(m_v.quotient(a), m_v.quotient(b)));
@@ -160,17 +161,6 @@ public:
 
 private:
     static constexpr SxByteOrder kOrder = fx_ChromaBytes();
-
-    /// Pixels as pairs of words: blue and red; green and the fourth byte, which has no weight.
-    struct SxPairs
-    {
-        HWY_INLINE explicit SxPairs(__m512i pixels)
-            : blueRed(_mm512_and_si512(pixels, _mm512_set1_epi32(0x00FF00FF)))
-            , green(_mm512_srli_epi16(pixels, 8))
-        {}
-
-        __m512i blueRed, green;
-    };
 
     struct SxWeights
     {
@@ -184,8 +174,8 @@ private:
         /// thread's rounding mode and exceptions have no part in it.
         HWY_INLINE __m512i quotient(SxPairs const& pairs) const
         {
-            __m512i const sum =
-                _mm512_dpwssd_epi32(_mm512_madd_epi16(pairs.blueRed, blueRed), pairs.green, onlyGreen);
+            __m512i const sum = _mm512_dpwssd_epi32(_mm512_madd_epi16(pairs.blueRed.raw, blueRed),
+                                                    pairs.green.raw, onlyGreen);
             __m512 const quotient = _mm512_mul_round_ps(_mm512_cvtepi32_ps(sum), _mm512_set1_ps(0.001F),
                                                         _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
             return _mm512_cvtt_roundps_epi32(quotient, _MM_FROUND_NO_EXC);

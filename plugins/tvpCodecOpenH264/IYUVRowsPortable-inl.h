@@ -106,17 +106,6 @@ private:
     int m_shift;
 };
 
-/// Pixels as pairs of words: blue and red are masked, green is shifted down. The fourth byte weighs nothing.
-struct SxPairs
-{
-    explicit HWY_INLINE SxPairs(V32 pixels)
-        : blueRed(hn::BitCast(D16(), hn::And(pixels, hn::Set(D32(), 0x00FF00FF))))
-        , green(hn::BitCast(D16(), hn::ShiftRight<8>(hn::BitCast(DU16(), pixels))))
-    {}
-
-    V16 blueRed, green;
-};
-
 class CxWeights
 {
 public:

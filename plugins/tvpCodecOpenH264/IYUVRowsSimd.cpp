@@ -90,6 +90,17 @@ HWY_INLINE V16 fx_SetPairs(int low, int high)
                                                                 (static_cast<std::uint32_t>(low) & 0xFFFF))));
 }
 
+/// Pixels as pairs of words: blue and red are masked, green is shifted down. The fourth byte weighs nothing.
+struct SxPairs
+{
+    explicit HWY_INLINE SxPairs(V32 pixels)
+        : blueRed(hn::BitCast(D16(), hn::And(pixels, hn::Set(D32(), 0x00FF00FF))))
+        , green(hn::BitCast(D16(), hn::ShiftRight<8>(hn::BitCast(DU16(), pixels))))
+    {}
+
+    V16 blueRed, green;
+};
+
 // The work on one vector comes in two forms, which give the same bytes:
 //   CxSpread   pixels of 24 bits to 32; with kIsPacked, the pixels as CxWords leaves them
 //   CxWords    words down to bytes, two vectors to one, in the order of fx_Packed()
