@@ -8,7 +8,8 @@ quint32 CxSPS::readBit()
 {
     if (isAtEnd())
         return 0;
-    quint32 const bit = (m_data[m_position / 8] >> (7 - m_position % 8)) & 1u;
+    quint32 const byte = m_data[m_position / 8];
+    quint32 const bit = (byte >> (7 - m_position % 8)) & 1u;
     ++m_position;
     return bit;
 }
