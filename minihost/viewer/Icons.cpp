@@ -5,7 +5,7 @@
 #include <QPainterPath>
 #include <functional>
 
-static int const kSides[] = {16, 24, 32, 48, 64, 96};
+static constexpr int kSides[] = {16, 24, 32, 48, 64, 96};
 
 static QPixmap fx_Tinted(QPixmap pixmap, QColor const& colour)
 {

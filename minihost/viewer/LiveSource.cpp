@@ -7,7 +7,7 @@
 #include "CxPicBufAPI.h"
 #include "RecordJob.h"
 
-static qint64 const kLargestDelay = 100000; // microseconds; a source that is later sets its clock anew
+static constexpr qint64 kLargestDelay = 100000; // microseconds; a source that is later sets its clock anew
 
 /// Hands pictures to a recording and shows those that the window has time for.
 class CxLiveSource::CxTee : public IxPictureSource

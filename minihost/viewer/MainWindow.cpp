@@ -30,7 +30,7 @@
 
 static QString const kGeometryKey = QStringLiteral("window/geometry");
 static QString const kRecentKey = QStringLiteral("window/recent");
-static int const kMostRecent = 6;
+static constexpr int kMostRecent = 6;
 
 CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     : QMainWindow(parent)

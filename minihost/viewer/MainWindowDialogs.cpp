@@ -28,7 +28,7 @@ void CxMainWindow::askForRecording()
     QString error;
     SxCreated<IxImageDataLoader> const loader = fx_Create<IxImageDataLoader>("IxImageDataLoader", error);
     QStringList filters;
-    if (loader.as != nullptr) {
+    if (loader.as) {
         for (CxImageFormat const& format : loader.as->supportedImageFormats())
             filters.append(format.description);
     }
@@ -85,7 +85,7 @@ void CxMainWindow::askForPictureFile()
 
 void CxMainWindow::askHowToRecord()
 {
-    bool const isLive = m_live != nullptr;
+    bool const isLive = bool(m_live);
     auto* const dialog = isLive ? new CxRecordDialog(-1, 0.0, {}, this)
                                 : new CxRecordDialog(m_player.info().count, m_player.info().fps,
                                                      m_player.info().fileName, this);

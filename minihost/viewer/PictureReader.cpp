@@ -135,7 +135,7 @@ bool CxPictureReader::read(int number, bool isBackwards, SxShownPicture& picture
     std::unique_ptr<IxChainData> loaded(m_loader->loadedData(number));
     ++m_decoded;
     auto* const data = qobject_cast<CxImageData*>(loaded.get());
-    if (data == nullptr)
+    if (!data)
         return false;
     static_cast<void>(loaded.release()); // data owns it now
     picture = fx_ShownPicture(number, std::unique_ptr<CxImageData>(data));

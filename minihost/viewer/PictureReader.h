@@ -34,7 +34,7 @@ class CxPictureReader : public QThread
     Q_OBJECT
 
 public:
-    static qint64 const kDefaultMemory = 256 * 1024 * 1024;
+    static constexpr qint64 kDefaultMemory = 256 * 1024 * 1024;
 
     explicit CxPictureReader(qint64 memoryLimit = kDefaultMemory, QObject* parent = nullptr);
     ~CxPictureReader() override;

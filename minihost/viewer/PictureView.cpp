@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <cmath>
 
-static double const kLargestZoom = 64.0;
-static double const kSmallestZoom = 1.0 / 32.0;
-static double const kZoomStep = 1.25;
-static double const kPanStep = 48.0;
-static int const kRestTime = 150; // milliseconds; longer than from picture to picture while playing
+static constexpr double kLargestZoom = 64.0;
+static constexpr double kSmallestZoom = 1.0 / 32.0;
+static constexpr double kZoomStep = 1.25;
+static constexpr double kPanStep = 48.0;
+static constexpr int kRestTime = 150; // milliseconds; longer than from picture to picture while playing
 
 // Pictures are judged against the same dark surround whatever the desktop's colours.
 static QColor const kSurround(0x1c, 0x1c, 0x1e);

@@ -4,7 +4,7 @@
 
 #include "PluginHost.h"
 
-static qint64 const kSecond = 1000000000;
+static constexpr qint64 kSecond = 1000000000;
 
 CxPlayer::CxPlayer(QObject* parent)
     : QObject(parent)

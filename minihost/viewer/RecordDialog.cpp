@@ -148,7 +148,7 @@ void CxRecordDialog::addSaverWidget(QVBoxLayout* column)
 {
     QString error;
     m_saver = fx_Create<IxImageDataSaver>("IxImageDataSaver", error);
-    if (m_saver.as == nullptr) {
+    if (!m_saver.as) {
         m_note->setText(tr("No plug-in that can save recordings is loaded."));
         return;
     }
@@ -159,7 +159,7 @@ void CxRecordDialog::addSaverWidget(QVBoxLayout* column)
     auto* const group = new QGroupBox(tr("Encoding"), this);
     auto* const inside = new QVBoxLayout(group);
     m_saverWidget = m_saver.as->widgetForSaveDlg(group);
-    if (m_saverWidget == nullptr) {
+    if (!m_saverWidget) {
         delete group;
         return;
     }
@@ -201,7 +201,7 @@ void CxRecordDialog::browse()
 void CxRecordDialog::updateState()
 {
     bool isRange = true;
-    if (m_first != nullptr) {
+    if (m_first) {
         int const count = m_last->value() - m_first->value() + 1;
         isRange = count > 0;
         m_length->setText(isRange ? tr("%n picture(s), %1", nullptr, count).arg(fx_TimeCode(count, m_fps))
@@ -209,7 +209,7 @@ void CxRecordDialog::updateState()
     }
     for (QAbstractButton* const button : m_buttons->buttons()) {
         if (m_buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
-            button->setEnabled(m_saver.as != nullptr && isRange && !m_file->text().trimmed().isEmpty());
+            button->setEnabled(m_saver.as && isRange && !m_file->text().trimmed().isEmpty());
     }
 }
 
@@ -241,8 +241,8 @@ void CxRecordDialog::collect()
     QMap<QString, QVariant> const options = m_saver.as->codecOptionsFromWigetInSaveDlg(m_saverWidget, fourCC);
     fx_SetCodecOptions(fourCC, options);
     m_choice.request.encoder = fx_EncoderOptions(options);
-    m_choice.request.maxPictures = m_limit != nullptr ? m_limit->value() : 0;
-    if (m_first != nullptr) {
+    m_choice.request.maxPictures = m_limit ? m_limit->value() : 0;
+    if (m_first) {
         m_choice.first = m_first->value();
         m_choice.last = m_last->value();
     }

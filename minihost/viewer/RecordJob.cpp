@@ -2,7 +2,7 @@
 
 #include <QElapsedTimer>
 
-static qint64 const kReportInterval = 100; // milliseconds; a person reads no faster
+static constexpr qint64 kReportInterval = 100; // milliseconds; a person reads no faster
 
 CxRecordJob::CxRecordJob(SxRecordRequest const& request, QObject* parent)
     : QObject(parent)

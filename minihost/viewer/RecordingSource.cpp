@@ -25,7 +25,7 @@ IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
         return Result::End;
     std::unique_ptr<IxChainData> const loaded(m_loader->loadedData(m_next));
     auto const* const data = qobject_cast<CxImageData const*>(loaded.get());
-    if (data == nullptr) {
+    if (!data) {
         m_error =
             QStringLiteral("Picture %1 of %2 cannot be decoded.").arg(m_next).arg(m_loader->inputFile());
         return Result::Error;

@@ -71,7 +71,7 @@ SxShownPicture fx_ShownPicture(int number, std::unique_ptr<CxImageData> data)
     shown.data = std::move(data);
     SxPicBuf const& picture = *shown.data->picBuf();
     QImage::Format const format = fx_ByteFormat(picture.components);
-    if (picture.data == nullptr || format == QImage::Format_Invalid)
+    if (!picture.data || format == QImage::Format_Invalid)
         return shown;
     shown.image = fx_IsWordFormat(picture) ? fx_ImageOfWords(picture) : fx_ImageOnBytes(shown.data, format);
     return shown;

@@ -6,11 +6,11 @@
 #include <QToolTip>
 #include <cmath>
 
-static int const kHandleRadius = 7;
-static int const kGrooveHeight = 4;
-static int const kMarkGap = 4; // between the line and the marks
-static int const kMarkHeight = 6;
-static int const kMarkSpacing = 3; // marks nearer than that would be one block
+static constexpr int kHandleRadius = 7;
+static constexpr int kGrooveHeight = 4;
+static constexpr int kMarkGap = 4; // between the line and the marks
+static constexpr int kMarkHeight = 6;
+static constexpr int kMarkSpacing = 3; // marks nearer than that would be one block
 
 QString fx_TimeCode(int number, double fps)
 {

@@ -11,7 +11,7 @@
 #include "Actions.h"
 #include "Timeline.h"
 
-static int const kButtonSide = 24;
+static constexpr int kButtonSide = 24;
 
 CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     : QWidget(parent)
