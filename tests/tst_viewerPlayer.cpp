@@ -49,7 +49,7 @@ public:
     int ask(int number, bool isBackwards = false) { return answer(reader.request(number, isBackwards)); }
 
     CxPictureReader reader;
-    QList<SxRecordingInfo> opened;
+    QList<SxOpenedRecording> opened;
     QMap<int, SxShownPicture> read; ///< by ticket
     QMap<int, int> failed;          ///< numbers by ticket
 };
@@ -105,7 +105,7 @@ CxProbe::CxProbe(SxLoaderLog& log, qint64 memory)
     : reader(memory)
 {
     connect(&reader, &CxPictureReader::opened, this,
-            [this](SxRecordingInfo const& info) { opened.append(info); });
+            [this](SxOpenedRecording const& info) { opened.append(info); });
     connect(&reader, &CxPictureReader::pictureRead, this,
             [this](int ticket, SxShownPicture const& picture) { read.insert(ticket, picture); });
     connect(&reader, &CxPictureReader::pictureFailed, this,
@@ -172,7 +172,7 @@ void tst_viewerPlayer::readsInItsOwnThread()
     SxLoaderLog log;
     CxProbe probe(log);
     QCOMPARE(probe.opened.size(), 1);
-    SxRecordingInfo const info = probe.opened.first();
+    SxOpenedRecording const info = probe.opened.first();
     QCOMPARE(info.fileName, QStringLiteral("name"));
     QCOMPARE(info.count, 40);
     QCOMPARE(info.fps, 30.0);

@@ -250,7 +250,7 @@ void CxMainWindow::openLive(QString const& name, SourceFactory const& make)
     updateActions();
 }
 
-void CxMainWindow::takeOpened(SxRecordingInfo const& info)
+void CxMainWindow::takeOpened(SxOpenedRecording const& info)
 {
     setTitle(QFileInfo(info.fileName).fileName());
     m_transport->setRecording(info);

@@ -62,7 +62,7 @@ private:
     void setFullScreen(bool isFullScreen);
     void showAbout();
 
-    void takeOpened(SxRecordingInfo const& info);
+    void takeOpened(SxOpenedRecording const& info);
     void takeOpenFailure(QString const& fileName, QStringList const& messages);
     void takePictureFailure(int number, QStringList const& messages);
     void takeLivePicture(SxShownPicture const& picture);

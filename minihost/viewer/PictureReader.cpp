@@ -11,7 +11,7 @@ CxPictureReader::CxPictureReader(qint64 memoryLimit, QObject* parent)
     , m_memoryLimit(memoryLimit)
 {
     qRegisterMetaType<SxShownPicture>();
-    qRegisterMetaType<SxRecordingInfo>();
+    qRegisterMetaType<SxOpenedRecording>();
     start();
 }
 

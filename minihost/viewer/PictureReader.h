@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QList>
 #include <QMutex>
 #include <QStringList>
 #include <QThread>
@@ -11,18 +10,8 @@
 #include <optional>
 
 #include "IxImageDataLoader.h"
+#include "OpenedRecording.h"
 #include "ShownPicture.h"
-
-/// What is known of a recording once it is open.
-struct SxRecordingInfo
-{
-    QString fileName;
-    int count = 0;
-    double fps = 0.0;     ///< pictures a second, as the loader assumes them
-    QList<int> keyFrames; ///< ascending
-};
-
-Q_DECLARE_METATYPE(SxRecordingInfo)
 
 /// Reads the pictures of one recording at a time in a thread of its own.
 ///
@@ -51,7 +40,7 @@ public:
     int picturesDecoded() const { return m_decoded.load(); } ///< by the loader, since the start
 
 signals:
-    void opened(SxRecordingInfo const& info);
+    void opened(SxOpenedRecording const& info);
     void openFailed(QString const& fileName, QStringList const& messages);
     void pictureRead(int ticket, SxShownPicture const& picture);
     void pictureFailed(int ticket, int number, QStringList const& messages);
@@ -91,7 +80,7 @@ private:
     qint64 m_memoryLimit;
     std::unique_ptr<QObject> m_loaderObject;
     IxImageDataLoader* m_loader = nullptr;
-    SxRecordingInfo m_info;
+    SxOpenedRecording m_info;
     std::map<int, SxShownPicture> m_kept; ///< by number
     qint64 m_keptBytes = 0;
 };

@@ -40,7 +40,7 @@ void CxPlayer::close()
     m_shown = m_reached = m_wanted = -1;
 }
 
-void CxPlayer::takeOpened(SxRecordingInfo const& info)
+void CxPlayer::takeOpened(SxOpenedRecording const& info)
 {
     m_info = info;
     emit opened(m_info);

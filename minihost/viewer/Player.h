@@ -25,7 +25,7 @@ public:
     void close();
 
     bool isOpen() const { return m_info.count > 0; }
-    SxRecordingInfo const& info() const { return m_info; }
+    SxOpenedRecording const& info() const { return m_info; }
     int shownNumber() const { return m_shown; } ///< of the picture on the screen, -1 for none
     bool isPlaying() const { return m_isPlaying; }
     int picturesDecoded() const { return m_reader.picturesDecoded(); }
@@ -41,7 +41,7 @@ public slots:
     void setPlaying(bool isPlaying);
 
 signals:
-    void opened(SxRecordingInfo const& info);
+    void opened(SxOpenedRecording const& info);
     void openFailed(QString const& fileName, QStringList const& messages);
     void shown(SxShownPicture const& picture);
     void pictureFailed(int number, QStringList const& messages);
@@ -49,7 +49,7 @@ signals:
     void rateMeasured(double picturesPerSecond); ///< really shown during the last second; 0 while not playing
 
 private:
-    void takeOpened(SxRecordingInfo const& info);
+    void takeOpened(SxOpenedRecording const& info);
     void takePicture(int ticket, SxShownPicture const& picture);
     void takeFailure(int ticket, int number, QStringList const& messages);
     void requestAhead();
@@ -59,7 +59,7 @@ private:
     qint64 interval() const { return static_cast<qint64>(1e9 / (m_info.fps * m_speed)); }
 
     CxPictureReader m_reader;
-    SxRecordingInfo m_info;
+    SxOpenedRecording m_info;
     int m_shown = -1;
     int m_reached = -1;    ///< the picture last shown or found broken
     int m_wanted = -1;     ///< the picture last asked for, which steps count from

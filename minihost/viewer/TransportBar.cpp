@@ -105,7 +105,7 @@ bool CxTransportBar::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
-void CxTransportBar::setRecording(SxRecordingInfo const& info)
+void CxTransportBar::setRecording(SxOpenedRecording const& info)
 {
     m_info = info;
     m_timeline->setRecording(info.count, info.fps, info.keyFrames);

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "PictureReader.h"
+#include "OpenedRecording.h"
 
 class CxActions;
 class CxTimeline;
@@ -18,7 +18,7 @@ public:
     CxTransportBar(CxActions& actions, QWidget* parent);
 
     CxTimeline* timeline() const { return m_timeline; }
-    void setRecording(SxRecordingInfo const& info);
+    void setRecording(SxOpenedRecording const& info);
     void showNumber(int number); ///< -1: no picture is shown
     void showLive(int number, quint64 timestamp);
 
@@ -30,5 +30,5 @@ private:
     QLabel* m_number;
     QLabel* m_time;
     QComboBox* m_speed;
-    SxRecordingInfo m_info;
+    SxOpenedRecording m_info;
 };
