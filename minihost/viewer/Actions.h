@@ -22,7 +22,7 @@ public:
     void updateIcons(QPalette const& palette);
     void showPlaying(bool isPlaying); ///< the one button plays or pauses
 
-    QMenu* recentMenu = nullptr; ///< filled by the window
+    QMenu* recentMenu = nullptr; ///< filled by CxRecentFiles
     QAction* open;
     QAction* openCamera;
     QAction* openSource;

@@ -1,6 +1,7 @@
 #include "HelpWindow.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QPlainTextEdit>
@@ -8,6 +9,8 @@
 #include <QVBoxLayout>
 
 #include "Actions.h"
+#include "CxPlugin.h"
+#include "PluginHost.h"
 
 static void fx_AddRow(QTableWidget* table, QString const& what, QString const& how)
 {
@@ -62,12 +65,23 @@ CxHelpWindow::CxHelpWindow(CxActions const& actions, QWidget* parent)
     resize(table->columnWidth(0) + table->columnWidth(1) + 80, table->rowHeight(0) * 20);
 }
 
-CxAboutWindow::CxAboutWindow(QString const& text, QWidget* parent)
+static QString fx_AboutText(CxPluginHost const& plugins)
+{
+    QString text = QStringLiteral("minihost %1\n").arg(QApplication::applicationVersion());
+    for (CxPlugin* const plugin : plugins.plugins()) {
+        text += QStringLiteral("\n%1 %2\n%3\n%4\n\n%5\n\n%6\n")
+                    .arg(plugin->name(), plugin->version(), plugin->author(), plugin->website(),
+                         plugin->description(), plugin->copyrightNotice());
+    }
+    return text;
+}
+
+CxAboutWindow::CxAboutWindow(CxPluginHost const& plugins, QWidget* parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("aboutWindow"));
     setWindowTitle(tr("About and Licences"));
-    auto* const view = new QPlainTextEdit(text, this);
+    auto* const view = new QPlainTextEdit(fx_AboutText(plugins), this);
     view->setReadOnly(true);
     view->setTabChangesFocus(true);
     view->setAccessibleName(windowTitle());

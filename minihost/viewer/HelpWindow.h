@@ -3,6 +3,7 @@
 #include <QDialog>
 
 class CxActions;
+class CxPluginHost;
 
 /// The list of keys, made from the actions themselves.
 class CxHelpWindow : public QDialog
@@ -19,5 +20,5 @@ class CxAboutWindow : public QDialog
     Q_OBJECT
 
 public:
-    CxAboutWindow(QString const& text, QWidget* parent);
+    CxAboutWindow(CxPluginHost const& plugins, QWidget* parent);
 };

@@ -5,32 +5,32 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
-#include <QLabel>
+#include <QInputDialog>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
 #include <QStackedWidget>
-#include <QStatusBar>
 #include <QVBoxLayout>
 
 #include "Actions.h"
 #include "FFmpegSource.h"
+#include "FileDialogs.h"
 #include "HelpWindow.h"
 #include "MessageBar.h"
-#include "PictureFormat.h"
 #include "PictureView.h"
+#include "PluginHost.h"
+#include "RecentFiles.h"
 #include "RecordBar.h"
 #include "RecordJob.h"
 #include "RecordingSource.h"
 #include "StartPage.h"
+#include "StatusBar.h"
 #include "TestCamera.h"
 #include "Timeline.h"
 #include "TransportBar.h"
 
 static QString const kGeometryKey = QStringLiteral("window/geometry");
-static QString const kRecentKey = QStringLiteral("window/recent");
-static constexpr int kMostRecent = 6;
 
 CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     : QMainWindow(parent)
@@ -42,15 +42,14 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_messageBar(new CxMessageBar(this))
     , m_recordBar(new CxRecordBar(this))
     , m_transport(new CxTransportBar(*m_actions, this))
-    , m_pixelLabel(new QLabel(this))
-    , m_formatLabel(new QLabel(this))
-    , m_zoomLabel(new QLabel(this))
-    , m_rateLabel(new QLabel(this))
+    , m_status(new CxStatusBar(*m_view, this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     m_actions->fill(menuBar());
     m_actions->updateIcons(palette());
+    m_recent = new CxRecentFiles(m_actions->recentMenu, this);
+    m_startPage->setRecent(m_recent->actions());
     addActions(m_actions->findChildren<QAction*>()); // keys work with the menu bar hidden, too
 
     m_view->setObjectName(QStringLiteral("pictureView"));
@@ -69,13 +68,12 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     column->addWidget(m_pages, 1);
     column->addWidget(m_transport);
     setCentralWidget(centre);
-    buildStatusBar();
+    setStatusBar(m_status);
 
     connectActions();
     connectPlayer();
     connectView();
     setTitle({});
-    updateRecent();
     updateActions();
     if (!restoreGeometry(QSettings().value(kGeometryKey).toByteArray()))
         resize(1024, 720);
@@ -87,31 +85,23 @@ CxMainWindow::~CxMainWindow()
     m_job.reset();
 }
 
-void CxMainWindow::buildStatusBar()
-{
-    m_pixelLabel->setObjectName(QStringLiteral("pixel"));
-    m_formatLabel->setObjectName(QStringLiteral("format"));
-    m_zoomLabel->setObjectName(QStringLiteral("zoom"));
-    m_rateLabel->setObjectName(QStringLiteral("rate"));
-    m_pixelLabel->setToolTip(tr("Place and value of the pixel under the mouse"));
-    m_formatLabel->setToolTip(tr("Size of the picture"));
-    m_zoomLabel->setToolTip(tr("Zoom: screen pixels for each pixel of the picture"));
-    m_rateLabel->setToolTip(tr("Pictures really shown each second"));
-    m_pixelLabel->setMinimumWidth(1); // its text may not widen the window
-    statusBar()->addWidget(m_pixelLabel, 1);
-    for (QLabel* const label : {m_rateLabel, m_formatLabel, m_zoomLabel})
-        statusBar()->addPermanentWidget(label);
-}
-
 void CxMainWindow::connectActions()
 {
     CxActions const& a = *m_actions;
     auto const on = [this](QAction* action, auto&& what) {
         connect(action, &QAction::triggered, this, what);
     };
-    on(a.open, [this] { askForRecording(); });
+    on(a.open, [this] {
+        QString const fileName = CxFileDialogs::recordingToOpen(this);
+        if (!fileName.isEmpty())
+            openRecording(fileName);
+    });
     on(a.openCamera, [this] { openNamed(QStringLiteral("camera:")); });
-    on(a.openSource, [this] { askForSource(); });
+    on(a.openSource, [this] {
+        QString const name = CxFileDialogs::sourceToOpen(this);
+        if (!name.isEmpty())
+            openNamed(name);
+    });
     on(a.record, [this] { askHowToRecord(); });
     on(a.savePicture, [this] { askForPictureFile(); });
     on(a.quit, [this] { close(); });
@@ -137,7 +127,11 @@ void CxMainWindow::connectActions()
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->show();
     });
-    on(a.about, [this] { showAbout(); });
+    on(a.about, [this] {
+        auto* const window = new CxAboutWindow(m_plugins, this);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+    });
 }
 
 void CxMainWindow::connectPlayer()
@@ -146,14 +140,11 @@ void CxMainWindow::connectPlayer()
     connect(&m_player, &CxPlayer::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_player, &CxPlayer::pictureFailed, this, &CxMainWindow::takePictureFailure);
     connect(&m_player, &CxPlayer::shown, this, [this](SxShownPicture const& picture) {
-        showPicture(picture);
+        m_view->setPicture(picture);
         m_transport->showNumber(picture.number);
     });
     connect(&m_player, &CxPlayer::playingChanged, m_actions, &CxActions::showPlaying);
-    connect(&m_player, &CxPlayer::rateMeasured, this, [this](double rate) {
-        m_rateLabel->setText(rate > 0.0 ? tr("%1 pictures/s").arg(locale().toString(rate, 'f', 1))
-                                        : QString());
-    });
+    connect(&m_player, &CxPlayer::rateMeasured, m_status, &CxStatusBar::showRate);
 
     CxTimeline* const timeline = m_transport->timeline();
     connect(timeline, &QAbstractSlider::valueChanged, &m_player, &CxPlayer::seek);
@@ -167,16 +158,12 @@ void CxMainWindow::connectPlayer()
 
 void CxMainWindow::connectView()
 {
-    connect(m_view, &CxPictureView::pixelPointed, this, &CxMainWindow::showPixel);
     connect(m_view, &CxPictureView::doubleClicked, m_actions->fullScreen, &QAction::trigger);
-    connect(m_view, &CxPictureView::zoomChanged, this, [this](double zoom) {
-        if (m_view->picture().image.isNull()) {
-            m_zoomLabel->clear();
-            return;
-        }
-        QString const percent = tr("%1 %").arg(locale().toString(zoom * 100.0, 'f', zoom < 0.1 ? 1 : 0));
-        m_zoomLabel->setText(m_view->isFitted() ? tr("%1, fitted").arg(percent) : percent);
+    connect(m_view, &CxPictureView::pictureShown, this, [this](SxShownPicture const&, bool isFirst) {
+        if (isFirst)
+            updateActions();
     });
+    connect(m_recent, &CxRecentFiles::chosen, this, &CxMainWindow::openRecording);
     connect(m_messageBar, &CxMessageBar::triggered, this, [this] { openRecording(m_offeredFile); });
     connect(m_recordBar, &CxRecordBar::stopRequested, this, [this] { m_job->cancel(); });
 }
@@ -191,9 +178,8 @@ void CxMainWindow::closeAll()
     m_view->setPicture({});
     m_view->fit();
     m_transport->setRecording({});
-    m_formatLabel->clear();
+    m_status->clearTexts();
     m_messageBar->dismiss();
-    m_rateLabel->clear();
     setTitle({});
 }
 
@@ -254,7 +240,8 @@ void CxMainWindow::takeOpened(SxOpenedRecording const& info)
 {
     setTitle(QFileInfo(info.fileName).fileName());
     m_transport->setRecording(info);
-    updateRecent(info.fileName);
+    m_recent->add(info.fileName);
+    m_startPage->setRecent(m_recent->actions());
     updateActions();
     m_view->setFocus();
 }
@@ -300,7 +287,7 @@ void CxMainWindow::takeLivePicture(SxShownPicture const& picture)
 {
     if (m_isFrozen)
         return;
-    showPicture(picture);
+    m_view->setPicture(picture);
     m_transport->showLive(picture.number, picture.data->picBuf()->timestamp);
 }
 
@@ -319,32 +306,6 @@ void CxMainWindow::takeSourceEnd(QString const& error)
 
 // ---- Showing
 
-void CxMainWindow::showPicture(SxShownPicture const& picture)
-{
-    bool const isFirst = m_view->picture().image.isNull();
-    m_view->setPicture(picture);
-    SxPicBufInfo const& format = *picture.data->picBuf();
-    QString const kind = format.components == 1 ? tr("%1 × %2, %3-bit grey") : tr("%1 × %2, %3-bit colour");
-    m_formatLabel->setText(kind.arg(format.width).arg(format.height).arg(format.bitsPerSample));
-    if (isFirst)
-        updateActions();
-}
-
-void CxMainWindow::showPixel(QPoint const& position)
-{
-    SxPixel const pixel = fx_Pixel(m_view->picture(), position);
-    if (pixel.components == 0) {
-        m_pixelLabel->clear();
-        return;
-    }
-    QString const value = pixel.components == 1 ? tr("grey %1").arg(pixel.samples[0])
-                                                : tr("red %1, green %2, blue %3")
-                                                      .arg(pixel.samples[0])
-                                                      .arg(pixel.samples[1])
-                                                      .arg(pixel.samples[2]);
-    m_pixelLabel->setText(tr("(%1, %2): %3").arg(position.x()).arg(position.y()).arg(value));
-}
-
 void CxMainWindow::togglePlaying()
 {
     if (m_live) {
@@ -353,6 +314,16 @@ void CxMainWindow::togglePlaying()
     } else {
         m_player.setPlaying(!m_player.isPlaying());
     }
+}
+
+void CxMainWindow::askForNumber()
+{
+    bool isChosen = false;
+    int const last = m_player.info().count - 1;
+    int const number = QInputDialog::getInt(this, tr("Go to Picture"), tr("Number, 0 to %1:").arg(last),
+                                            std::max(m_player.shownNumber(), 0), 0, last, 1, &isChosen);
+    if (isChosen)
+        m_player.seek(number);
 }
 
 void CxMainWindow::setFullScreen(bool isFullScreen)
@@ -388,30 +359,19 @@ void CxMainWindow::updateActions()
         action->setEnabled(!isRecording());
 }
 
-void CxMainWindow::updateRecent(QString const& opened)
-{
-    QSettings settings;
-    QStringList files = settings.value(kRecentKey).toStringList();
-    if (!opened.isEmpty()) {
-        QString const path = QFileInfo(opened).absoluteFilePath();
-        files.removeAll(path);
-        files.prepend(path);
-        settings.setValue(kRecentKey, QStringList(files.mid(0, kMostRecent)));
-    }
-    qDeleteAll(m_actions->recentMenu->actions());
-    QList<QAction*> actions;
-    for (QString const& file : files.mid(0, kMostRecent)) {
-        auto* const action = new QAction(
-            QFileInfo(file).fileName().replace(QLatin1Char('&'), QLatin1String("&&")), m_actions->recentMenu);
-        action->setToolTip(QDir::toNativeSeparators(file));
-        connect(action, &QAction::triggered, this, [this, file] { openRecording(file); });
-        actions.append(action);
-    }
-    m_actions->recentMenu->addActions(actions);
-    m_startPage->setRecent(actions);
-}
-
 // ---- Recording
+
+void CxMainWindow::askHowToRecord()
+{
+    bool const isLive = bool(m_live);
+    auto* const dialog = isLive ? new CxRecordDialog(-1, 0.0, {}, this)
+                                : new CxRecordDialog(m_player.info().count, m_player.info().fps,
+                                                     m_player.info().fileName, this);
+    m_player.setPlaying(false);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, [this, dialog] { startRecording(dialog->choice()); });
+    dialog->open();
+}
 
 void CxMainWindow::startRecording(SxRecordChoice const& choice)
 {
@@ -464,6 +424,15 @@ void CxMainWindow::finishRecording(SxRecordSummary const& summary)
     if (summary.coded > 0)
         m_messageBar->offer(tr("&Open It"));
     updateActions();
+}
+
+void CxMainWindow::askForPictureFile()
+{
+    QString const base =
+        m_player.isOpen() ? QFileInfo(m_player.info().fileName).completeBaseName() : tr("live");
+    QString const fileName = CxFileDialogs::pictureToSave(this, base, m_view->picture().number);
+    if (!fileName.isEmpty())
+        savePictureAs(fileName);
 }
 
 bool CxMainWindow::savePictureAs(QString const& fileName)

@@ -11,11 +11,12 @@ class CxActions;
 class CxMessageBar;
 class CxPictureView;
 class CxPluginHost;
+class CxRecentFiles;
 class CxRecordBar;
 class CxRecordJob;
 class CxStartPage;
+class CxStatusBar;
 class CxTransportBar;
-class QLabel;
 class QStackedWidget;
 
 /// The viewer's window: shows a recording or a live source, and records.
@@ -51,16 +52,12 @@ private:
     void connectActions();
     void connectPlayer();
     void connectView();
-    void buildStatusBar();
 
-    void askForRecording();
-    void askForSource();
     void askForNumber();
     void askForPictureFile();
     void askHowToRecord();
     void togglePlaying();
     void setFullScreen(bool isFullScreen);
-    void showAbout();
 
     void takeOpened(SxOpenedRecording const& info);
     void takeOpenFailure(QString const& fileName, QStringList const& messages);
@@ -69,12 +66,9 @@ private:
     void takeSourceEnd(QString const& error);
     void finishRecording(SxRecordSummary const& summary);
 
-    void showPicture(SxShownPicture const& picture);
-    void showPixel(QPoint const& pixel);
     void closeAll();
     void setTitle(QString const& name);
     void updateActions();
-    void updateRecent(QString const& opened = {});
     bool isRecording() const { return m_job && m_isJobRunning; }
 
     CxPluginHost const& m_plugins;
@@ -92,9 +86,7 @@ private:
     CxMessageBar* m_messageBar;
     CxRecordBar* m_recordBar;
     CxTransportBar* m_transport;
-    QLabel* m_pixelLabel;
-    QLabel* m_formatLabel;
-    QLabel* m_zoomLabel;
-    QLabel* m_rateLabel;
+    CxStatusBar* m_status;
+    CxRecentFiles* m_recent;
     QString m_offeredFile; ///< what the message's button opens
 };

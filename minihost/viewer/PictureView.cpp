@@ -49,6 +49,7 @@ void CxPictureView::sharpen()
 
 void CxPictureView::setPicture(SxShownPicture const& picture)
 {
+    bool const isFirst = m_picture.image.isNull();
     bool const isSameSize = picture.image.size() == m_picture.image.size();
     m_picture = picture;
     m_notice.clear();
@@ -61,6 +62,8 @@ void CxPictureView::setPicture(SxShownPicture const& picture)
     }
     repaintSoon();
     point(m_mouse);
+    if (m_picture.data)
+        emit pictureShown(m_picture, isFirst);
 }
 
 void CxPictureView::setNotice(QString const& text)

@@ -36,6 +36,8 @@ public slots:
     void pan(QPointF const& distance); ///< moves the picture, in widget coordinates
 
 signals:
+    /// Any picture but an empty one. \p isFirst: there was none before.
+    void pictureShown(SxShownPicture const& picture, bool isFirst);
     void zoomChanged(double zoom);
     void pixelPointed(QPoint const& pixel); ///< under the mouse; outside the picture when there is none
     void doubleClicked();

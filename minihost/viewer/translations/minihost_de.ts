@@ -140,6 +140,33 @@
     </message>
 </context>
 <context>
+    <name>CxFileDialogs</name>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Open Recording</source>
+        <translation>Aufnahme öffnen</translation>
+    </message>
+    <message>
+        <source>Open Video, Stream or Device</source>
+        <translation>Video, Stream oder Gerät öffnen</translation>
+    </message>
+    <message>
+        <source>File, address or device, such as clip.mp4, rtsp://camera/stream or v4l2:/dev/video0:</source>
+        <translation>Datei, Adresse oder Gerät, etwa clip.mp4, rtsp://kamera/stream oder v4l2:/dev/video0:</translation>
+    </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>Bild speichern</translation>
+    </message>
+    <message>
+        <source>PNG picture (*.png)</source>
+        <translation>PNG-Bild (*.png)</translation>
+    </message>
+</context>
+<context>
     <name>CxHelpWindow</name>
     <message>
         <source>Keys</source>
@@ -183,34 +210,6 @@
     <message>
         <source>Picture</source>
         <translation>Bild</translation>
-    </message>
-    <message>
-        <source>Place and value of the pixel under the mouse</source>
-        <translation>Ort und Wert des Pixels unter der Maus</translation>
-    </message>
-    <message>
-        <source>Size of the picture</source>
-        <translation>Größe des Bildes</translation>
-    </message>
-    <message>
-        <source>Zoom: screen pixels for each pixel of the picture</source>
-        <translation>Zoom: Bildschirmpixel je Pixel des Bildes</translation>
-    </message>
-    <message>
-        <source>Pictures really shown each second</source>
-        <translation>Wirklich gezeigte Bilder je Sekunde</translation>
-    </message>
-    <message>
-        <source>%1 pictures/s</source>
-        <translation>%1 Bilder/s</translation>
-    </message>
-    <message>
-        <source>%1 %</source>
-        <translation>%1 %</translation>
-    </message>
-    <message>
-        <source>%1, fitted</source>
-        <translation>%1, angepasst</translation>
     </message>
     <message>
         <source>Test Camera</source>
@@ -265,26 +264,6 @@
         <translation>Die Quelle lässt sich nicht lesen.</translation>
     </message>
     <message>
-        <source>%1 × %2, %3-bit grey</source>
-        <translation>%1 × %2, %3 Bit grau</translation>
-    </message>
-    <message>
-        <source>%1 × %2, %3-bit colour</source>
-        <translation>%1 × %2, %3 Bit farbig</translation>
-    </message>
-    <message>
-        <source>grey %1</source>
-        <translation>Grau %1</translation>
-    </message>
-    <message>
-        <source>red %1, green %2, blue %3</source>
-        <translation>Rot %1, Grün %2, Blau %3</translation>
-    </message>
-    <message>
-        <source>(%1, %2): %3</source>
-        <translation>(%1, %2): %3</translation>
-    </message>
-    <message>
         <source>&amp;Record…</source>
         <translation>Auf&amp;zeichnen …</translation>
     </message>
@@ -335,22 +314,6 @@
         <translation>Es wird gerade aufgezeichnet. Aufzeichnung beenden und schließen?</translation>
     </message>
     <message>
-        <source>All files (*)</source>
-        <translation>Alle Dateien (*)</translation>
-    </message>
-    <message>
-        <source>Open Recording</source>
-        <translation>Aufnahme öffnen</translation>
-    </message>
-    <message>
-        <source>Open Video, Stream or Device</source>
-        <translation>Video, Stream oder Gerät öffnen</translation>
-    </message>
-    <message>
-        <source>File, address or device, such as clip.mp4, rtsp://camera/stream or v4l2:/dev/video0:</source>
-        <translation>Datei, Adresse oder Gerät, etwa clip.mp4, rtsp://kamera/stream oder v4l2:/dev/video0:</translation>
-    </message>
-    <message>
         <source>Go to Picture</source>
         <translation>Gehe zu Bild</translation>
     </message>
@@ -361,14 +324,6 @@
     <message>
         <source>live</source>
         <translation>live</translation>
-    </message>
-    <message>
-        <source>Save Picture</source>
-        <translation>Bild speichern</translation>
-    </message>
-    <message>
-        <source>PNG picture (*.png)</source>
-        <translation>PNG-Bild (*.png)</translation>
     </message>
 </context>
 <context>
@@ -519,6 +474,57 @@
     <message>
         <source>Opened before</source>
         <translation>Früher geöffnet</translation>
+    </message>
+</context>
+<context>
+    <name>CxStatusBar</name>
+    <message>
+        <source>Place and value of the pixel under the mouse</source>
+        <translation>Ort und Wert des Pixels unter der Maus</translation>
+    </message>
+    <message>
+        <source>Size of the picture</source>
+        <translation>Größe des Bildes</translation>
+    </message>
+    <message>
+        <source>Zoom: screen pixels for each pixel of the picture</source>
+        <translation>Zoom: Bildschirmpixel je Pixel des Bildes</translation>
+    </message>
+    <message>
+        <source>Pictures really shown each second</source>
+        <translation>Wirklich gezeigte Bilder je Sekunde</translation>
+    </message>
+    <message>
+        <source>%1 pictures/s</source>
+        <translation>%1 Bilder/s</translation>
+    </message>
+    <message>
+        <source>grey %1</source>
+        <translation>Grau %1</translation>
+    </message>
+    <message>
+        <source>red %1, green %2, blue %3</source>
+        <translation>Rot %1, Grün %2, Blau %3</translation>
+    </message>
+    <message>
+        <source>(%1, %2): %3</source>
+        <translation>(%1, %2): %3</translation>
+    </message>
+    <message>
+        <source>%1 × %2, %3-bit grey</source>
+        <translation>%1 × %2, %3 Bit grau</translation>
+    </message>
+    <message>
+        <source>%1 × %2, %3-bit colour</source>
+        <translation>%1 × %2, %3 Bit farbig</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1, fitted</source>
+        <translation>%1, angepasst</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QStatusBar>
+
+#include "ShownPicture.h"
+
+class CxPictureView;
+class QLabel;
+
+/// What there is to know of the picture in the view: the pixel under the mouse, format, zoom, and how many
+/// pictures a second are shown.
+class CxStatusBar : public QStatusBar
+{
+    Q_OBJECT
+
+public:
+    CxStatusBar(CxPictureView const& view, QWidget* parent); ///< follows \p view
+
+    void clearTexts();
+    void showRate(double picturesPerSecond); ///< 0 while not playing
+
+private:
+    void showPixel(QPoint const& position);
+    void showFormat(SxShownPicture const& picture);
+    void showZoom(double zoom);
+
+    CxPictureView const& m_view;
+    QLabel* m_pixel;
+    QLabel* m_format;
+    QLabel* m_zoom;
+    QLabel* m_rate;
+};
