@@ -1,25 +1,20 @@
 #pragma once
 
 #include <QMainWindow>
-#include <memory>
 
-#include "LiveSource.h"
-#include "Player.h"
-#include "RecordDialog.h"
+#include "LiveControl.h"
+#include "PlayControl.h"
+#include "RecordControl.h"
 
-class CxActions;
-class CxMessageBar;
-class CxPictureView;
 class CxPluginHost;
 class CxRecentFiles;
 class CxRecordBar;
-class CxRecordJob;
 class CxStartPage;
 class CxStatusBar;
-class CxTransportBar;
 class QStackedWidget;
 
-/// The viewer's window: shows a recording or a live source, and records.
+/// The viewer's window: menus, pages and what may be done when. What a recording or a live source does in it
+/// lies in CxPlayControl and CxLiveControl, what is recorded in CxRecordControl.
 class CxMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -27,7 +22,6 @@ class CxMainWindow : public QMainWindow
 public:
     /// \param plugins  loaded before, and alive as long as the window.
     explicit CxMainWindow(CxPluginHost const& plugins, QWidget* parent = nullptr);
-    ~CxMainWindow() override;
 
     /// Opens what a person names: a recording, "camera:" for the test camera, or anything that FFmpeg reads.
     void openNamed(QString const& name);
@@ -35,11 +29,11 @@ public:
     void openLive(QString const& name, SourceFactory const& make); ///< \p name is shown in the title
 
     /// Begins a recording of what is open; one at a time.
-    void startRecording(SxRecordChoice const& choice);
+    void startRecording(SxRecordChoice const& choice) { m_record.start(choice); }
 
     bool savePictureAs(QString const& fileName); ///< PNG or what the suffix says; failure is shown
 
-    CxPlayer& player() { return m_player; }
+    CxPlayer& player() { return m_play.player(); }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -49,36 +43,17 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    void buildCentre();
     void connectActions();
-    void connectPlayer();
-    void connectView();
-
-    void askForNumber();
-    void askForPictureFile();
-    void askHowToRecord();
-    void togglePlaying();
-    void setFullScreen(bool isFullScreen);
-
-    void takeOpened(SxOpenedRecording const& info);
-    void takeOpenFailure(QString const& fileName, QStringList const& messages);
-    void takePictureFailure(int number, QStringList const& messages);
-    void takeLivePicture(SxShownPicture const& picture);
-    void takeSourceEnd(QString const& error);
-    void finishRecording(SxRecordSummary const& summary);
-
+    void connectControls();
     void closeAll();
+    void takeOpened(SxOpenedRecording const& info);
     void setTitle(QString const& name);
+    void setFullScreen(bool isFullScreen);
     void updateActions();
-    bool isRecording() const { return m_job && m_isJobRunning; }
+    void askForPictureFile();
 
     CxPluginHost const& m_plugins;
-    CxPlayer m_player;
-    std::unique_ptr<CxRecordJob> m_job; ///< the last one; before m_live, which may be running it
-    bool m_isJobRunning = false;
-    std::unique_ptr<CxLiveSource> m_live;
-    bool m_isFrozen = false; ///< live, but the picture stands still
-    bool m_resumesAfterDrag = false;
-
     CxActions* m_actions;
     QStackedWidget* m_pages;
     CxStartPage* m_startPage;
@@ -88,5 +63,7 @@ private:
     CxTransportBar* m_transport;
     CxStatusBar* m_status;
     CxRecentFiles* m_recent;
-    QString m_offeredFile; ///< what the message's button opens
+    CxPlayControl m_play;
+    CxLiveControl m_live;
+    CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

@@ -206,6 +206,21 @@
     </message>
 </context>
 <context>
+    <name>CxLiveControl</name>
+    <message>
+        <source>Waiting for the first picture…</source>
+        <translation>Warten auf das erste Bild …</translation>
+    </message>
+    <message>
+        <source>The source has ended.</source>
+        <translation>Die Quelle ist zu Ende.</translation>
+    </message>
+    <message>
+        <source>The source cannot be read.</source>
+        <translation>Die Quelle lässt sich nicht lesen.</translation>
+    </message>
+</context>
+<context>
     <name>CxMainWindow</name>
     <message>
         <source>Picture</source>
@@ -216,12 +231,58 @@
         <translation>Testkamera</translation>
     </message>
     <message>
+        <source>&amp;Record…</source>
+        <translation>Auf&amp;zeichnen …</translation>
+    </message>
+    <message>
+        <source>Save &amp;Part…</source>
+        <translation>A&amp;usschnitt speichern …</translation>
+    </message>
+    <message>
+        <source>The picture could not be saved to “%1”.</source>
+        <translation>Das Bild ließ sich nicht in „%1“ speichern.</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>A recording is under way. End it and quit?</source>
+        <translation>Es wird gerade aufgezeichnet. Aufzeichnung beenden und schließen?</translation>
+    </message>
+    <message>
+        <source>live</source>
+        <translation>live</translation>
+    </message>
+</context>
+<context>
+    <name>CxMessageBar</name>
+    <message>
+        <source>&amp;Details</source>
+        <translation>&amp;Einzelheiten</translation>
+    </message>
+    <message>
+        <source>Close this message</source>
+        <translation>Diese Meldung schließen</translation>
+    </message>
+    <message>
+        <source>Details of the message</source>
+        <translation>Einzelheiten der Meldung</translation>
+    </message>
+</context>
+<context>
+    <name>CxPlayControl</name>
+    <message>
         <source>Opening…</source>
         <translation>Wird geöffnet …</translation>
     </message>
     <message>
-        <source>Waiting for the first picture…</source>
-        <translation>Warten auf das erste Bild …</translation>
+        <source>Go to Picture</source>
+        <translation>Gehe zu Bild</translation>
+    </message>
+    <message>
+        <source>Number, 0 to %1:</source>
+        <translation>Nummer, 0 bis %1:</translation>
     </message>
     <message>
         <source>“%1” does not exist.</source>
@@ -255,22 +316,38 @@
         <source>Other pictures may still be fine.</source>
         <translation>Andere Bilder können noch in Ordnung sein.</translation>
     </message>
+</context>
+<context>
+    <name>CxRecordBar</name>
     <message>
-        <source>The source has ended.</source>
-        <translation>Die Quelle ist zu Ende.</translation>
+        <source>S&amp;top</source>
+        <translation>A&amp;nhalten</translation>
     </message>
     <message>
-        <source>The source cannot be read.</source>
-        <translation>Die Quelle lässt sich nicht lesen.</translation>
+        <source>Progress of the recording</source>
+        <translation>Fortschritt der Aufzeichnung</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s)</source>
+        <translation>
+            <numerusform>%n Bild</numerusform>
+            <numerusform>%n Bilder</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n skipped</source>
+        <translation>
+            <numerusform>%n ausgelassen</numerusform>
+            <numerusform>%n ausgelassen</numerusform>
+        </translation>
     </message>
     <message>
-        <source>&amp;Record…</source>
-        <translation>Auf&amp;zeichnen …</translation>
+        <source>Recording to %1: %2</source>
+        <translation>Aufzeichnung in %1: %2</translation>
     </message>
-    <message>
-        <source>Save &amp;Part…</source>
-        <translation>A&amp;usschnitt speichern …</translation>
-    </message>
+</context>
+<context>
+    <name>CxRecordControl</name>
     <message>
         <source>Saving to “%1” failed.</source>
         <translation>Das Speichern in „%1“ ist misslungen.</translation>
@@ -300,74 +377,6 @@
     <message>
         <source>&amp;Open It</source>
         <translation>Ö&amp;ffnen</translation>
-    </message>
-    <message>
-        <source>The picture could not be saved to “%1”.</source>
-        <translation>Das Bild ließ sich nicht in „%1“ speichern.</translation>
-    </message>
-    <message>
-        <source>Recording</source>
-        <translation>Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>A recording is under way. End it and quit?</source>
-        <translation>Es wird gerade aufgezeichnet. Aufzeichnung beenden und schließen?</translation>
-    </message>
-    <message>
-        <source>Go to Picture</source>
-        <translation>Gehe zu Bild</translation>
-    </message>
-    <message>
-        <source>Number, 0 to %1:</source>
-        <translation>Nummer, 0 bis %1:</translation>
-    </message>
-    <message>
-        <source>live</source>
-        <translation>live</translation>
-    </message>
-</context>
-<context>
-    <name>CxMessageBar</name>
-    <message>
-        <source>&amp;Details</source>
-        <translation>&amp;Einzelheiten</translation>
-    </message>
-    <message>
-        <source>Close this message</source>
-        <translation>Diese Meldung schließen</translation>
-    </message>
-    <message>
-        <source>Details of the message</source>
-        <translation>Einzelheiten der Meldung</translation>
-    </message>
-</context>
-<context>
-    <name>CxRecordBar</name>
-    <message>
-        <source>S&amp;top</source>
-        <translation>A&amp;nhalten</translation>
-    </message>
-    <message>
-        <source>Progress of the recording</source>
-        <translation>Fortschritt der Aufzeichnung</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n picture(s)</source>
-        <translation>
-            <numerusform>%n Bild</numerusform>
-            <numerusform>%n Bilder</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n skipped</source>
-        <translation>
-            <numerusform>%n ausgelassen</numerusform>
-            <numerusform>%n ausgelassen</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>Recording to %1: %2</source>
-        <translation>Aufzeichnung in %1: %2</translation>
     </message>
 </context>
 <context>

@@ -2,23 +2,6 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
-    <name>CxMainWindow</name>
-    <message numerus="yes">
-        <source>%n picture(s) saved, %1.</source>
-        <translation>
-            <numerusform>%n picture saved, %1.</numerusform>
-            <numerusform>%n pictures saved, %1.</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.</source>
-        <translation>
-            <numerusform>%n picture left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
-            <numerusform>%n pictures left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
     <name>CxRecordBar</name>
     <message numerus="yes">
         <source>%n picture(s)</source>
@@ -32,6 +15,23 @@
         <translation>
             <numerusform>%n skipped</numerusform>
             <numerusform>%n skipped</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordControl</name>
+    <message numerus="yes">
+        <source>%n picture(s) saved, %1.</source>
+        <translation>
+            <numerusform>%n picture saved, %1.</numerusform>
+            <numerusform>%n pictures saved, %1.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.</source>
+        <translation>
+            <numerusform>%n picture left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
+            <numerusform>%n pictures left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
         </translation>
     </message>
 </context>

@@ -1,0 +1,135 @@
+#include "PlayControl.h"
+
+#include <QActionGroup>
+#include <QDir>
+#include <QFileInfo>
+#include <QInputDialog>
+
+#include "Actions.h"
+#include "MessageBar.h"
+#include "PictureView.h"
+#include "Timeline.h"
+#include "TransportBar.h"
+
+CxPlayControl::CxPlayControl(CxActions& actions, CxPictureView& view, CxTransportBar& transport,
+                             CxMessageBar& messages, QWidget& window)
+    : m_actions(actions)
+    , m_view(view)
+    , m_transport(transport)
+    , m_messages(messages)
+    , m_window(window)
+{
+    connectPlayer();
+    connectActions();
+    connectTimeline();
+}
+
+void CxPlayControl::connectPlayer()
+{
+    connect(&m_player, &CxPlayer::opened, this, &CxPlayControl::takeOpened);
+    connect(&m_player, &CxPlayer::openFailed, this, &CxPlayControl::takeOpenFailure);
+    connect(&m_player, &CxPlayer::pictureFailed, this, &CxPlayControl::takePictureFailure);
+    connect(&m_player, &CxPlayer::shown, this, [this](SxShownPicture const& picture) {
+        m_view.setPicture(picture);
+        m_transport.showNumber(picture.number);
+    });
+    connect(&m_player, &CxPlayer::playingChanged, &m_actions, &CxActions::showPlaying);
+}
+
+void CxPlayControl::connectActions()
+{
+    auto const on = [this](QAction* action, auto&& what) {
+        connect(action, &QAction::triggered, this, what);
+    };
+    on(m_actions.previousPicture, [this] { m_player.step(-1); });
+    on(m_actions.nextPicture, [this] { m_player.step(1); });
+    on(m_actions.previousKeyFrame, [this] { m_player.toPreviousKeyFrame(); });
+    on(m_actions.nextKeyFrame, [this] { m_player.toNextKeyFrame(); });
+    on(m_actions.first, [this] { m_player.seek(0); });
+    on(m_actions.last, [this] { m_player.seek(m_player.info().count - 1); });
+    on(m_actions.goTo, [this] { askForNumber(); });
+    on(m_actions.loop, [this](bool isOn) { m_player.setLooping(isOn); });
+    connect(m_actions.speeds, &QActionGroup::triggered, this,
+            [this](QAction* action) { m_player.setSpeed(action->data().toDouble()); });
+}
+
+void CxPlayControl::connectTimeline()
+{
+    CxTimeline* const timeline = m_transport.timeline();
+    connect(timeline, &QAbstractSlider::valueChanged, &m_player, &CxPlayer::seek);
+    connect(timeline, &QAbstractSlider::sliderPressed, this, [this] {
+        m_resumesAfterDrag = m_player.isPlaying();
+        m_player.setPlaying(false);
+    });
+    connect(timeline, &QAbstractSlider::sliderReleased, this,
+            [this] { m_player.setPlaying(m_resumesAfterDrag); });
+}
+
+void CxPlayControl::open(QString const& fileName)
+{
+    m_view.setNotice(tr("Opening…"));
+    m_player.open(fileName);
+}
+
+void CxPlayControl::close()
+{
+    m_player.close();
+    m_transport.setRecording({});
+}
+
+void CxPlayControl::askForNumber()
+{
+    bool isChosen = false;
+    int const last = m_player.info().count - 1;
+    int const number = QInputDialog::getInt(&m_window, tr("Go to Picture"), tr("Number, 0 to %1:").arg(last),
+                                            std::max(m_player.shownNumber(), 0), 0, last, 1, &isChosen);
+    if (isChosen)
+        m_player.seek(number);
+}
+
+void CxPlayControl::takeOpened(SxOpenedRecording const& info)
+{
+    m_transport.setRecording(info);
+    emit opened(info);
+}
+
+/// Why a file did not open, as far as the file itself tells.
+static QString fx_WhyNotOpened(QString const& fileName)
+{
+    QFileInfo const info(fileName);
+    QString const name = info.fileName();
+    if (!info.exists())
+        return CxPlayControl::tr("“%1” does not exist.").arg(QDir::toNativeSeparators(fileName));
+    if (info.isDir())
+        return CxPlayControl::tr("“%1” is a folder, not a recording.").arg(name);
+    if (!info.isReadable())
+        return CxPlayControl::tr("You are not allowed to read “%1”.").arg(name);
+    if (info.size() == 0)
+        return CxPlayControl::tr("“%1” is empty.").arg(name);
+    return CxPlayControl::tr("“%1” is not an H.264 recording, or its beginning is damaged.").arg(name);
+}
+
+/// What the plug-in said, for the message's details.
+static QStringList fx_Details(QStringList const& messages)
+{
+    return messages.isEmpty() ? QStringList{CxPlayControl::tr("The plug-in gave no reason.")} : messages;
+}
+
+void CxPlayControl::takeOpenFailure(QString const& fileName, QStringList const& messages)
+{
+    m_player.close();
+    m_view.setPicture({});
+    m_messages.showMessage(CxMessageBar::Kind::Warning, fx_WhyNotOpened(fileName), fx_Details(messages));
+    emit openFailed();
+}
+
+void CxPlayControl::takePictureFailure(int number, QStringList const& messages)
+{
+    QString const text = tr("Picture %1 cannot be shown: the recording is damaged there.").arg(number);
+    m_view.setNotice(text);
+    m_transport.showNumber(number);
+    m_messages.showMessage(CxMessageBar::Kind::Warning,
+                           text + QLatin1Char(' ') + tr("Other pictures may still be fine."),
+                           fx_Details(messages));
+    emit pictureFailed();
+}

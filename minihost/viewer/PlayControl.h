@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QObject>
+
+#include "Player.h"
+
+class CxActions;
+class CxMessageBar;
+class CxPictureView;
+class CxTransportBar;
+class QWidget;
+
+/// Plays a recording in the window: connects the player with its actions, the timeline and the view, and says
+/// what cannot be shown.
+class CxPlayControl : public QObject
+{
+    Q_OBJECT
+
+public:
+    CxPlayControl(CxActions& actions, CxPictureView& view, CxTransportBar& transport, CxMessageBar& messages,
+                  QWidget& window);
+
+    CxPlayer& player() { return m_player; }
+
+    void open(QString const& fileName); ///< opened() or openFailed() follows
+    void close();
+    void togglePlaying() { m_player.setPlaying(!m_player.isPlaying()); }
+
+signals:
+    void opened(SxOpenedRecording const& info);
+    void openFailed();    ///< the reason is shown
+    void pictureFailed(); ///< likewise; the view is empty
+
+private:
+    void connectPlayer();
+    void connectActions();
+    void connectTimeline();
+    void askForNumber();
+    void takeOpened(SxOpenedRecording const& info);
+    void takeOpenFailure(QString const& fileName, QStringList const& messages);
+    void takePictureFailure(int number, QStringList const& messages);
+
+    CxActions& m_actions;
+    CxPictureView& m_view;
+    CxTransportBar& m_transport;
+    CxMessageBar& m_messages;
+    QWidget& m_window; ///< of its questions
+    CxPlayer m_player;
+    bool m_resumesAfterDrag = false;
+};

@@ -1,0 +1,92 @@
+#include "RecordControl.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+#include "LiveControl.h"
+#include "MessageBar.h"
+#include "PlayControl.h"
+#include "RecordBar.h"
+#include "RecordingSource.h"
+
+CxRecordControl::CxRecordControl(CxPlayControl& play, CxLiveControl& live, CxRecordBar& bar,
+                                 CxMessageBar& messages, QWidget& window)
+    : m_play(play)
+    , m_live(live)
+    , m_bar(bar)
+    , m_messages(messages)
+    , m_window(window)
+{
+    connect(&m_bar, &CxRecordBar::stopRequested, this, [this] { m_job->cancel(); });
+    connect(&m_messages, &CxMessageBar::triggered, this,
+            [this] { emit openRequested(m_job->request().outputFile); });
+}
+
+CxRecordControl::~CxRecordControl()
+{
+    m_live.close(); // it may be running the job
+}
+
+void CxRecordControl::ask()
+{
+    SxOpenedRecording const& recording = m_play.player().info();
+    auto* const dialog =
+        m_live.isOpen() ? new CxRecordDialog(-1, 0.0, {}, &m_window)
+                        : new CxRecordDialog(recording.count, recording.fps, recording.fileName, &m_window);
+    m_play.player().setPlaying(false);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, [this, dialog] { start(dialog->choice()); });
+    dialog->open();
+}
+
+void CxRecordControl::start(SxRecordChoice const& choice)
+{
+    m_messages.dismiss();
+    m_play.player().setPlaying(false);
+    m_job = std::make_unique<CxRecordJob>(choice.request);
+    connect(m_job.get(), &CxRecordJob::progressed, &m_bar, &CxRecordBar::showProgress);
+    connect(m_job.get(), &CxRecordJob::finished, this, &CxRecordControl::finish);
+    m_isRunning = true;
+    if (m_live.isOpen()) {
+        int const limit = choice.request.maxPictures;
+        m_bar.begin(choice.request.outputFile, limit > 0 ? limit : -1);
+        m_live.record(m_job.get());
+    } else {
+        m_bar.begin(choice.request.outputFile, choice.last - choice.first + 1);
+        QString error;
+        m_job->start(std::make_unique<CxRecordingSource>(CxPluginHost::create("IxImageDataLoader", error),
+                                                         m_play.player().info().fileName, choice.first,
+                                                         choice.last));
+    }
+    emit runningChanged();
+}
+
+void CxRecordControl::finish(SxRecordSummary const& summary)
+{
+    m_isRunning = false;
+    m_bar.hide();
+    QString const name = QFileInfo(m_job->request().outputFile).fileName();
+    CxRecordDialog::applyRememberedOptions();
+
+    QStringList parts;
+    if (!summary.error.isEmpty())
+        parts.append(tr("Saving to “%1” failed.").arg(name));
+    else if (summary.wasStopped)
+        parts.append(tr("Stopped: “%1” holds what was saved until then.").arg(name));
+    else
+        parts.append(tr("“%1” is complete.").arg(name));
+    if (summary.coded > 0)
+        parts.append(
+            tr("%n picture(s) saved, %1.", nullptr, summary.coded)
+                .arg(m_window.locale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeSIFormat)));
+    if (!summary.skipped.isEmpty())
+        parts.append(
+            tr("%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.",
+               nullptr, summary.skipped.size()));
+    bool const failed = !summary.error.isEmpty();
+    m_messages.showMessage(failed ? CxMessageBar::Kind::Warning : CxMessageBar::Kind::Information,
+                           parts.join(QLatin1Char(' ')), failed ? QStringList{summary.error} : QStringList());
+    if (summary.coded > 0)
+        m_messages.offer(tr("&Open It"));
+    emit runningChanged();
+}
