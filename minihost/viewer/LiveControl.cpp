@@ -47,7 +47,7 @@ void CxLiveControl::takeEnd(QString const& error)
         m_view.setNotice(text);
     m_messages.showMessage(error.isEmpty() ? CxMessageBar::Kind::Information : CxMessageBar::Kind::Warning,
                            text, error.isEmpty() ? QStringList() : QStringList{error});
-    m_source->wait(); // it is past its work
+    m_source->wait(); // its thread has nothing left to do but to return
     m_source.reset();
     emit ended();
 }

@@ -62,21 +62,10 @@ CxRecordDialog::CxRecordDialog(int pictures, double fps, QString const& sourceFi
     bool const isLive = pictures < 0;
     setWindowTitle(isLive ? tr("Record") : tr("Save Part of the Recording"));
 
-    auto* const browseButton = new QPushButton(tr("&Browse…"), this);
-    browseButton->setObjectName(QStringLiteral("browse"));
-    browseButton->setAutoDefault(false);
-    connect(browseButton, &QPushButton::clicked, this, &CxRecordDialog::browse);
-    auto* const fileRow = new QHBoxLayout;
-    fileRow->addWidget(m_file, 1);
-    fileRow->addWidget(browseButton);
-    m_file->setObjectName(QStringLiteral("outputFile"));
-    m_file->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
-    m_format->setObjectName(QStringLiteral("format"));
-
     auto* const form = new QFormLayout;
-    form->addRow(tr("&File:"), fileRow);
-    qobject_cast<QLabel*>(form->labelForField(fileRow))->setBuddy(m_file);
+    addFile(form);
     form->addRow(tr("F&ormat:"), m_format);
+    m_format->setObjectName(QStringLiteral("format"));
     addRange(form, pictures);
 
     auto* const column = new QVBoxLayout(this);
@@ -87,20 +76,38 @@ CxRecordDialog::CxRecordDialog(int pictures, double fps, QString const& sourceFi
     column->addWidget(m_note);
     column->addStretch(1);
     column->addWidget(m_buttons);
-
-    m_buttons->addButton(QDialogButtonBox::Cancel);
-    QPushButton* const start =
-        m_buttons->addButton(isLive ? tr("&Record") : tr("&Save"), QDialogButtonBox::AcceptRole);
-    start->setObjectName(QStringLiteral("start"));
-    start->setDefault(true);
-    connect(m_buttons, &QDialogButtonBox::accepted, this, &CxRecordDialog::accept);
-    connect(m_buttons, &QDialogButtonBox::rejected, this, &CxRecordDialog::reject);
+    addButtons(isLive ? tr("&Record") : tr("&Save"));
 
     m_file->setText(suggestedFile(sourceFile));
     connect(m_file, &QLineEdit::textChanged, this, &CxRecordDialog::updateState);
     updateState();
     // The panel grows when its advanced rows appear: follow it instead of squeezing it.
     column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void CxRecordDialog::addFile(QFormLayout* form)
+{
+    auto* const browseButton = new QPushButton(tr("&Browse…"), this);
+    browseButton->setObjectName(QStringLiteral("browse"));
+    browseButton->setAutoDefault(false);
+    connect(browseButton, &QPushButton::clicked, this, &CxRecordDialog::browse);
+    m_file->setObjectName(QStringLiteral("outputFile"));
+    m_file->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
+    auto* const row = new QHBoxLayout;
+    row->addWidget(m_file, 1);
+    row->addWidget(browseButton);
+    form->addRow(tr("&File:"), row);
+    qobject_cast<QLabel*>(form->labelForField(row))->setBuddy(m_file);
+}
+
+void CxRecordDialog::addButtons(QString const& startText)
+{
+    m_buttons->addButton(QDialogButtonBox::Cancel);
+    QPushButton* const start = m_buttons->addButton(startText, QDialogButtonBox::AcceptRole);
+    start->setObjectName(QStringLiteral("start"));
+    start->setDefault(true);
+    connect(m_buttons, &QDialogButtonBox::accepted, this, &CxRecordDialog::accept);
+    connect(m_buttons, &QDialogButtonBox::rejected, this, &CxRecordDialog::reject);
 }
 
 void CxRecordDialog::addRange(QFormLayout* form, int pictures)
@@ -163,7 +170,7 @@ void CxRecordDialog::addSaverWidget(QVBoxLayout* column)
         delete group;
         return;
     }
-    // The panel names its controls for the eye only.
+    // The panel labels its slider for the eye only: a screen reader would find no name.
     for (QAbstractSlider* const slider : m_saverWidget->findChildren<QAbstractSlider*>())
         slider->setAccessibleName(tr("Quality"));
     inside->addWidget(m_saverWidget);

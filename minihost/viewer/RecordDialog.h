@@ -41,8 +41,10 @@ public slots:
     void accept() override;
 
 private:
+    void addFile(class QFormLayout* form);
     void addRange(class QFormLayout* form, int pictures);
     void addSaverWidget(class QVBoxLayout* column);
+    void addButtons(QString const& startText);
     void browse();
     void updateState();
     QString suggestedFile(QString const& sourceFile) const;

@@ -12,6 +12,7 @@
 #include "Timeline.h"
 
 static constexpr int kButtonSide = 24;
+static constexpr int kRecordIconSide = 16;
 
 CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     : QWidget(parent)
@@ -28,22 +29,63 @@ CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     row->setSpacing(2);
     for (QAction* const action :
          {actions.first, actions.previousKeyFrame, actions.previousPicture, actions.play, actions.nextPicture,
-          actions.nextKeyFrame, actions.last, actions.loop}) {
-        auto* const button = new QToolButton(this);
-        button->setDefaultAction(action);
-        button->setObjectName(action->objectName() + QStringLiteral("Button"));
-        button->setAccessibleName(QString(action->text()).remove(QLatin1Char('&')));
-        button->setIconSize({kButtonSide, kButtonSide});
-        button->setToolButtonStyle(Qt::ToolButtonIconOnly);
-        button->setAutoRaise(true);
-        button->setFocusPolicy(Qt::TabFocus); // a click leaves the keys to the picture
-        button->installEventFilter(this);
-        connect(action, &QAction::changed, button, [button, action] {
-            button->setAccessibleName(QString(action->text()).remove(QLatin1Char('&')));
-        });
-        row->addWidget(button);
+          actions.nextKeyFrame, actions.last, actions.loop})
+        row->addWidget(newPlayerButton(action));
+    connectSpeed(actions);
+    row->addSpacing(6);
+    row->addWidget(m_speed);
+    nameLabels();
+    for (QLabel* const label : {m_number, m_time}) {
+        row->addSpacing(12);
+        row->addWidget(label);
     }
+    row->addSpacing(12);
+    row->addStretch(1);
+    row->addWidget(newRecordButton(actions.record));
 
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(8, 4, 8, 4);
+    column->setSpacing(2);
+    column->addWidget(m_timeline);
+    column->addLayout(row);
+    setRecording({});
+}
+
+QToolButton* CxTransportBar::newButton(QAction* action)
+{
+    auto* const button = new QToolButton(this);
+    button->setDefaultAction(action);
+    button->setObjectName(action->objectName() + QStringLiteral("Button"));
+    button->setFocusPolicy(Qt::TabFocus); // a click leaves the keys to the picture
+    button->installEventFilter(this);
+    return button;
+}
+
+QToolButton* CxTransportBar::newPlayerButton(QAction* action)
+{
+    QToolButton* const button = newButton(action);
+    button->setIconSize({kButtonSide, kButtonSide});
+    button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    button->setAutoRaise(true);
+    auto const takeName = [button, action] {
+        button->setAccessibleName(QString(action->text()).remove(QLatin1Char('&')));
+    };
+    takeName();
+    connect(action, &QAction::changed, button, takeName);
+    return button;
+}
+
+QToolButton* CxTransportBar::newRecordButton(QAction* action)
+{
+    QToolButton* const button = newButton(action);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setIconSize({kRecordIconSide, kRecordIconSide});
+    return button;
+}
+
+/// The box shows which of the speeds is checked, and choosing in it triggers that one.
+void CxTransportBar::connectSpeed(CxActions& actions)
+{
     m_speed->setObjectName(QStringLiteral("speed"));
     m_speed->setAccessibleName(tr("Speed"));
     m_speed->setToolTip(tr("Speed"));
@@ -61,9 +103,10 @@ CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     connect(actions.speeds, &QActionGroup::triggered, this, follow);
     connect(m_speed, QOverload<int>::of(&QComboBox::activated), this,
             [&actions](int index) { actions.speeds->actions().at(index)->trigger(); });
-    row->addSpacing(6);
-    row->addWidget(m_speed);
+}
 
+void CxTransportBar::nameLabels()
+{
     m_number->setObjectName(QStringLiteral("number"));
     m_number->setAccessibleName(tr("Number of the picture shown"));
     m_time->setObjectName(QStringLiteral("time"));
@@ -71,28 +114,6 @@ CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     QFont bold = m_number->font();
     bold.setBold(true);
     m_number->setFont(bold);
-    row->addSpacing(12);
-    row->addWidget(m_number);
-    row->addSpacing(12);
-    row->addWidget(m_time);
-    row->addSpacing(12);
-    row->addStretch(1);
-
-    auto* const recordButton = new QToolButton(this);
-    recordButton->setDefaultAction(actions.record);
-    recordButton->setObjectName(QStringLiteral("recordButton"));
-    recordButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    recordButton->setIconSize({16, 16});
-    recordButton->setFocusPolicy(Qt::TabFocus);
-    recordButton->installEventFilter(this);
-    row->addWidget(recordButton);
-
-    auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(8, 4, 8, 4);
-    column->setSpacing(2);
-    column->addWidget(m_timeline);
-    column->addLayout(row);
-    setRecording({});
 }
 
 /// Space is play and pause, except on a control that was reached with Tab: there it presses that.

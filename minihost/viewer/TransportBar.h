@@ -6,8 +6,10 @@
 
 class CxActions;
 class CxTimeline;
+class QAction;
 class QComboBox;
 class QLabel;
+class QToolButton;
 
 /// Below the picture: the timeline, the player's buttons, and which picture is shown.
 class CxTransportBar : public QWidget
@@ -26,6 +28,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    QToolButton* newButton(QAction* action);
+    QToolButton* newPlayerButton(QAction* action);
+    QToolButton* newRecordButton(QAction* action);
+    void connectSpeed(CxActions& actions);
+    void nameLabels();
+
     CxTimeline* m_timeline;
     QLabel* m_number;
     QLabel* m_time;
