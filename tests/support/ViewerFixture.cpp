@@ -36,7 +36,7 @@ static SxCreated<IxImageDataLoader> fx_Loader(QString const& fileName)
 {
     QString error;
     auto loader = fx_Create<IxImageDataLoader>("IxImageDataLoader", error);
-    if (loader.as != nullptr)
+    if (loader.as)
         loader.as->setInputFile(fileName);
     return loader;
 }
