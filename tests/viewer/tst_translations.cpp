@@ -104,13 +104,13 @@ private slots:
     void initTestCase();
     void everyTextIsTranslated_data();
     void everyTextIsTranslated();
-    void compiledTexts_data();
-    void compiledTexts();
-    void pluginContexts();
+    void compiledTextsAreThoseOfTheSources_data();
+    void compiledTextsAreThoseOfTheSources();
+    void pluginTextsStandUnderItsClasses();
     void windowSpeaksEnglish();
     void pluginSpeaksGerman();
     void windowSpeaksGerman();
-    void plurals();
+    void countsInSingularAndPlural();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -163,7 +163,7 @@ void tst_translations::everyTextIsTranslated()
     }
 }
 
-void tst_translations::compiledTexts_data()
+void tst_translations::compiledTextsAreThoseOfTheSources_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QString>("name");
@@ -171,7 +171,7 @@ void tst_translations::compiledTexts_data()
     QTest::newRow("viewer") << VIEWER_SOURCES << "minihost_de";
 }
 
-void tst_translations::compiledTexts()
+void tst_translations::compiledTextsAreThoseOfTheSources()
 {
     QFETCH(QString, folder);
     QFETCH(QString, name);
@@ -181,7 +181,7 @@ void tst_translations::compiledTexts()
     for (auto it = texts.begin(); it != texts.end(); ++it) {
         QStringList const key = it.key().split('|');
         if (it->forms.size() > 1)
-            continue; // those are looked up by number, see plurals()
+            continue; // those are looked up by number, see countsInSingularAndPlural()
         QByteArray const comment = key[2].toUtf8();
         QCOMPARE(translator.translate(key[0].toUtf8(), key[1].toUtf8(),
                                       comment.isEmpty() ? nullptr : comment.data()),
@@ -190,7 +190,7 @@ void tst_translations::compiledTexts()
     }
 }
 
-void tst_translations::pluginContexts()
+void tst_translations::pluginTextsStandUnderItsClasses()
 {
     QSet<QString> contexts;
     Messages const texts = fx_ReadTs(QStringLiteral(PLUGIN_SOURCES "/translations/tvpCodecOpenH264_de.ts"));
@@ -232,7 +232,7 @@ void tst_translations::windowSpeaksGerman()
     fx_CheckMenuKeys(window);
 }
 
-void tst_translations::plurals()
+void tst_translations::countsInSingularAndPlural()
 {
     for (auto const& language : {qMakePair(QStringLiteral("de"), QStringList{"1 Bild", "7 Bilder"}),
                                  qMakePair(QStringLiteral("en"), QStringList{"1 picture", "7 pictures"})}) {

@@ -1,45 +1,19 @@
-#include "PictureView.h"
-
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
 
-#include "CxPicBufAPI.h"
-#include "PictureFormat.h"
+#include "PictureView.h"
 #include "support/Mouse.h"
-
-/// A picture whose pixels all differ from their neighbours.
-static SxShownPicture fx_Picture(SxPicBufInfo const& format, int number = 0)
-{
-    SxPicBuf picture;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(picture, format, false, 0))
-        return {};
-    for (quint32 y = 0; y < picture.height; ++y) {
-        for (quint32 i = 0; i < picture.width * picture.components; ++i) {
-            quint32 const sample = (i * 37 + y * 101) & ((1u << picture.bitsPerSample) - 1);
-            uchar* const row = picture.data + y * picture.pitch;
-            if (fx_IsWordFormat(picture))
-                reinterpret_cast<quint16*>(row)[i] = static_cast<quint16>(sample);
-            else
-                row[i] = static_cast<uchar>(sample);
-        }
-    }
-    auto data = std::make_unique<CxImageData>();
-    data->setPicBuf(picture);
-    return fx_ShownPicture(number, std::move(data));
-}
+#include "support/PatternPicture.h"
 
 class tst_pictureView : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void formats_data();
-    void formats();
-    void unknownFormat();
-    void fits_data();
-    void fits();
-    void actualSize();
+    void fitsAndFollowsItsSize_data();
+    void fitsAndFollowsItsSize();
+    void actualSizeKeepsTheMiddle();
     void wheelKeepsPixelUnderMouse();
     void zoomIsLimited();
     void enlargedPixelsAreSquares();
@@ -49,64 +23,10 @@ private slots:
     void paintsPicture();
     void restingPictureIsAveraged();
     void paintsNotice();
-    void doubleClick();
+    void reportsLeftDoubleClickOnly();
 };
 
-void tst_pictureView::formats_data()
-{
-    QTest::addColumn<quint32>("components");
-    QTest::addColumn<quint32>("bits");
-    QTest::addColumn<bool>("isShared");
-    QTest::newRow("grey") << 1u << 8u << true;
-    QTest::newRow("grey, 10 bits") << 1u << 10u << false;
-    QTest::newRow("grey, 16 bits") << 1u << 16u << false;
-    QTest::newRow("colour") << 3u << 8u << true;
-    QTest::newRow("colour, 12 bits") << 3u << 12u << false;
-    QTest::newRow("RGB32") << 4u << 8u << true;
-    QTest::newRow("four words") << 4u << 16u << false;
-}
-
-void tst_pictureView::formats()
-{
-    QFETCH(quint32, components);
-    QFETCH(quint32, bits);
-    QFETCH(bool, isShared);
-    SxShownPicture const shown = fx_Picture(fx_PackedFormat(13, 7, components, bits));
-    QCOMPARE(shown.image.size(), QSize(13, 7));
-    SxPicBuf const& picture = *shown.data->picBuf();
-    QCOMPARE(shown.image.constBits() == picture.data, isShared);
-    for (int y = 0; y < 7; ++y) {
-        for (int x = 0; x < 13; ++x) {
-            SxPixel const pixel = fx_Pixel(shown, {x, y});
-            auto const sample = [&](quint32 i) {
-                quint32 const at = static_cast<quint32>(x) * components + i;
-                return static_cast<int>((at * 37 + static_cast<quint32>(y) * 101) & ((1u << bits) - 1));
-            };
-            int const shift = static_cast<int>(bits) - 8;
-            QRgb const painted = shown.image.pixel(x, y);
-            if (components == 1) {
-                QCOMPARE(pixel.components, 1);
-                QCOMPARE(pixel.samples[0], sample(0));
-                QCOMPARE(qRed(painted), sample(0) >> shift);
-            } else {
-                QCOMPARE(pixel.components, 3);
-                QCOMPARE(pixel.samples, (std::array<int, 3>{sample(2), sample(1), sample(0)}));
-                QCOMPARE(painted, qRgb(sample(2) >> shift, sample(1) >> shift, sample(0) >> shift));
-            }
-        }
-    }
-    for (QPoint const outside : {QPoint(-1, 0), QPoint(0, -1), QPoint(13, 0), QPoint(0, 7)})
-        QCOMPARE(fx_Pixel(shown, outside).components, 0);
-    QCOMPARE(fx_Pixel({}, {0, 0}).components, 0);
-}
-
-void tst_pictureView::unknownFormat()
-{
-    QVERIFY(fx_Picture(fx_PackedFormat(13, 7, 2, 8)).image.isNull());
-    QVERIFY(fx_ShownPicture(0, std::make_unique<CxImageData>()).image.isNull());
-}
-
-void tst_pictureView::fits_data()
+void tst_pictureView::fitsAndFollowsItsSize_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<double>("zoom");
@@ -116,14 +36,14 @@ void tst_pictureView::fits_data()
     QTest::newRow("4096 x 2304") << QSize(4096, 2304) << 400.0 / 4096.0;
 }
 
-void tst_pictureView::fits()
+void tst_pictureView::fitsAndFollowsItsSize()
 {
     QFETCH(QSize, size);
     QFETCH(double, zoom);
     CxPictureView view;
     view.resize(400, 300);
     view.show();
-    view.setPicture(fx_Picture(fx_PackedFormat(quint32(size.width()), quint32(size.height()), 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(quint32(size.width()), quint32(size.height()), 1, 8)));
     QVERIFY(view.isFitted());
     QCOMPARE(view.zoom(), zoom);
     QCOMPARE(view.pixelAt({200, 150}), QPoint(size.width() / 2, size.height() / 2));
@@ -131,11 +51,11 @@ void tst_pictureView::fits()
     QCOMPARE(view.zoom(), 2 * zoom);
 }
 
-void tst_pictureView::actualSize()
+void tst_pictureView::actualSizeKeepsTheMiddle()
 {
     CxPictureView view;
     view.resize(400, 300);
-    view.setPicture(fx_Picture(fx_PackedFormat(1000, 1000, 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(1000, 1000, 1, 8)));
     QSignalSpy zoomed(&view, &CxPictureView::zoomChanged);
     view.showActualSize();
     QCOMPARE(view.zoom(), 1.0);
@@ -150,7 +70,7 @@ void tst_pictureView::wheelKeepsPixelUnderMouse()
 {
     CxPictureView view;
     view.resize(400, 300);
-    view.setPicture(fx_Picture(fx_PackedFormat(1000, 750, 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(1000, 750, 1, 8)));
     QPointF const mouse(101, 57);
     for (int const turn : {120, 120, 120, 120, 240, -120, 120}) {
         QPoint const before = view.pixelAt(mouse);
@@ -166,7 +86,7 @@ void tst_pictureView::zoomIsLimited()
 {
     CxPictureView view;
     view.resize(400, 300);
-    view.setPicture(fx_Picture(fx_PackedFormat(100, 100, 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(100, 100, 1, 8)));
     for (int i = 0; i < 100; ++i)
         view.zoomIn();
     QCOMPARE(view.zoom(), 64.0);
@@ -179,7 +99,7 @@ void tst_pictureView::enlargedPixelsAreSquares()
 {
     CxPictureView view;
     view.resize(400, 300);
-    SxShownPicture const picture = fx_Picture(fx_PackedFormat(40, 30, 1, 8));
+    SxShownPicture const picture = fx_PatternPicture(fx_PackedFormat(40, 30, 1, 8));
     view.setPicture(picture); // ten times as large
     QImage const painted = view.grab().toImage();
     for (int y = 0; y < 300; y += 3) {
@@ -192,7 +112,7 @@ void tst_pictureView::dragPans()
 {
     CxPictureView view;
     view.resize(400, 300);
-    view.setPicture(fx_Picture(fx_PackedFormat(1000, 1000, 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(1000, 1000, 1, 8)));
     view.showActualSize();
     QPoint const before = view.pixelAt({200, 150});
     QTest::mousePress(&view, Qt::LeftButton, {}, {200, 150});
@@ -210,7 +130,7 @@ void tst_pictureView::keysPan()
 {
     CxPictureView view;
     view.resize(400, 300);
-    view.setPicture(fx_Picture(fx_PackedFormat(1000, 1000, 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(1000, 1000, 1, 8)));
     view.showActualSize();
     QPoint const before = view.pixelAt({0, 0});
     QTest::keyClick(&view, Qt::Key_Right, Qt::AltModifier);
@@ -226,10 +146,10 @@ void tst_pictureView::keepsPlaceWhileSizeStays()
 {
     CxPictureView view;
     view.resize(400, 300);
-    view.setPicture(fx_Picture(fx_PackedFormat(1000, 1000, 1, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(1000, 1000, 1, 8)));
     view.setZoom(3.0, {10, 20});
     QPoint const before = view.pixelAt({0, 0});
-    view.setPicture(fx_Picture(fx_PackedFormat(1000, 1000, 1, 8), 1));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(1000, 1000, 1, 8), 1));
     QCOMPARE(view.zoom(), 3.0);
     QCOMPARE(view.pixelAt({0, 0}), before);
     QCOMPARE(view.picture().number, 1);
@@ -239,7 +159,7 @@ void tst_pictureView::paintsPicture()
 {
     CxPictureView view;
     view.resize(60, 50);
-    SxShownPicture const picture = fx_Picture(fx_PackedFormat(60, 50, 4, 8));
+    SxShownPicture const picture = fx_PatternPicture(fx_PackedFormat(60, 50, 4, 8));
     view.setPicture(picture);
     QCOMPARE(view.grab().toImage().convertToFormat(QImage::Format_RGB32), picture.image);
 }
@@ -269,7 +189,7 @@ void tst_pictureView::restingPictureIsAveraged()
     };
     QVERIFY(!isGrey());
     QTRY_VERIFY(isGrey());
-    view.setPicture(fx_Picture(fx_PackedFormat(400, 300, 4, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(400, 300, 4, 8)));
     QCOMPARE(view.grab().toImage().convertToFormat(QImage::Format_RGB32), view.picture().image);
 }
 
@@ -280,12 +200,12 @@ void tst_pictureView::paintsNotice()
     QImage const empty = view.grab().toImage();
     view.setNotice(QStringLiteral("Nothing here"));
     QVERIFY(view.grab().toImage() != empty);
-    view.setPicture(fx_Picture(fx_PackedFormat(60, 50, 4, 8)));
+    view.setPicture(fx_PatternPicture(fx_PackedFormat(60, 50, 4, 8)));
     view.setPicture({});
     QCOMPARE(view.grab().toImage(), empty); // the notice is gone with the picture
 }
 
-void tst_pictureView::doubleClick()
+void tst_pictureView::reportsLeftDoubleClickOnly()
 {
     CxPictureView view;
     QSignalSpy clicked(&view, &CxPictureView::doubleClicked);

@@ -30,17 +30,17 @@ SxOutcome fx_Run(QStringList const& arguments, bool hasDisplay)
 } // namespace
 
 /// `minihost view` up to where a window would open.
-class tst_viewerProgram : public QObject
+class tst_viewer : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void help();
+    void printsHelp();
     void failsInOneSentence_data();
     void failsInOneSentence();
 };
 
-void tst_viewerProgram::help()
+void tst_viewer::printsHelp()
 {
     SxOutcome const outcome = fx_Run({"--help"}, false);
     QCOMPARE(outcome.exitCode, 0);
@@ -48,7 +48,7 @@ void tst_viewerProgram::help()
     QVERIFY(outcome.errors.isEmpty());
 }
 
-void tst_viewerProgram::failsInOneSentence_data()
+void tst_viewer::failsInOneSentence_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<bool>("hasDisplay");
@@ -60,7 +60,7 @@ void tst_viewerProgram::failsInOneSentence_data()
     QTest::newRow("no plug-in") << QStringList{"--plugin-path", "/nowhere"} << true << 1 << "/nowhere";
 }
 
-void tst_viewerProgram::failsInOneSentence()
+void tst_viewer::failsInOneSentence()
 {
     QFETCH(QStringList, arguments);
     QFETCH(bool, hasDisplay);
@@ -73,5 +73,5 @@ void tst_viewerProgram::failsInOneSentence()
     QVERIFY(outcome.output.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_viewerProgram)
-#include "tst_viewerProgram.moc"
+QTEST_GUILESS_MAIN(tst_viewer)
+#include "tst_viewer.moc"
