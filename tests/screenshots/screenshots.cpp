@@ -47,59 +47,74 @@ static bool fx_Show(CxMainWindow& window, QString const& recording, int number)
     return QTest::qWaitFor([&] { return window.player().shownNumber() == number; }, 20000);
 }
 
-/// The main window at picture 150, and whatever of it \p scene is about.
+/// A recording damaged in its middle, played up to there, with the message's details unfolded.
+static QPixmap fx_RenderMessage(CxMainWindow& window, QString const& recording)
+{
+    QTemporaryDir const folder;
+    QString const broken = folder.filePath(QStringLiteral("yesterday.h264"));
+    QFile source(recording);
+    QFile target(broken);
+    if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly))
+        return {};
+    QByteArray bytes = source.readAll();
+    bytes.replace(bytes.size() / 2, bytes.size() / 50, QByteArray(bytes.size() / 50, '\x55'));
+    target.write(bytes);
+    target.close();
+    if (!fx_Show(window, broken, window.player().info().count / 2))
+        return {};
+    auto* const bar = window.findChild<CxMessageBar*>();
+    window.player().seek(window.player().info().count / 2 - 4);
+    window.player().setPlaying(true);
+    if (!QTest::qWaitFor([&] { return !bar->text().isEmpty(); }, 20000))
+        return {};
+    bar->findChild<QPushButton*>(QStringLiteral("messageDetails"))->click();
+    QTest::qWait(100);
+    return window.grab();
+}
+
+/// The test camera while it is being recorded.
+static QPixmap fx_RenderLive(CxMainWindow& window)
+{
+    window.openNamed(QStringLiteral("camera:"));
+    auto* const view = window.findChild<CxPictureView*>();
+    if (!QTest::qWaitFor([&] { return view->picture().number >= 20; }, 20000))
+        return {};
+    QTemporaryDir const folder;
+    SxRecordChoice choice;
+    choice.request.outputFile = folder.filePath(QStringLiteral("gate-3.h264"));
+    window.startRecording(choice);
+    QTest::qWait(1500);
+    QPixmap const picture = window.grab();
+    emit window.findChild<CxRecordBar*>()->stopRequested();
+    QTest::qWait(500);
+    return picture;
+}
+
+/// The save dialog with its advanced rows.
+static QPixmap fx_RenderDialog(CxMainWindow& window)
+{
+    window.findChild<QAction*>(QStringLiteral("record"))->trigger();
+    auto* const dialog = window.findChild<QDialog*>(QStringLiteral("recordDialog"));
+    dialog->findChild<QCheckBox*>(QStringLiteral("chkH264Advanced"))->click();
+    dialog->findChild<QLineEdit*>(QStringLiteral("outputFile"))
+        ->setText(QStringLiteral("/recordings/gate-3_monday.h264"));
+    QTest::qWait(100);
+    return dialog->grab();
+}
+
+/// What \p scene is about; for any other name the main window at picture 150.
 static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString const& recording)
 {
     if (scene == QLatin1String("start"))
         return window.grab();
-    if (scene == QLatin1String("message")) {
-        QTemporaryDir const folder;
-        QString const broken = folder.filePath(QStringLiteral("yesterday.h264"));
-        QFile source(recording);
-        QFile target(broken);
-        if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly))
-            return {};
-        QByteArray bytes = source.readAll();
-        bytes.replace(bytes.size() / 2, bytes.size() / 50, QByteArray(bytes.size() / 50, '\x55'));
-        target.write(bytes);
-        target.close();
-        if (!fx_Show(window, broken, window.player().info().count / 2))
-            return {};
-        auto* const bar = window.findChild<CxMessageBar*>();
-        window.player().seek(window.player().info().count / 2 - 4);
-        window.player().setPlaying(true); // up to the damage
-        if (!QTest::qWaitFor([&] { return !bar->text().isEmpty(); }, 20000))
-            return {};
-        bar->findChild<QPushButton*>(QStringLiteral("messageDetails"))->click();
-        QTest::qWait(100);
-        return window.grab();
-    }
-    if (scene == QLatin1String("live")) {
-        window.openNamed(QStringLiteral("camera:"));
-        auto* const view = window.findChild<CxPictureView*>();
-        if (!QTest::qWaitFor([&] { return view->picture().number >= 20; }, 20000))
-            return {};
-        QTemporaryDir const folder;
-        SxRecordChoice choice;
-        choice.request.outputFile = folder.filePath(QStringLiteral("gate-3.h264"));
-        window.startRecording(choice);
-        QTest::qWait(1500);
-        QPixmap const picture = window.grab();
-        emit window.findChild<CxRecordBar*>()->stopRequested();
-        QTest::qWait(500);
-        return picture;
-    }
+    if (scene == QLatin1String("message"))
+        return fx_RenderMessage(window, recording);
+    if (scene == QLatin1String("live"))
+        return fx_RenderLive(window);
     if (!fx_Show(window, recording, 150))
         return {};
-    if (scene == QLatin1String("dialog")) {
-        window.findChild<QAction*>(QStringLiteral("record"))->trigger();
-        auto* const dialog = window.findChild<QDialog*>(QStringLiteral("recordDialog"));
-        dialog->findChild<QCheckBox*>(QStringLiteral("chkH264Advanced"))->click();
-        dialog->findChild<QLineEdit*>(QStringLiteral("outputFile"))
-            ->setText(QStringLiteral("/recordings/gate-3_monday.h264"));
-        QTest::qWait(100);
-        return dialog->grab();
-    }
+    if (scene == QLatin1String("dialog"))
+        return fx_RenderDialog(window);
     auto* const view = window.findChild<CxPictureView*>();
     QTest::mouseMove(view, QPoint(view->width() / 2, view->height() / 3));
     QTest::qWait(100);
