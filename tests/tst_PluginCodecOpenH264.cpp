@@ -242,14 +242,14 @@ void tst_PluginCodecOpenH264::needsOnlyAllowedLibraries()
     while (matches.hasNext())
         needed.append(matches.next().captured(1));
     QVERIFY(needed.contains("libtarnCore.so"));
-    QVERIFY(!needed.filter(QRegularExpression("^libopenh264\\.so\\.[67]$")).isEmpty());
+    QVERIFY(!needed.filter(QRegularExpression("^libopenh264\\.so\\.[678]$")).isEmpty());
 
 #ifdef __SANITIZE_ADDRESS__
     needed =
         needed.filter(QRegularExpression("^(?!lib(asan|ubsan)\\.so)")); // the runtime of this build's checks
 #endif
     QRegularExpression const allowed(
-        "^(libQt5(Core|Gui|Widgets)\\.so\\.5|libopenh264\\.so\\.[67]|libtarnCore\\.so|"
+        "^(libQt5(Core|Gui|Widgets)\\.so\\.5|libopenh264\\.so\\.[678]|libtarnCore\\.so|"
         "libstdc\\+\\+\\.so\\.6|libm\\.so\\.6|libgcc_s\\.so\\.1|libc\\.so\\.6|"
         "ld-linux.*\\.so\\.[12])$");
     for (QString const& library : needed)

@@ -31,7 +31,11 @@ SxDecodedPicture fx_Copy(AVFrame const& frame)
     SxDecodedPicture picture;
     picture.width = frame.width;
     picture.height = frame.height;
+#ifdef AV_FRAME_FLAG_KEY // FFmpeg 6.1
+    picture.isKeyFrame = (frame.flags & AV_FRAME_FLAG_KEY) != 0;
+#else
     picture.isKeyFrame = frame.key_frame != 0;
+#endif
     fx_AppendPlane(picture.i420, frame.data[0], frame.linesize[0], frame.width, frame.height);
     fx_AppendPlane(picture.i420, frame.data[1], frame.linesize[1], frame.width / 2, frame.height / 2);
     fx_AppendPlane(picture.i420, frame.data[2], frame.linesize[2], frame.width / 2, frame.height / 2);

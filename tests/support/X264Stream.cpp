@@ -1,5 +1,6 @@
 #include "support/X264Stream.h"
 
+#include <cstdint>
 #include <memory>
 
 extern "C" {
