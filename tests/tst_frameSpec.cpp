@@ -1,6 +1,6 @@
 #include <QtTest>
 
-#include "FrameSpec.h"
+#include "FrameSelection.h"
 
 /// The frames that a user asks for on a command line.
 class tst_frameSpec : public QObject
@@ -48,7 +48,7 @@ void tst_frameSpec::frames()
     QFETCH(QString, spec);
     QFETCH(QVector<int>, expected);
     QString error;
-    std::optional<CxFrameSpec> const parsed = CxFrameSpec::parse(spec, error);
+    std::optional<CxFrameSelection> const parsed = CxFrameSelection::parse(spec, error);
     QVERIFY2(parsed, qPrintable(error));
     std::optional<QVector<int>> const frames = parsed->frames(12, {0, 5, 10}, error);
     QVERIFY2(frames, qPrintable(error));
@@ -77,7 +77,7 @@ void tst_frameSpec::wrongSpec()
     QFETCH(QString, spec);
     QFETCH(QString, named);
     QString error;
-    QVERIFY(!CxFrameSpec::parse(spec, error));
+    QVERIFY(!CxFrameSelection::parse(spec, error));
     QVERIFY2(error.startsWith("--frames takes ") && error.endsWith("not '" + named + "'."),
              qPrintable(error));
 }
@@ -107,7 +107,7 @@ void tst_frameSpec::missingFrame()
     QFETCH(int, count);
     QFETCH(QString, sentence);
     QString error;
-    std::optional<CxFrameSpec> const parsed = CxFrameSpec::parse(spec, error);
+    std::optional<CxFrameSelection> const parsed = CxFrameSelection::parse(spec, error);
     QVERIFY2(parsed, qPrintable(error));
     QVERIFY(!parsed->frames(count, {0}, error));
     QCOMPARE(error, sentence);

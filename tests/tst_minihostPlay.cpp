@@ -12,7 +12,7 @@
 #include "PictureFormat.h"
 #include "PluginHost.h"
 #include "PluginMessages.h"
-#include "Recording.h"
+#include "RecordingReader.h"
 #include "support/ConversionOracle.h"
 #include "support/FFmpegDecoder.h"
 #include "support/Minihost.h"
@@ -839,7 +839,7 @@ void tst_minihostPlay::openingAThousandTimesLeavesMemoryFlat()
     QVERIFY2(host.load(PLUGIN_FILE, error), qPrintable(error));
     qint64 after100 = 0;
     for (int i = 0; i < 1000; ++i) {
-        CxRecordingFile recording;
+        CxRecordingReader recording;
         QVERIFY2(recording.open(m_recording, error), qPrintable(error));
         QCOMPARE(recording.frameCount(), kFrames);
         QVERIFY2(recording.picture(i * 7 % kFrames, error), qPrintable(error));

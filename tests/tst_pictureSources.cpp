@@ -1,7 +1,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "FFmpegPicture.h"
+#include "FFmpegConverter.h"
 #include "FFmpegSource.h"
 #include "PictureFormat.h"
 #include "support/PictureFiles.h"
@@ -332,7 +332,7 @@ void tst_pictureSources::wordFormatsKeepTheirSamples()
                 buffer->data[i] = static_cast<uint8_t>(i * 197 + i / 251);
         }
         CxOwnedPicture picture;
-        QVERIFY2(CxFFmpegPicture().convert(*frame, picture.get()), format->name);
+        QVERIFY2(CxFFmpegConverter().convert(*frame, picture.get()), format->name);
 
         QVector<quint16> expected(static_cast<int>(picture.get().components) * kWidth * kHeight);
         std::vector<quint16> row(size_t{kWidth});

@@ -1,45 +1,18 @@
 #include "ExportArguments.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include "ContactSheet.h"
-
-static int const kMostDigits = 20;
-
-std::optional<QString> fx_FileNameOf(QString const& pattern, int frame)
-{
-    static QRegularExpression const kPlace(QStringLiteral("%(?:(%)|(0?)(\\d{0,2})d)"));
-    QString name;
-    int done = 0;
-    for (int at = pattern.indexOf(QLatin1Char('%')); at >= 0; at = pattern.indexOf(QLatin1Char('%'), done)) {
-        QRegularExpressionMatch const match = kPlace.match(pattern, at, QRegularExpression::NormalMatch,
-                                                           QRegularExpression::AnchoredMatchOption);
-        int const width = match.captured(3).toInt();
-        if (!match.hasMatch() || width > kMostDigits)
-            return std::nullopt;
-        name += pattern.mid(done, at - done);
-        QChar const fill = match.captured(2).isEmpty() ? QLatin1Char(' ') : QLatin1Char('0');
-        name += match.captured(1).isEmpty() ? QStringLiteral("%1").arg(frame, width, 10, fill)
-                                            : QStringLiteral("%");
-        done = match.capturedEnd();
-    }
-    return name + pattern.mid(done);
-}
-
-bool fx_HasPlaceForNumber(QString const& pattern)
-{
-    return fx_FileNameOf(pattern, 0) != fx_FileNameOf(pattern, 1);
-}
+#include "NumberedFileName.h"
 
 namespace {
 
 /// Decides what is written, and sees that the options fit together; one sentence when they do not.
 QString fx_ChooseKind(QCommandLineParser const& parser, SxExportArguments& parsed)
 {
-    parsed.output = parser.value(QStringLiteral("output"));
+    parsed.request.output = parser.value(QStringLiteral("output"));
     if (parser.isSet(QStringLiteral("hash"))) {
-        parsed.kind = SxExportArguments::Kind::Hashes;
+        parsed.request.kind = SxExportRequest::Kind::Hashes;
         if (parser.value(QStringLiteral("hash")) != QLatin1String("md5"))
             return QStringLiteral("--hash takes md5, not '%1'.").arg(parser.value(QStringLiteral("hash")));
         for (char const* other : {"output", "stream", "sheet", "overwrite"}) {
@@ -50,37 +23,38 @@ QString fx_ChooseKind(QCommandLineParser const& parser, SxExportArguments& parse
         }
         return QString();
     }
-    if (parsed.output.isEmpty())
+    if (parsed.request.output.isEmpty())
         return QStringLiteral("No --output is given.");
-    bool const isStdout = parsed.output == QLatin1String("-");
-    QString const suffix = QFileInfo(parsed.output).suffix().toLower();
+    bool const isStdout = parsed.request.output == QLatin1String("-");
+    QString const suffix = QFileInfo(parsed.request.output).suffix().toLower();
     if (isStdout || parser.isSet(QStringLiteral("stream")) || suffix == QLatin1String("y4m")) {
-        parsed.kind = SxExportArguments::Kind::Stream;
+        parsed.request.kind = SxExportRequest::Kind::Stream;
         if (parser.isSet(QStringLiteral("sheet")))
             return isStdout ? QStringLiteral("--sheet needs a file as --output.")
                             : QStringLiteral("--sheet makes one picture, so --stream has no place.");
         if (!isStdout && CxPictureEncoder::suffixes().contains(suffix))
             return QStringLiteral("'%1' is a picture's name; --stream puts all frames behind each other.")
-                .arg(parsed.output);
-        if (suffix == QLatin1String("y4m") && parsed.stream != CxPictureStream::Format::Y4m)
-            return QStringLiteral("'%1' must hold y4m, not what --stream asks for.").arg(parsed.output);
+                .arg(parsed.request.output);
+        if (suffix == QLatin1String("y4m") && parsed.request.stream != CxPictureStream::Format::Y4m)
+            return QStringLiteral("'%1' must hold y4m, not what --stream asks for.")
+                .arg(parsed.request.output);
         if (isStdout && parsed.common.json)
             return QStringLiteral("--json and the pictures cannot both go to standard output.");
         return QString();
     }
     if (parser.isSet(QStringLiteral("sheet")))
-        parsed.kind = SxExportArguments::Kind::Sheet;
+        parsed.request.kind = SxExportRequest::Kind::Sheet;
     if (!CxPictureEncoder::suffixes().contains(suffix))
         return QStringLiteral("'%1' must end in one of %2.")
-            .arg(parsed.output,
+            .arg(parsed.request.output,
                  QStringLiteral(".") + CxPictureEncoder::suffixes().join(QStringLiteral(", .")));
-    if (!fx_FileNameOf(parsed.output, 0))
+    if (!fx_FileNameOf(parsed.request.output, 0))
         return QStringLiteral("'%1' has a percent sign that is neither a place for the frame number, as in "
                               "frame_%05d.png, nor doubled.")
-            .arg(parsed.output);
-    if (parsed.kind == SxExportArguments::Kind::Sheet && fx_HasPlaceForNumber(parsed.output))
+            .arg(parsed.request.output);
+    if (parsed.request.kind == SxExportRequest::Kind::Sheet && fx_HasPlaceForNumber(parsed.request.output))
         return QStringLiteral("A contact sheet is one picture: '%1' has no use for a frame number.")
-            .arg(parsed.output);
+            .arg(parsed.request.output);
     return QString();
 }
 
@@ -92,12 +66,12 @@ QString fx_ReadValues(QCommandLineParser const& parser, SxExportArguments& parse
         if (!format)
             return QStringLiteral("--stream takes one of %1, not '%2'.")
                 .arg(CxPictureStream::formatNames().join(QStringLiteral(", ")), name);
-        parsed.stream = *format;
+        parsed.request.stream = *format;
     }
     if (parser.isSet(QStringLiteral("sheet"))) {
         QString const columns = parser.value(QStringLiteral("sheet"));
-        parsed.sheetColumns = columns.toInt();
-        if (parsed.sheetColumns < 1 || parsed.sheetColumns > CxContactSheet::kMostColumns)
+        parsed.request.sheetColumns = columns.toInt();
+        if (parsed.request.sheetColumns < 1 || parsed.request.sheetColumns > CxContactSheet::kMostColumns)
             return QStringLiteral("--sheet takes the pictures in a row, 1 to %1, not '%2'.")
                 .arg(CxContactSheet::kMostColumns)
                 .arg(columns);
@@ -105,7 +79,7 @@ QString fx_ReadValues(QCommandLineParser const& parser, SxExportArguments& parse
     QString error;
     if (!parser.isSet(QStringLiteral("frames")))
         return QStringLiteral("No --frames are given; --frames all takes every frame.");
-    parsed.frames = CxFrameSpec::parse(parser.value(QStringLiteral("frames")), error);
+    parsed.frames = CxFrameSelection::parse(parser.value(QStringLiteral("frames")), error);
     return error;
 }
 
@@ -123,7 +97,9 @@ bool fx_ParseExportArguments(QStringList const& arguments, SxExportArguments& pa
         return false;
     if (parsed.common.help)
         return true;
-    parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    parsed.request.recording = parsed.common.file;
+    parsed.request.printsHashes = !parsed.common.json;
+    parsed.request.overwrite = parser.isSet(QStringLiteral("overwrite"));
     error = fx_ReadValues(parser, parsed);
     if (error.isEmpty())
         error = fx_ChooseKind(parser, parsed);

@@ -6,7 +6,9 @@
 #include "ExportArguments.h"
 #include "ExportSink.h"
 #include "Interrupt.h"
+#include "NumberedFileName.h"
 #include "ProgressLine.h"
+#include "Readable.h"
 
 namespace {
 
@@ -26,7 +28,9 @@ Outcome fx_OutcomeOf(IxExportSink::Result result)
 }
 
 /// Decodes the frames in their order and gives each to the sink; \p error one sentence when that fails.
-Outcome fx_Feed(CxRecordingFile& recording, QVector<int> const& frames, IxExportSink& sink, QString& error)
+/// \param prints  the sink prints lines, which share a terminal with the progress line.
+Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExportSink& sink, bool prints,
+                QString& error)
 {
     std::atomic<bool> const& stop = fx_CatchInterrupts();
     CxProgressLine line(frames.size());
@@ -46,6 +50,8 @@ Outcome fx_Feed(CxRecordingFile& recording, QVector<int> const& frames, IxExport
             return Outcome::Failed;
         }
         picture = std::move(next); // the one before lived until now: its memory is reused
+        if (prints)
+            Console::transient(QString());
         Outcome const outcome = fx_OutcomeOf(sink.take(frame, *picture->picBuf(), error));
         if (outcome != Outcome::Done)
             return outcome;
@@ -54,17 +60,26 @@ Outcome fx_Feed(CxRecordingFile& recording, QVector<int> const& frames, IxExport
     return fx_OutcomeOf(sink.finish(error));
 }
 
+QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
+{
+    QString const form = kind == SxExportRequest::Kind::Sheet ? QStringLiteral("%1: a sheet of %2, %3 x %4.")
+                                                              : QStringLiteral("%1: %2 of %3 x %4 written.");
+    return form.arg(exported.target, fx_Count(exported.pictures, "picture"))
+        .arg(exported.size.width())
+        .arg(exported.size.height());
+}
+
 QString fx_Json(SxExportArguments const& arguments, IxExportSink const& sink, QString const& error)
 {
     QJsonObject const json{
         {QStringLiteral("file"), arguments.common.file},
-        {QStringLiteral("exported"), sink.summaryJson()},
+        {QStringLiteral("exported"), sink.exportedJson()},
         {QStringLiteral("error"), error.isEmpty() ? QJsonValue() : QJsonValue(error)},
     };
     return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
 }
 
-int fx_Export(CxRecordingFile& recording, SxExportArguments const& arguments)
+int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
 {
     QString error;
     std::optional<QVector<int>> const frames =
@@ -74,18 +89,19 @@ int fx_Export(CxRecordingFile& recording, SxExportArguments const& arguments)
             recording.fileName(), frames ? QStringLiteral("the recording has no key frames.") : error));
         return kFailed;
     }
-    if (arguments.kind == SxExportArguments::Kind::Files &&
-        frames->count(frames->first()) != frames->size() && !fx_HasPlaceForNumber(arguments.output))
+    if (arguments.request.kind == SxExportRequest::Kind::Files &&
+        frames->count(frames->first()) != frames->size() && !fx_HasPlaceForNumber(arguments.request.output))
         return fx_WrongUsage(QStringLiteral("export"),
                              QStringLiteral("'%1' needs a place for the frame number, as in frame_%05d.png.")
-                                 .arg(arguments.output));
-    std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(arguments, *frames, error);
+                                 .arg(arguments.request.output));
+    std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(arguments.request, *frames, error);
     if (!sink) {
         Console::error(error);
         return kFailed;
     }
 
-    Outcome const outcome = fx_Feed(recording, *frames, *sink, error);
+    Outcome const outcome =
+        fx_Feed(recording, *frames, *sink, arguments.request.kind == SxExportRequest::Kind::Hashes, error);
     Console::transient(QString());
     if (outcome == Outcome::ReaderGone)
         return kDone; // "| head" has seen enough
@@ -95,9 +111,8 @@ int fx_Export(CxRecordingFile& recording, SxExportArguments const& arguments)
         Console::error(error);
         return kFailed;
     }
-    QString const summary = sink->summary();
-    if (!summary.isEmpty())
-        Console::message(summary);
+    if (!sink->exported().target.isEmpty())
+        Console::message(fx_Summary(arguments.request.kind, sink->exported()));
     return kDone;
 }
 

@@ -46,7 +46,7 @@ QString fx_Help()
 
 /// Profile and level as the first sequence parameter set names them: profile_idc, constraint flags,
 /// level_idc right behind its header (ITU-T H.264, 7.3.2.1.1).
-void fx_ReadProfile(CxRecordingFile& recording, SxRecordingInfo& info)
+void fx_ReadProfile(CxRecordingReader& recording, SxRecordingInfo& info)
 {
     QByteArray const bytes =
         recording.keyFrames().isEmpty() ? QByteArray() : recording.codedFrame(recording.keyFrames().first());
@@ -62,7 +62,7 @@ void fx_ReadProfile(CxRecordingFile& recording, SxRecordingInfo& info)
     info.level = is1b ? QStringLiteral("1b") : fx_LevelName(level_idc);
 }
 
-void fx_ReadIndex(CxRecordingFile const& recording, SxRecordingInfo& info)
+void fx_ReadIndex(CxRecordingReader const& recording, SxRecordingInfo& info)
 {
     QList<int> const& keys = recording.keyFrames();
     for (int i = 1; i < keys.size(); ++i) {
@@ -80,7 +80,7 @@ void fx_ReadIndex(CxRecordingFile const& recording, SxRecordingInfo& info)
     info.meanBitRate = static_cast<double>(recording.fileBytes()) * 8 / info.seconds;
 }
 
-SxRecordingInfo fx_Collect(CxRecordingFile& recording)
+SxRecordingInfo fx_Collect(CxRecordingReader& recording)
 {
     SxRecordingInfo info;
     fx_ReadProfile(recording, info);
@@ -108,13 +108,13 @@ QString fx_SpacingText(SxRecordingInfo const& info)
     return QStringLiteral(", one every %1 to %2").arg(info.smallestSpacing).arg(info.largestSpacing);
 }
 
-QString fx_FrameSizeText(CxRecordingFile const& recording, int frame)
+QString fx_FrameSizeText(CxRecordingReader const& recording, int frame)
 {
     auto const size = static_cast<qint64>(recording.frames()[static_cast<size_t>(frame)].size);
     return QStringLiteral("frame %1 (%2)").arg(frame).arg(fx_ReadableSize(size));
 }
 
-QString fx_Text(CxRecordingFile const& recording, SxRecordingInfo const& info)
+QString fx_Text(CxRecordingReader const& recording, SxRecordingInfo const& info)
 {
     QString first = QStringLiteral("%1: H.264").arg(recording.fileName());
     if (!info.profile.isEmpty())
@@ -137,7 +137,7 @@ QString fx_Text(CxRecordingFile const& recording, SxRecordingInfo const& info)
         .join(QLatin1Char('\n'));
 }
 
-QString fx_FrameLines(CxRecordingFile const& recording)
+QString fx_FrameLines(CxRecordingReader const& recording)
 {
     QString lines = QStringLiteral("\n   frame        offset      size");
     int number = 0;
@@ -150,7 +150,7 @@ QString fx_FrameLines(CxRecordingFile const& recording)
     return lines;
 }
 
-QJsonObject fx_FrameJson(CxRecordingFile const& recording, int number)
+QJsonObject fx_FrameJson(CxRecordingReader const& recording, int number)
 {
     SxCodedFrame const& frame = recording.frames()[static_cast<size_t>(number)];
     return {{QStringLiteral("frame"), number},
@@ -159,7 +159,7 @@ QJsonObject fx_FrameJson(CxRecordingFile const& recording, int number)
             {QStringLiteral("key"), frame.isKey}};
 }
 
-QString fx_Json(CxRecordingFile const& recording, SxRecordingInfo const& info, bool withFrames)
+QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info, bool withFrames)
 {
     auto const orNull = [](bool isKnown, QJsonValue const& value) { return isKnown ? value : QJsonValue(); };
     QJsonObject json{
@@ -210,7 +210,7 @@ int fx_RunInfo(QStringList const& arguments)
         Console::error(error);
         return kFailed;
     }
-    CxRecordingFile& recording = session.recording();
+    CxRecordingReader& recording = session.recording();
     SxRecordingInfo const info = fx_Collect(recording);
     bool const withFrames = parser.isSet(QStringLiteral("frames"));
     if (parsed.json)

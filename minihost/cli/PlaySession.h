@@ -5,7 +5,7 @@
 
 #include "PluginHost.h"
 #include "PluginMessages.h"
-#include "Recording.h"
+#include "RecordingReader.h"
 
 /// What the commands that read a recording have in common on their command lines.
 struct SxPlayArguments
@@ -40,11 +40,11 @@ public:
     /// \return false, with \p error one sentence, when the plug-in or the recording cannot be had.
     bool open(QString& error);
 
-    CxRecordingFile& recording() { return m_recording; }
+    CxRecordingReader& recording() { return m_recording; }
 
 private:
     SxPlayArguments const& m_arguments;
     CxPluginMessages m_messages;
     CxPluginHost m_host;
-    CxRecordingFile m_recording; // last, so that its objects go before the plug-in finishes
+    CxRecordingReader m_recording; // last, so that its objects go before the plug-in finishes
 };

@@ -54,7 +54,7 @@ int fx_PicturesIn(QByteArray const& bytes)
     return pictures;
 }
 
-SxFindings fx_Examine(CxRecordingFile& recording)
+SxFindings fx_Examine(CxRecordingReader& recording)
 {
     std::atomic<bool> const& stop = fx_CatchInterrupts();
     CxProgressLine line(recording.frameCount());
@@ -83,14 +83,14 @@ SxFindings fx_Examine(CxRecordingFile& recording)
 }
 
 /// Bytes at the file's end that belong to no frame.
-qint64 fx_LooseBytes(CxRecordingFile const& recording)
+qint64 fx_LooseBytes(CxRecordingReader const& recording)
 {
     SxCodedFrame const& last = recording.frames().back();
     return recording.fileBytes() - last.offset - static_cast<qint64>(last.size);
 }
 
 /// What is wrong, one sentence; empty when nothing is.
-QString fx_Complaint(CxRecordingFile const& recording, SxFindings const& found)
+QString fx_Complaint(CxRecordingReader const& recording, SxFindings const& found)
 {
     QString const file = recording.fileName() + QStringLiteral(": ");
     if (found.failedFrame >= 0) {
@@ -125,7 +125,7 @@ QString fx_Caution(SxFindings const& found)
         .arg(found.picturesInThem);
 }
 
-QString fx_Json(CxRecordingFile const& recording, SxFindings const& found, QString const& complaint,
+QString fx_Json(CxRecordingReader const& recording, SxFindings const& found, QString const& complaint,
                 QString const& caution)
 {
     QJsonValue failed;
@@ -152,7 +152,7 @@ QString fx_Json(CxRecordingFile const& recording, SxFindings const& found, QStri
     return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
 }
 
-int fx_Verify(CxRecordingFile& recording, bool asJson)
+int fx_Verify(CxRecordingReader& recording, bool asJson)
 {
     SxFindings const found = fx_Examine(recording);
     QString const complaint = fx_Complaint(recording, found);

@@ -1,4 +1,4 @@
-#include "FFmpegPicture.h"
+#include "FFmpegConverter.h"
 
 #include <QtEndian>
 #include <cstring>
@@ -85,7 +85,7 @@ static int fx_Matrix(AVFrame const& frame)
     return frame.width >= 1280 || frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601;
 }
 
-bool CxFFmpegPicture::scaleInto(AVFrame const& frame, AVPixelFormat target, SxPicBuf& picture)
+bool CxFFmpegConverter::scaleInto(AVFrame const& frame, AVPixelFormat target, SxPicBuf& picture)
 {
     auto const source = static_cast<AVPixelFormat>(frame.format);
     AVPixFmtDescriptor const& format = *av_pix_fmt_desc_get(source);
@@ -109,7 +109,7 @@ bool CxFFmpegPicture::scaleInto(AVFrame const& frame, AVPixelFormat target, SxPi
            frame.height;
 }
 
-bool CxFFmpegPicture::convert(AVFrame const& frame, SxPicBuf& picture)
+bool CxFFmpegConverter::convert(AVFrame const& frame, SxPicBuf& picture)
 {
     auto const source = static_cast<AVPixelFormat>(frame.format);
     AVPixFmtDescriptor const* const format = av_pix_fmt_desc_get(source);

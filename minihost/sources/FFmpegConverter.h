@@ -8,7 +8,7 @@
 /// - 8-bit grey becomes 8-bit grey, 8-bit colour blue-green-red with or without a fourth byte;
 /// - video (YUV) becomes 8-bit colour with the stream's matrix and range, or words when deeper.
 /// Grey samples are never rescaled, whatever range the stream claims.
-class CxFFmpegPicture
+class CxFFmpegConverter
 {
 public:
     /// Fills \p picture as IxPictureSource::next() describes; its time stamp stays.

@@ -1,4 +1,4 @@
-#include "FrameSpec.h"
+#include "FrameSelection.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -13,7 +13,7 @@ static QString fx_NoSuchFrame(qint64 frame, int frameCount)
         .arg(frameCount - 1);
 }
 
-std::optional<CxFrameSpec::SxItem> CxFrameSpec::parseItem(QString const& text, QString& error)
+std::optional<CxFrameSelection::SxItem> CxFrameSelection::parseItem(QString const& text, QString& error)
 {
     SxItem item;
     if (text == QLatin1String("key") || text == QLatin1String("all")) {
@@ -43,9 +43,9 @@ std::optional<CxFrameSpec::SxItem> CxFrameSpec::parseItem(QString const& text, Q
     return item;
 }
 
-std::optional<CxFrameSpec> CxFrameSpec::parse(QString const& text, QString& error)
+std::optional<CxFrameSelection> CxFrameSelection::parse(QString const& text, QString& error)
 {
-    CxFrameSpec spec;
+    CxFrameSelection spec;
     for (QString const& part : text.split(QLatin1Char(','))) {
         std::optional<SxItem> const item = parseItem(part.trimmed(), error);
         if (!item)
@@ -55,8 +55,8 @@ std::optional<CxFrameSpec> CxFrameSpec::parse(QString const& text, QString& erro
     return spec;
 }
 
-std::optional<QVector<int>> CxFrameSpec::frames(int frameCount, QList<int> const& keyFrames,
-                                                QString& error) const
+std::optional<QVector<int>> CxFrameSelection::frames(int frameCount, QList<int> const& keyFrames,
+                                                     QString& error) const
 {
     QVector<int> numbers;
     for (SxItem const& item : m_items) {

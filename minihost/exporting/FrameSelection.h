@@ -14,12 +14,12 @@
 ///     all       every frame
 ///
 /// A frame asked for twice comes twice.
-class CxFrameSpec
+class CxFrameSelection
 {
 public:
     /// Reads \p text without knowing the recording. Nothing, with \p error one sentence, when it is no
     /// such list.
-    static std::optional<CxFrameSpec> parse(QString const& text, QString& error);
+    static std::optional<CxFrameSelection> parse(QString const& text, QString& error);
 
     /// The frame numbers for a recording of \p frameCount frames with these key frames. Nothing, with
     /// \p error one sentence, when a frame asked for is not there.

@@ -22,7 +22,7 @@ struct SxCodedFrame
 /// A raw H.264 file opened through the plug-in's loader: its frames as coded and as pictures.
 ///
 /// A plug-in must be loaded and a CxPluginMessages alive. One thread at a time.
-class CxRecordingFile
+class CxRecordingReader
 {
 public:
     /// \return false, with \p error one sentence naming the file and the cause. Once for an object.

@@ -1,4 +1,4 @@
-#include "Recording.h"
+#include "RecordingReader.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -86,7 +86,7 @@ static QString fx_CauseOfNoPicture(QStringList const& messages)
     return cause;
 }
 
-bool CxRecordingFile::open(QString const& fileName, QString& error)
+bool CxRecordingReader::open(QString const& fileName, QString& error)
 {
     m_fileName = fileName;
     QString cause = fx_ObstacleToOpening(fileName);
@@ -127,7 +127,7 @@ bool CxRecordingFile::open(QString const& fileName, QString& error)
     return true;
 }
 
-std::unique_ptr<CxImageData> CxRecordingFile::picture(int frame, QString& error)
+std::unique_ptr<CxImageData> CxRecordingReader::picture(int frame, QString& error)
 {
     // Decoding nothing counts as success and leaves a picture that nobody filled.
     if (m_accessor->frameDataSize(frame) == 0) {
@@ -146,7 +146,7 @@ std::unique_ptr<CxImageData> CxRecordingFile::picture(int frame, QString& error)
     return image;
 }
 
-QByteArray CxRecordingFile::codedFrame(int frame)
+QByteArray CxRecordingReader::codedFrame(int frame)
 {
     unsigned long const wanted = m_accessor->frameDataSize(frame);
     QByteArray bytes(static_cast<int>(qMin<unsigned long>(wanted, INT_MAX / 2)), '\0');

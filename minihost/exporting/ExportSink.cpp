@@ -10,9 +10,8 @@
 #include <cstring>
 #include <unistd.h>
 
-#include "Console.h"
 #include "ContactSheet.h"
-#include "Readable.h"
+#include "NumberedFileName.h"
 #include "SameFile.h"
 
 namespace {
@@ -20,6 +19,11 @@ namespace {
 using Result = IxExportSink::Result;
 
 QString fx_ErrnoText() { return QString::fromLocal8Bit(std::strerror(errno)); }
+
+QSize fx_Size(SxPicBufInfo const& picture)
+{
+    return {static_cast<int>(picture.width), static_cast<int>(picture.height)};
+}
 
 Result fx_WriteTo(FILE* stream, QString const& name, QByteArray const& bytes, bool flushes, QString& error)
 {
@@ -57,14 +61,14 @@ bool fx_WriteFile(QString const& fileName, QByteArray const& bytes, QString& err
 }
 
 /// What stands in the way of writing \p fileName, one sentence; empty when nothing does.
-QString fx_Obstacle(QString const& fileName, SxExportArguments const& arguments)
+QString fx_Obstacle(QString const& fileName, SxExportRequest const& request)
 {
     QFileInfo const info(fileName);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(fileName);
-    if (fx_IsSameFile(arguments.common.file, fileName))
+    if (fx_IsSameFile(request.recording, fileName))
         return QStringLiteral("%1: what is written would replace the recording.").arg(fileName);
-    if (info.isFile() && !arguments.overwrite)
+    if (info.isFile() && !request.overwrite)
         return QStringLiteral("%1: the file exists; --overwrite replaces it.").arg(fileName);
     QFileInfo const folder(info.absolutePath());
     if (!folder.isDir())
@@ -102,23 +106,19 @@ public:
             return Result::Error;
         m_written.insert(frame);
         m_json.append(QJsonObject{{QStringLiteral("frame"), frame}, {QStringLiteral("file"), fileName}});
-        m_size = QStringLiteral("%1 x %2").arg(picture.width).arg(picture.height);
+        m_size = fx_Size(picture);
         return Result::Taken;
     }
     Result finish(QString&) override { return Result::Taken; }
-    QString summary() const override
-    {
-        return QStringLiteral("%1: %2 of %3 written.")
-            .arg(m_pattern, fx_Count(m_written.size(), "picture"), m_size);
-    }
-    QJsonArray summaryJson() const override { return m_json; }
+    SxExported exported() const override { return {m_pattern, m_written.size(), m_size}; }
+    QJsonArray exportedJson() const override { return m_json; }
 
 private:
     QString m_pattern;
     CxPictureEncoder m_encoder;
     QSet<int> m_written;
     QJsonArray m_json;
-    QString m_size;
+    QSize m_size;
 };
 
 struct SxFileCloser
@@ -130,9 +130,9 @@ struct SxFileCloser
 class CxStreamSink : public IxExportSink
 {
 public:
-    explicit CxStreamSink(SxExportArguments const& arguments)
-        : m_stream(arguments.stream)
-        , m_fileName(arguments.output == QLatin1String("-") ? QString() : arguments.output)
+    explicit CxStreamSink(SxExportRequest const& request)
+        : m_stream(request.stream)
+        , m_fileName(request.output == QLatin1String("-") ? QString() : request.output)
     {}
 
     Result take(int frame, SxPicBuf const& picture, QString& error) override
@@ -143,7 +143,7 @@ public:
                 error = QStringLiteral("%1: %2.").arg(m_fileName, fx_ErrnoText());
                 return Result::Error;
             }
-            m_size = QStringLiteral("%1 x %2").arg(picture.width).arg(picture.height);
+            m_size = fx_Size(picture);
         }
         std::optional<QByteArray> const bytes = m_stream.next(picture);
         if (!bytes) {
@@ -159,28 +159,23 @@ public:
         return result;
     }
     Result finish(QString&) override { return Result::Taken; }
-    QString summary() const override
-    {
-        return m_file ? QStringLiteral("%1: %2 of %3 written.")
-                            .arg(m_fileName, fx_Count(m_json.size(), "picture"), m_size)
-                      : QString();
-    }
-    QJsonArray summaryJson() const override { return m_json; }
+    SxExported exported() const override { return {m_fileName, m_json.size(), m_size}; }
+    QJsonArray exportedJson() const override { return m_json; }
 
 private:
     CxPictureStream m_stream;
     QString m_fileName; ///< empty for standard output
     std::unique_ptr<FILE, SxFileCloser> m_file;
-    QString m_size;
+    QSize m_size;
     QJsonArray m_json;
 };
 
 class CxSheetSink : public IxExportSink
 {
 public:
-    CxSheetSink(SxExportArguments const& arguments, int count)
-        : m_fileName(*fx_FileNameOf(arguments.output, 0))
-        , m_sheet(arguments.sheetColumns, count)
+    CxSheetSink(SxExportRequest const& request, int count)
+        : m_fileName(*fx_FileNameOf(request.output, 0))
+        , m_sheet(request.sheetColumns, count)
     {}
 
     Result take(int frame, SxPicBuf const& picture, QString& error) override
@@ -198,61 +193,56 @@ public:
             error = QStringLiteral("%1: out of memory.").arg(m_fileName);
             return Result::Error;
         }
-        m_size = QStringLiteral("%1 x %2").arg(whole.get().width).arg(whole.get().height);
+        m_size = fx_Size(whole.get());
         CxPictureEncoder encoder(QFileInfo(m_fileName).suffix());
         return fx_WritePicture(encoder, whole.get(), m_fileName, error) ? Result::Taken : Result::Error;
     }
-    QString summary() const override
-    {
-        return QStringLiteral("%1: a sheet of %2, %3.")
-            .arg(m_fileName, fx_Count(m_json.size(), "picture"), m_size);
-    }
-    QJsonArray summaryJson() const override { return m_json; }
+    SxExported exported() const override { return {m_fileName, m_json.size(), m_size}; }
+    QJsonArray exportedJson() const override { return m_json; }
 
 private:
     QString m_fileName;
     CxContactSheet m_sheet;
     QJsonArray m_json;
-    QString m_size;
+    QSize m_size;
 };
 
 class CxHashSink : public IxExportSink
 {
 public:
-    explicit CxHashSink(bool asJson)
-        : m_asJson(asJson)
+    explicit CxHashSink(bool prints)
+        : m_prints(prints)
     {}
 
     Result take(int frame, SxPicBuf const& picture, QString& error) override
     {
         QByteArray const hash =
             QCryptographicHash::hash(fx_PackedRows(picture), QCryptographicHash::Md5).toHex();
-        Console::transient(QString()); // on a terminal the lines and the progress line share the screen
-        if (!m_asJson)
+        if (m_prints)
             return fx_WriteToStdout(QByteArray::number(frame) + ' ' + hash + '\n', false, error);
         m_json.append(QJsonObject{{QStringLiteral("frame"), frame},
                                   {QStringLiteral("md5"), QString::fromLatin1(hash)}});
         return Result::Taken;
     }
     Result finish(QString& error) override { return fx_WriteToStdout(QByteArray(), true, error); }
-    QString summary() const override { return QString(); }
-    QJsonArray summaryJson() const override { return m_json; }
+    SxExported exported() const override { return {}; }
+    QJsonArray exportedJson() const override { return m_json; }
 
 private:
-    bool m_asJson;
+    bool m_prints;
     QJsonArray m_json;
 };
 
 /// What stands in the way of writing the files, one sentence; empty when nothing does.
-QString fx_ObstacleToFiles(SxExportArguments const& arguments, QVector<int> const& frames)
+QString fx_ObstacleToFiles(SxExportRequest const& request, QVector<int> const& frames)
 {
     QSet<QString> names;
     for (int const frame : frames) {
-        QString const name = *fx_FileNameOf(arguments.output, frame);
+        QString const name = *fx_FileNameOf(request.output, frame);
         if (names.contains(name))
             continue;
         names.insert(name);
-        QString obstacle = fx_Obstacle(name, arguments);
+        QString obstacle = fx_Obstacle(name, request);
         if (!obstacle.isEmpty())
             return obstacle;
     }
@@ -261,15 +251,15 @@ QString fx_ObstacleToFiles(SxExportArguments const& arguments, QVector<int> cons
 
 } // namespace
 
-std::unique_ptr<IxExportSink> fx_MakeExportSink(SxExportArguments const& arguments,
-                                                QVector<int> const& frames, QString& error)
+std::unique_ptr<IxExportSink> fx_MakeExportSink(SxExportRequest const& request, QVector<int> const& frames,
+                                                QString& error)
 {
-    switch (arguments.kind) {
-    case SxExportArguments::Kind::Hashes:
-        return std::make_unique<CxHashSink>(arguments.common.json);
-    case SxExportArguments::Kind::Stream:
-        if (arguments.output != QLatin1String("-")) {
-            error = fx_Obstacle(arguments.output, arguments);
+    switch (request.kind) {
+    case SxExportRequest::Kind::Hashes:
+        return std::make_unique<CxHashSink>(request.printsHashes);
+    case SxExportRequest::Kind::Stream:
+        if (request.output != QLatin1String("-")) {
+            error = fx_Obstacle(request.output, request);
             if (!error.isEmpty())
                 return nullptr;
         } else if (isatty(STDOUT_FILENO) == 1) {
@@ -277,15 +267,15 @@ std::unique_ptr<IxExportSink> fx_MakeExportSink(SxExportArguments const& argumen
                 QStringLiteral("Standard output is a terminal; pipe the pictures into a program or a file.");
             return nullptr;
         }
-        return std::make_unique<CxStreamSink>(arguments);
-    case SxExportArguments::Kind::Files:
-    case SxExportArguments::Kind::Sheet:
+        return std::make_unique<CxStreamSink>(request);
+    case SxExportRequest::Kind::Files:
+    case SxExportRequest::Kind::Sheet:
         break;
     }
-    error = fx_ObstacleToFiles(arguments, frames);
+    error = fx_ObstacleToFiles(request, frames);
     if (!error.isEmpty())
         return nullptr;
-    if (arguments.kind == SxExportArguments::Kind::Sheet)
-        return std::make_unique<CxSheetSink>(arguments, frames.size());
-    return std::make_unique<CxFileSink>(arguments.output);
+    if (request.kind == SxExportRequest::Kind::Sheet)
+        return std::make_unique<CxSheetSink>(request, frames.size());
+    return std::make_unique<CxFileSink>(request.output);
 }

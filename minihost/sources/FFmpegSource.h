@@ -4,8 +4,8 @@
 #include <QStringList>
 #include <atomic>
 
+#include "FFmpegConverter.h"
 #include "FFmpegHandles.h"
-#include "FFmpegPicture.h"
 #include "IxPictureSource.h"
 
 struct SxFFmpegInput;
@@ -71,7 +71,7 @@ private:
     bool m_drained = false;      ///< the open input is read to its end
     int m_framesOfInput = 0;     ///< delivered from the open input
     int m_damaged = 0;           ///< packets of the open input that could not be decoded
-    CxFFmpegPicture m_picture;
+    CxFFmpegConverter m_picture;
 
     int m_delivered = 0;
     bool m_hasClock = false;  ///< some input so far had time stamps
