@@ -47,10 +47,7 @@ static CxTestCamera fx_Camera(QString const& format)
     return CxTestCamera(options);
 }
 
-void tst_sameBytesEverywhere::initTestCase()
-{
-    qInfo("OpenH264 %s", fx_OpenH264Version().constData());
-}
+void tst_sameBytesEverywhere::initTestCase() { qInfo("OpenH264 %s", fx_OpenH264Version().constData()); }
 
 void tst_sameBytesEverywhere::planesOfAPicture_data()
 {
@@ -95,11 +92,11 @@ void tst_sameBytesEverywhere::recordingOfTheSameOpenH264_data()
     QTest::addColumn<QMap<QString, QVariant>>("options");
     QTest::addColumn<QMap<QString, QVariant>>("hashes"); // by the version of OpenH264
     auto const row = [](char const* name, QMap<QString, QVariant> const& options,
-                        QMap<QString, QVariant> const& hashes) {
-        QTest::newRow(name) << options << hashes;
-    };
-    row("as it comes", {}, {{"2.3.1", "cc1b8c62afd9c25698a39e150c808c32"}, {"2.6.0", "429b9491aa337fa9e648e1abd2a75af2"}});
-    row("lowest quality", {{"h264_quality", 1}, {"h264_keyframerate", 30}}, {{"2.3.1", "ca83431ae3c929b96bb746fd2dae295b"}, {"2.6.0", "2595d98c7e9f483941013df93b526334"}});
+                        QMap<QString, QVariant> const& hashes) { QTest::newRow(name) << options << hashes; };
+    row("as it comes", {},
+        {{"2.3.1", "cc1b8c62afd9c25698a39e150c808c32"}, {"2.6.0", "429b9491aa337fa9e648e1abd2a75af2"}});
+    row("lowest quality", {{"h264_quality", 1}, {"h264_keyframerate", 30}},
+        {{"2.3.1", "ca83431ae3c929b96bb746fd2dae295b"}, {"2.6.0", "2595d98c7e9f483941013df93b526334"}});
     row("high profile, high complexity",
         {{"h264_quality", 10}, {"h264_complexity", 2}, {"h264_profile_idc", 100}},
         {{"2.3.1", "4ecb14c681ba252122c4851e57e8206b"}, {"2.6.0", "cc2e13a55158053cc19ef4a8958d11d0"}});
@@ -142,8 +139,9 @@ void tst_sameBytesEverywhere::decodedPicturesOfEveryOpenH264()
         QVERIFY(image);
         SxPicBuf const& picture = *image->picBuf();
         for (quint32 y = 0; y < picture.height; ++y)
-            hash.addData(QByteArray::fromRawData(reinterpret_cast<char const*>(picture.data + size_t(y) * picture.pitch),
-                         static_cast<int>(picture.width * 4)));
+            hash.addData(QByteArray::fromRawData(
+                reinterpret_cast<char const*>(picture.data + size_t(y) * picture.pitch),
+                static_cast<int>(picture.width * 4)));
     }
     QCOMPARE(hash.result().toHex(), QByteArray("aa2e71913b176da9c92c51368cba3814"));
 }

@@ -1,38 +1,31 @@
 #include "PluginMessages.h"
 
-#include <QMutex>
-#include <QMutexLocker>
 #include <QRegularExpression>
 
 namespace {
 
-struct SxCollected
+struct SxHandler
 {
-    QMutex mutex;
-    QStringList sentences;
     QtMessageHandler before = nullptr;
     bool raw = false;
 };
 
-SxCollected& fx_Collected()
-{
-    static SxCollected collected;
-    return collected;
-}
+SxHandler s_handler; // set before there are threads that log
+
+/// A plug-in logs in the thread that calls it.
+thread_local QStringList s_sentences;
 
 void fx_Collect(QtMsgType type, QMessageLogContext const& context, QString const& text)
 {
-    SxCollected& collected = fx_Collected();
-    if ((type != QtCriticalMsg || collected.raw) && collected.before != nullptr)
-        collected.before(type, context, text);
+    if ((type != QtCriticalMsg || s_handler.raw) && s_handler.before)
+        s_handler.before(type, context, text);
     if (type != QtCriticalMsg)
         return;
     QString const sentence = CxPluginMessages::readable(text);
     if (sentence.contains(QLatin1Char('\n')))
         return; // a dump for the log, not a sentence
-    QMutexLocker const lock(&collected.mutex);
-    if (collected.sentences.isEmpty() || collected.sentences.last() != sentence)
-        collected.sentences.append(sentence);
+    if (s_sentences.isEmpty() || s_sentences.last() != sentence)
+        s_sentences.append(sentence);
 }
 
 /// The text that QDebug quoted: \", \\ and \n turned back, hexadecimal escapes left alone.
@@ -59,19 +52,16 @@ QString fx_Unquoted(QString const& quoted)
 
 CxPluginMessages::CxPluginMessages(bool raw)
 {
-    SxCollected& collected = fx_Collected();
-    collected.raw = raw;
-    collected.before = qInstallMessageHandler(fx_Collect);
+    s_handler.raw = raw;
+    s_handler.before = qInstallMessageHandler(fx_Collect);
 }
 
-CxPluginMessages::~CxPluginMessages() { qInstallMessageHandler(fx_Collected().before); }
+CxPluginMessages::~CxPluginMessages() { qInstallMessageHandler(s_handler.before); }
 
 QStringList CxPluginMessages::take()
 {
-    SxCollected& collected = fx_Collected();
-    QMutexLocker const lock(&collected.mutex);
     QStringList sentences;
-    sentences.swap(collected.sentences);
+    sentences.swap(s_sentences);
     return sentences;
 }
 

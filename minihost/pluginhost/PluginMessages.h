@@ -7,7 +7,7 @@
 /// Collects the critical messages that plug-ins log, as sentences for people.
 ///
 /// While the object lives it is Qt's message handler: critical messages are kept here, all others go
-/// to the handler before it. One at a time in a process; messages may come from any thread.
+/// to the handler before it. One at a time in a process, made in the main thread.
 class CxPluginMessages
 {
 public:
@@ -17,8 +17,8 @@ public:
     CxPluginMessages(CxPluginMessages const&) = delete;
     CxPluginMessages& operator=(CxPluginMessages const&) = delete;
 
-    /// The sentences since the last call, oldest first, none twice in a row. Dumps of several lines are for
-    /// the log and left out.
+    /// The sentences logged in the calling thread since its last call, oldest first, none twice in a row.
+    /// Dumps of several lines are for the log and left out.
     static QStringList take();
 
     /// What a logged line says: `0x7f01 Saver.cpp L 31 :  "CxSaver::save(): No file."` gives
