@@ -351,22 +351,23 @@ void tst_H264VideoLoader::rules_data()
     QByteArray const slice = fx_Unit(0x61, "\x01\x02\x03\x04");
     QByteArray const other = fx_Unit(0x41, "\x01\x02\x03\x04");
     QByteArray const idr = fx_Unit(0x65, "\x01\x02\x03\x04");
+    int const spsSize = static_cast<int>(sps.size());
     QTest::newRow("delimiter first") << fx_Unit(0x09, "\xF0") + sps + idr + slice
-                                     << QList<int>{6, sps.size() + 9, 9} << QList<int>{1};
-    QTest::newRow("SEI first") << fx_Unit(0x06, "\x05\x01\x80") + sps + idr << QList<int>{8, sps.size() + 9}
+                                     << QList<int>{6, spsSize + 9, 9} << QList<int>{1};
+    QTest::newRow("SEI first") << fx_Unit(0x06, "\x05\x01\x80") + sps + idr << QList<int>{8, spsSize + 9}
                                << QList<int>{1};
     QTest::newRow("slices ahead of the first SPS")
-        << slice + slice + sps + idr << QList<int>{9, 9, sps.size() + 9} << QList<int>{2};
+        << slice + slice + sps + idr << QList<int>{9, 9, spsSize + 9} << QList<int>{2};
     QTest::newRow("several slices a picture")
-        << sps + idr + slice + slice + slice << QList<int>{sps.size() + 9, 9, 9, 9} << QList<int>{0};
+        << sps + idr + slice + slice + slice << QList<int>{spsSize + 9, 9, 9, 9} << QList<int>{0};
     QTest::newRow("slices with another nal_ref_idc")
-        << sps + idr + other + other + sps + idr + other << QList<int>{sps.size() + 27, sps.size() + 18}
+        << sps + idr + other + other + sps + idr + other << QList<int>{spsSize + 27, spsSize + 18}
         << QList<int>{0, 1};
-    QTest::newRow("SPS only") << sps << QList<int>{sps.size()} << QList<int>{0};
+    QTest::newRow("SPS only") << sps << QList<int>{spsSize} << QList<int>{0};
     QTest::newRow("start code at the end")
-        << sps + QByteArray::fromHex("000001") << QList<int>{sps.size() + 3} << QList<int>{0};
+        << sps + QByteArray::fromHex("000001") << QList<int>{spsSize + 3} << QList<int>{0};
     QTest::newRow("start code of four bytes at the end")
-        << sps + slice + QByteArray::fromHex("00000001") << QList<int>{sps.size()} << QList<int>{0};
+        << sps + slice + QByteArray::fromHex("00000001") << QList<int>{spsSize} << QList<int>{0};
 }
 
 void tst_H264VideoLoader::rules()
@@ -516,8 +517,8 @@ void tst_H264VideoLoader::pictureFormat()
 
 void tst_H264VideoLoader::sizeThatTheDecoderContradicts()
 {
-    for (auto const size : {qMakePair(6u, 3u), qMakePair(5u, 4u), qMakePair(1u, 1u), qMakePair(8000u, 9000u),
-                            qMakePair(1u << 28, 1u << 28), qMakePair(0x08000000u, 1u)}) {
+    for (auto const& size : {qMakePair(6u, 3u), qMakePair(5u, 4u), qMakePair(1u, 1u), qMakePair(8000u, 9000u),
+                             qMakePair(1u << 28, 1u << 28), qMakePair(0x08000000u, 1u)}) {
         CxH264VideoLoader loader;
         loader.setInputFile(
             write(fx_SpsUnit(size.first, size.second) + m_stream.bytes(), "contradiction.h264"));
@@ -536,7 +537,7 @@ void tst_H264VideoLoader::damagedFrame()
     for (int i = 6; i < damaged.size(); ++i)
         damaged[i] = '\xFF';
     QByteArray bytes;
-    for (QByteArray const& frame : qAsConst(frames))
+    for (QByteArray const& frame : std::as_const(frames))
         bytes += frame;
     CxH264VideoLoader loader;
     loader.setInputFile(write(bytes, QStringLiteral("damaged.h264")));
@@ -583,7 +584,7 @@ void tst_H264VideoLoader::damagedStreamOfEveryProfile()
         int const damaged = below(kFrames);
         // Behind the start code and the header byte, which decide where frames begin.
         QByteArray& bytes = frames[damaged];
-        int const at = 5 + below(bytes.size() - 5);
+        int const at = 5 + below(static_cast<int>(bytes.size()) - 5);
         bytes[at] = static_cast<char>(bytes[at] ^ 1 << below(8));
         SxCodedStream const changed{frames, stream.keys};
         CxH264VideoLoader loader;
@@ -733,7 +734,7 @@ void tst_H264VideoLoader::everyOrderOfOpenCloseDelete()
 void tst_H264VideoLoader::shrunkFile_data()
 {
     QTest::addColumn<int>("left");
-    int const size = m_stream.bytes().size();
+    int const size = static_cast<int>(m_stream.bytes().size());
     for (int const left : {0, 1, 100, size / 2, size - 1})
         QTest::addRow("to %d bytes", left) << left;
 }
@@ -749,7 +750,7 @@ void tst_H264VideoLoader::shrunkFile()
     CxMessageRecorder messages;
     for (int pass = 0; pass < 2; ++pass) {
         for (int frame = 0, end = 0; frame < kFrames; ++frame) {
-            int const size = m_stream.frames.at(frame).size();
+            int const size = static_cast<int>(m_stream.frames.at(frame).size());
             end += size;
             QByteArray buffer(size, '\x55');
             unsigned long copied = static_cast<unsigned long>(size) + 1; // not what it will be set to
@@ -855,7 +856,7 @@ void tst_H264VideoLoader::memoryStaysFlat()
     for (int i = 0; i < 50; ++i)
         cycle(i); // what is made once is made now
     size_t const heap = fx_HeapBytes();
-    int const files = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size();
+    auto const files = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size();
     for (int i = 0; i < 1000; ++i)
         cycle(i);
     size_t const growth = fx_HeapBytes() - qMin(fx_HeapBytes(), heap);

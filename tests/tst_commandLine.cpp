@@ -18,6 +18,7 @@ private slots:
     void pluginIsLookedFor_data();
     void pluginIsLookedFor();
     void pluginPathFromTheEnvironment();
+    void fileNamesWithoutALocale();
 };
 
 void tst_commandLine::helpAndVersion_data()
@@ -171,6 +172,23 @@ void tst_commandLine::pluginIsLookedFor()
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(run.err.startsWith("error: ") && run.err.contains(cause), run.err);
     QVERIFY(!QFile::exists(folder.filePath("out.h264")));
+}
+
+void tst_commandLine::fileNamesWithoutALocale()
+{
+    QString const name = QStringLiteral("/no/such/gr\u00FC\u00DFe.h264");
+    SxMinihostRun const expected = fx_RunMinihost({"info", name});
+    QVERIFY2(expected.err.contains(name.toUtf8()), expected.err);
+    QByteArray const locale = qgetenv("LC_ALL");
+    QVERIFY(qputenv("LC_ALL", "C"));
+    SxMinihostRun const named = fx_RunMinihost({"info", name});
+    QVERIFY(qunsetenv("LC_ALL"));
+    QVERIFY(qputenv("LC_CTYPE", "C"));
+    SxMinihostRun const unnamed = fx_RunMinihost({"info", name});
+    qunsetenv("LC_CTYPE");
+    qputenv("LC_ALL", locale);
+    QCOMPARE(named.err, expected.err);
+    QCOMPARE(unnamed.err, expected.err);
 }
 
 void tst_commandLine::pluginPathFromTheEnvironment()

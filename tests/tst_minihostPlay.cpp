@@ -234,7 +234,7 @@ void tst_minihostPlay::infoTellsWhatIsThere()
     QCOMPARE(json.value("fpsIsAssumed").toBool(), true);
     QCOMPARE(json.value("seconds").toDouble(), 1.0);
     QCOMPARE(json.value("bytes").toInt(), m_bytes.size());
-    QCOMPARE(json.value("meanBitRate").toDouble(), m_bytes.size() * 8.0);
+    QCOMPARE(json.value("meanBitRate").toDouble(), static_cast<double>(m_bytes.size()) * 8.0);
     QVERIFY(!json.contains("frameList"));
 }
 
@@ -247,7 +247,7 @@ void tst_minihostPlay::infoListsTheFrames()
     QList<QByteArray> const lines = text.out.trimmed().split('\n').mid(6);
     QCOMPARE(lines.size(), kFrames);
 
-    int end = 0, largest = 0, smallest = m_bytes.size();
+    int end = 0, largest = 0, smallest = static_cast<int>(m_bytes.size());
     for (int i = 0; i < kFrames; ++i) {
         QJsonObject const frame = list[i].toObject();
         int const offset = frame.value("offset").toInt(-1);

@@ -146,7 +146,7 @@ static std::pair<int, int> fx_ProfileAndLevel(QString const& fileName)
     if (!file.open(QIODevice::ReadOnly))
         return {-1, -1};
     QByteArray const start = file.read(64);
-    int const sps = start.indexOf(QByteArray::fromHex("00000167"));
+    int const sps = static_cast<int>(start.indexOf(QByteArray::fromHex("00000167")));
     return sps < 0 ? std::make_pair(-1, -1)
                    : std::make_pair(int{static_cast<uchar>(start[sps + 4])},
                                     int{static_cast<uchar>(start[sps + 6])});

@@ -247,7 +247,7 @@ void tst_openH264Decoder::units()
     CxOpenH264Decoder decoder;
     QCOMPARE(fx_Decode(decoder, accessor, 0).luma, 0x64);
     QStringList actual;
-    for (QByteArray const& unit : qAsConst(fx_OpenH264DecoderDouble().units))
+    for (QByteArray const& unit : std::as_const(fx_OpenH264DecoderDouble().units))
         actual.append(QString::fromLatin1(unit.toHex()));
     QCOMPARE(actual, units);
 }
@@ -847,7 +847,7 @@ void tst_openH264Decoder::badBytes()
     CxOpenH264Decoder decoder;
     QVERIFY(!fx_Decode(decoder, accessor, 0).result);
     QByteArray fed;
-    for (QByteArray const& unit : qAsConst(fx_OpenH264DecoderDouble().units))
+    for (QByteArray const& unit : std::as_const(fx_OpenH264DecoderDouble().units))
         fed += unit;
     QVERIFY(accessor.frames.first().startsWith(fed));
 }

@@ -1197,7 +1197,7 @@ static std::vector<int> fx_NalTypes(QByteArray const& bytes)
 {
     std::vector<int> types;
     QByteArray const startCode("\0\0\0\1", 4);
-    for (int at = bytes.indexOf(startCode); at >= 0; at = bytes.indexOf(startCode, at + 4))
+    for (auto at = bytes.indexOf(startCode); at >= 0; at = bytes.indexOf(startCode, at + 4))
         types.push_back(bytes.at(at + 4) & 31);
     return types;
 }

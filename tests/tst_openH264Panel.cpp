@@ -310,7 +310,7 @@ void tst_openH264Panel::valueLabel()
     slider->setValue(8);
     QCOMPARE(value->text(), QStringLiteral("8"));
     QVariant const quality = encoder.optionsFromWidgetInSaveDlg(panel).value("h264_quality");
-    QCOMPARE(quality.type(), QVariant::Int);
+    QCOMPARE(quality.userType(), int(QMetaType::Int));
     QCOMPARE(quality.toInt(), 8);
 }
 
@@ -353,7 +353,7 @@ void tst_openH264Panel::comboBoxes()
     for (int i = 0; i < box->count(); ++i) {
         SxItem const& item = items[static_cast<size_t>(i)];
         QCOMPARE(box->itemText(i), QString::fromLatin1(item.text));
-        QCOMPARE(box->itemData(i, Qt::UserRole).type(), QVariant::Int);
+        QCOMPARE(box->itemData(i, Qt::UserRole).userType(), int(QMetaType::Int));
         QCOMPARE(box->itemData(i, Qt::UserRole).toInt(), item.data);
     }
 }
@@ -564,7 +564,8 @@ void tst_openH264Panel::readsAllSixKeys()
     QCOMPARE(options.keys(), (QStringList{"h264_complexity", "h264_keyframerate", "h264_level_idc",
                                           "h264_profile_idc", "h264_quality", "h264_show_advanced"}));
     for (QString const& key : options.keys())
-        QCOMPARE(options.value(key).type(), key == "h264_show_advanced" ? QVariant::Bool : QVariant::Int);
+        QCOMPARE(options.value(key).userType(),
+                 int(key == "h264_show_advanced" ? QMetaType::Bool : QMetaType::Int));
 }
 
 void tst_openH264Panel::readsHiddenAndDisabled()

@@ -146,7 +146,7 @@ void tst_roundtrip::recording()
     QList<int> keys;
     for (SxDecodedPicture const& picture : decoded) {
         if (picture.isKeyFrame)
-            keys.append(expected.size());
+            keys.append(static_cast<int>(expected.size()));
         expected.append(fx_Expected(picture));
     }
 
@@ -200,8 +200,8 @@ void tst_roundtrip::cutRecording()
     QList<QByteArray> const expected = fx_LoadAll(filePath());
 
     CxMessageRecorder messages;
-    int const lastTwo = stream.frames.at(5).size() + stream.frames.at(6).size();
-    for (int size = whole.size() - lastTwo; size < whole.size(); ++size) {
+    auto const lastTwo = stream.frames.at(5).size() + stream.frames.at(6).size();
+    for (auto size = whole.size() - lastTwo; size < whole.size(); ++size) {
         write(whole.left(size));
         CxH264VideoLoader loader;
         loader.setInputFile(filePath());
@@ -236,7 +236,7 @@ void tst_roundtrip::damagedRecording()
     int pictures = 0;
     for (int round = 0; round < kDamagedFiles; ++round) {
         QByteArray bytes = whole;
-        bytes[below(bytes.size())] = static_cast<char>(below(256));
+        bytes[below(static_cast<int>(bytes.size()))] = static_cast<char>(below(256));
         write(bytes);
         CxH264VideoLoader loader;
         loader.setInputFile(filePath());
@@ -274,7 +274,7 @@ void tst_roundtrip::foreignStream_data()
 /// Header bytes of slices and parameter sets as our encoder writes them, so that each slice opens a frame.
 static QByteArray fx_WithOurHeaders(QByteArray stream)
 {
-    for (int i = stream.indexOf(QByteArray("\0\0\1", 3)); i >= 0 && i + 3 < stream.size();
+    for (auto i = stream.indexOf(QByteArray("\0\0\1", 3)); i >= 0 && i + 3 < stream.size();
          i = stream.indexOf(QByteArray("\0\0\1", 3), i + 3)) {
         int const type = stream.at(i + 3) & 0x1F;
         if (type == 1 || type == 5 || type == 7 || type == 8)

@@ -96,7 +96,7 @@ void tst_saveDialog::saverOptionMap()
     for (QWidget* const any : {static_cast<QWidget*>(nullptr), &widget}) {
         QMap<QString, QVariant> const options = saver.optionsFromWidgetInSaveDlg(any);
         QCOMPARE(options.size(), 1);
-        QCOMPARE(options.value("codec").type(), QVariant::UInt);
+        QCOMPARE(options.value("codec").userType(), int(QMetaType::UInt));
         QCOMPARE(options.value("codec").toUInt(), 875967048u);
     }
     // Also with options of another kind set.

@@ -33,7 +33,7 @@ Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExpo
                 QString& error)
 {
     std::atomic<bool> const& stop = fx_CatchInterrupts();
-    CxProgressLine line(frames.size());
+    CxProgressLine line(static_cast<int>(frames.size()));
     std::unique_ptr<CxImageData> picture;
     int done = 0;
     for (int const frame : frames) {

@@ -50,7 +50,7 @@ void fx_ReadProfile(CxRecordingReader& recording, SxRecordingInfo& info)
 {
     QByteArray const bytes =
         recording.keyFrames().isEmpty() ? QByteArray() : recording.codedFrame(recording.keyFrames().first());
-    int const header = bytes.indexOf(QByteArray("\0\0\1\x67", 4)) + 3;
+    auto const header = bytes.indexOf(QByteArray("\0\0\1\x67", 4)) + 3;
     if (header < 3 || header + 3 >= bytes.size())
         return;
     auto const profile_idc = static_cast<uchar>(bytes[header + 1]);

@@ -36,7 +36,7 @@ QString fx_ReadableTime(double seconds)
         .arg(tail);
 }
 
-QString fx_Count(int count, char const* of)
+QString fx_Count(qint64 count, char const* of)
 {
     return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(of), QLatin1String(count == 1 ? "" : "s"));
 }

@@ -101,7 +101,7 @@ QString fx_TakeInputOptions(QCommandLineParser const& parser, SxFFmpegOptions& i
                    "lists them, not '%1'.")
             .arg(input.format);
     for (QString const& given : parser.values(QStringLiteral("input-option"))) {
-        int const equals = given.indexOf(QLatin1Char('='));
+        auto const equals = given.indexOf(QLatin1Char('='));
         if (equals < 1)
             return QStringLiteral("--input-option takes NAME=VALUE, such as video_size=1280x720, not '%1'.")
                 .arg(given);

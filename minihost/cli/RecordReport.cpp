@@ -90,7 +90,7 @@ QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& sum
         return QString();
     auto const sufficientQuality = [&summary](SxEncoderOptions const& used) {
         return fx_QualityThatKeepsAll(summary.savedWidth, summary.savedHeight, used, summary.bytes,
-                                      summary.coded, summary.skipped.size());
+                                      summary.coded, static_cast<int>(summary.skipped.size()));
     };
     QString advice = QStringLiteral("The encoder skipped %1 of %2 pictures to keep to its bit rate; ")
                          .arg(summary.skipped.size())

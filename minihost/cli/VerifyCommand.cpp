@@ -44,7 +44,7 @@ int fx_PicturesIn(QByteArray const& bytes)
 {
     QByteArray const startCode("\0\0\1", 3);
     int pictures = 0;
-    for (int at = bytes.indexOf(startCode); at >= 0 && at + 4 < bytes.size();
+    for (auto at = bytes.indexOf(startCode); at >= 0 && at + 4 < bytes.size();
          at = bytes.indexOf(startCode, at + 3)) {
         int const nal_unit_type = bytes[at + 3] & 0x1F;
         bool const isSlice = nal_unit_type == 1 || nal_unit_type == 5;

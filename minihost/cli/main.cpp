@@ -1,5 +1,5 @@
 #include <QCoreApplication>
-#include <QTextCodec>
+#include <clocale>
 #include <langinfo.h>
 
 #include "Commands.h"
@@ -61,13 +61,19 @@ static int fx_Dispatch(QStringList arguments)
     return kWrongUsage;
 }
 
+/// Without a locale, as in containers, file names are still UTF-8. Qt takes the locale from the environment.
+static void fx_UseUtf8()
+{
+    std::setlocale(LC_CTYPE, "");
+    if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0)
+        qputenv(qEnvironmentVariableIsEmpty("LC_ALL") ? "LC_CTYPE" : "LC_ALL", "C.UTF-8");
+}
+
 int main(int argc, char** argv)
 {
+    fx_UseUtf8();
     if (argc > 1 && qstrcmp(argv[1], "view") == 0)
         return fx_RunViewer(argc, argv); // with an application object of its own
     QCoreApplication const app(argc, argv);
-    // Without a locale, as in containers, file names are still UTF-8.
-    if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0)
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     return fx_Dispatch(QCoreApplication::arguments().mid(1));
 }

@@ -1,6 +1,7 @@
 #include "ClassRegistry.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "CxRTTI.h"
 
@@ -33,7 +34,7 @@ QList<SxRegisteredClass> fx_RegisteredClasses(QString const& interfaceName)
     if (interfaceName.isEmpty())
         return fx_Registry();
     QList<SxRegisteredClass> classes;
-    for (SxRegisteredClass const& known : qAsConst(fx_Registry())) {
+    for (SxRegisteredClass const& known : std::as_const(fx_Registry())) {
         if (known.interfaceName == interfaceName)
             classes.append(known);
     }

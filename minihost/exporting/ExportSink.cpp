@@ -110,7 +110,7 @@ public:
         return Result::Taken;
     }
     Result finish(QString&) override { return Result::Taken; }
-    SxExported exported() const override { return {m_pattern, m_written.size(), m_size}; }
+    SxExported exported() const override { return {m_pattern, static_cast<int>(m_written.size()), m_size}; }
     QJsonArray exportedJson() const override { return m_json; }
 
 private:
@@ -159,7 +159,7 @@ public:
         return result;
     }
     Result finish(QString&) override { return Result::Taken; }
-    SxExported exported() const override { return {m_fileName, m_json.size(), m_size}; }
+    SxExported exported() const override { return {m_fileName, static_cast<int>(m_json.size()), m_size}; }
     QJsonArray exportedJson() const override { return m_json; }
 
 private:
@@ -197,7 +197,7 @@ public:
         CxPictureEncoder encoder(QFileInfo(m_fileName).suffix());
         return fx_WritePicture(encoder, whole.get(), m_fileName, error) ? Result::Taken : Result::Error;
     }
-    SxExported exported() const override { return {m_fileName, m_json.size(), m_size}; }
+    SxExported exported() const override { return {m_fileName, static_cast<int>(m_json.size()), m_size}; }
     QJsonArray exportedJson() const override { return m_json; }
 
 private:

@@ -6,12 +6,11 @@ static int const kMostDigits = 20;
 
 std::optional<QString> fx_FileNameOf(QString const& pattern, int frame)
 {
-    static QRegularExpression const kPlace(QStringLiteral("%(?:(%)|(0?)(\\d{0,2})d)"));
+    static QRegularExpression const kPlace(QStringLiteral("\\G%(?:(%)|(0?)(\\d{0,2})d)"));
     QString name;
     int done = 0;
-    for (int at = pattern.indexOf(QLatin1Char('%')); at >= 0; at = pattern.indexOf(QLatin1Char('%'), done)) {
-        QRegularExpressionMatch const match = kPlace.match(pattern, at, QRegularExpression::NormalMatch,
-                                                           QRegularExpression::AnchoredMatchOption);
+    for (auto at = pattern.indexOf(QLatin1Char('%')); at >= 0; at = pattern.indexOf(QLatin1Char('%'), done)) {
+        QRegularExpressionMatch const match = kPlace.match(pattern, at);
         int const width = match.captured(3).toInt();
         if (!match.hasMatch() || width > kMostDigits)
             return std::nullopt;
@@ -19,7 +18,7 @@ std::optional<QString> fx_FileNameOf(QString const& pattern, int frame)
         QChar const fill = match.captured(2).isEmpty() ? QLatin1Char(' ') : QLatin1Char('0');
         name += match.captured(1).isEmpty() ? QStringLiteral("%1").arg(frame, width, 10, fill)
                                             : QStringLiteral("%");
-        done = match.capturedEnd();
+        done = static_cast<int>(match.capturedEnd());
     }
     return name + pattern.mid(done);
 }

@@ -38,7 +38,7 @@ static SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format)
         result.url = "file:" + input.toLocal8Bit(); // a colon in its name would look like a protocol
         return result;
     }
-    int const colon = input.indexOf(QLatin1Char(':'));
+    auto const colon = input.indexOf(QLatin1Char(':'));
     if (colon > 0) {
         AVInputFormat const* const device = av_find_input_format(input.left(colon).toLatin1().constData());
         if (fx_IsDevice(device) && (result.format == nullptr || result.format == device)) {

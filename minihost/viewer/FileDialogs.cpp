@@ -30,9 +30,9 @@ QString CxFileDialogs::recordingToOpen(QWidget* parent)
             filters.append(format.description);
     }
     filters.append(tr("All files (*)"));
-    QString const fileName = QFileDialog::getOpenFileName(
-        parent, tr("Open Recording"), fx_Folder(kOpenFolderKey, QStandardPaths::MoviesLocation),
-        filters.join(QStringLiteral(";;")));
+    QString fileName = QFileDialog::getOpenFileName(parent, tr("Open Recording"),
+                                                    fx_Folder(kOpenFolderKey, QStandardPaths::MoviesLocation),
+                                                    filters.join(QStringLiteral(";;")));
     if (!fileName.isEmpty())
         QSettings().setValue(kOpenFolderKey, QFileInfo(fileName).absolutePath());
     return fileName;
@@ -45,7 +45,7 @@ QString CxFileDialogs::sourceToOpen(QWidget* parent)
         parent, tr("Open Video, Stream or Device"),
         tr("File, address or device, such as clip.mp4, rtsp://camera/stream or v4l2:/dev/video0:"),
         QLineEdit::Normal, QSettings().value(kSourceKey).toString(), &isChosen);
-    QString const name = text.trimmed();
+    QString name = text.trimmed();
     if (!isChosen || name.isEmpty())
         return {};
     QSettings().setValue(kSourceKey, name);

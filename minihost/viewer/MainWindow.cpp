@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>

@@ -1,11 +1,12 @@
 #include "PictureView.h"
 
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+
+#include "MousePosition.h"
 
 static constexpr double kLargestZoom = 64.0;
 static constexpr double kSmallestZoom = 1.0 / 32.0;
@@ -176,7 +177,7 @@ void CxPictureView::wheelEvent(QWheelEvent* event)
 
 void CxPictureView::mousePressEvent(QMouseEvent* event)
 {
-    m_mouse = event->localPos();
+    m_mouse = fx_MousePosition(*event);
     if (event->button() == Qt::LeftButton && !m_picture.image.isNull()) {
         m_isDragging = true;
         setCursor(Qt::ClosedHandCursor);
@@ -185,8 +186,8 @@ void CxPictureView::mousePressEvent(QMouseEvent* event)
 
 void CxPictureView::mouseMoveEvent(QMouseEvent* event)
 {
-    QPointF const distance = event->localPos() - m_mouse;
-    m_mouse = event->localPos();
+    QPointF const distance = fx_MousePosition(*event) - m_mouse;
+    m_mouse = fx_MousePosition(*event);
     if (m_isDragging)
         pan(distance);
     else

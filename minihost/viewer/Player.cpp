@@ -190,5 +190,6 @@ void CxPlayer::measureRate()
     while (now - m_shownTimes.head() > kSecond)
         m_shownTimes.dequeue();
     if (m_shownTimes.size() > 1)
-        emit rateMeasured((m_shownTimes.size() - 1) * 1e9 / static_cast<double>(now - m_shownTimes.head()));
+        emit rateMeasured(static_cast<double>(m_shownTimes.size() - 1) * 1e9 /
+                          static_cast<double>(now - m_shownTimes.head()));
 }

@@ -49,7 +49,7 @@ void CxRecordBar::showProgress(SxRecordSummary const& summary)
     m_progress->setValue(summary.given);
     QStringList parts{tr("%n picture(s)", nullptr, summary.given)};
     if (!summary.skipped.isEmpty())
-        parts.append(tr("%n skipped", nullptr, summary.skipped.size()));
+        parts.append(tr("%n skipped", nullptr, static_cast<int>(summary.skipped.size())));
     parts.append(locale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeSIFormat));
     m_text->setText(tr("Recording to %1: %2").arg(m_name, parts.join(QStringLiteral(", "))));
 }

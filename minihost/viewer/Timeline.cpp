@@ -1,10 +1,11 @@
 #include "Timeline.h"
 
-#include <QMouseEvent>
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QToolTip>
 #include <cmath>
+
+#include "MousePosition.h"
 
 static constexpr int kHandleRadius = 7;
 static constexpr int kGrooveHeight = 4;
@@ -100,14 +101,14 @@ void CxTimeline::paintEvent(QPaintEvent*)
     QColor line = colours.color(QPalette::WindowText);
     QRectF const whole = groove();
 
-    line.setAlphaF(0.28);
+    line.setAlphaF(0.28F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(line);
     painter.drawRoundedRect(whole, kGrooveHeight / 2.0, kGrooveHeight / 2.0);
     if (!isEnabled())
         return;
 
-    line.setAlphaF(0.6);
+    line.setAlphaF(0.6F);
     painter.setPen(QPen(line, 1.0));
     paintKeyFrames(painter);
 
@@ -137,20 +138,20 @@ void CxTimeline::mousePressEvent(QMouseEvent* event)
         return;
     }
     setSliderDown(true);
-    setSliderPosition(numberAt(event->localPos().x()));
+    setSliderPosition(numberAt(fx_MousePosition(*event).x()));
     update();
 }
 
 void CxTimeline::mouseMoveEvent(QMouseEvent* event)
 {
     m_isHovered = true;
-    int const number = numberAt(event->localPos().x());
+    int const number = numberAt(fx_MousePosition(*event).x());
     if (isSliderDown())
         setSliderPosition(number);
     QString text = tr("%1 · %2").arg(number).arg(fx_TimeCode(number, m_fps));
     if (std::binary_search(m_keyFrames.begin(), m_keyFrames.end(), number))
         text = tr("%1 · key frame").arg(text);
-    QToolTip::showText(event->globalPos() + QPoint(0, -2 * height()), text, this);
+    QToolTip::showText(mapToGlobal(event->pos()) + QPoint(0, -2 * height()), text, this);
     update();
 }
 

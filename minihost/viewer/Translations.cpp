@@ -18,7 +18,12 @@ static void fx_Install(QLocale const& locale, QString const& baseName, QString c
 void fx_InstallTranslations(QLocale const& locale, QStringList const& pluginFiles)
 {
     QString const folderName = QStringLiteral("/translations");
-    fx_Install(locale, QStringLiteral("qtbase"), QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    QString const ofQt = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+#else
+    QString const ofQt = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+#endif
+    fx_Install(locale, QStringLiteral("qtbase"), ofQt);
     QString const programs = QCoreApplication::applicationDirPath() + folderName;
     fx_Install(QLocale(QLocale::English), QStringLiteral("minihost"), programs); // singular and plural
     fx_Install(locale, QStringLiteral("minihost"), programs);

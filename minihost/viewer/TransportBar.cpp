@@ -94,7 +94,8 @@ void CxTransportBar::connectSpeed(CxActions& actions)
     for (QAction* const action : actions.speeds->actions())
         m_speed->addItem(action->text());
     auto const follow = [this, &actions] {
-        m_speed->setCurrentIndex(actions.speeds->actions().indexOf(actions.speeds->checkedAction()));
+        m_speed->setCurrentIndex(
+            static_cast<int>(actions.speeds->actions().indexOf(actions.speeds->checkedAction())));
     };
     follow();
     QAction* const anySpeed = actions.speeds->actions().first();

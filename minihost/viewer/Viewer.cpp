@@ -63,8 +63,10 @@ int fx_RunViewer(int& argc, char** argv)
     if (!fx_HasDisplay())
         return fx_Fail(QStringLiteral("There is no display to open a window on."), 1);
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // later versions always do
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("tarn"));
     QApplication::setApplicationName(QStringLiteral("minihost"));

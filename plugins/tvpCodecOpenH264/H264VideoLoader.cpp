@@ -17,7 +17,7 @@ bool CxH264VideoLoader::load() { return m_file.isOpen() || open(); }
 int CxH264VideoLoader::sequenceSize()
 {
     load();
-    return m_index.size();
+    return static_cast<int>(m_index.size());
 }
 
 QString CxH264VideoLoader::inputFile() { return m_inputFile; }
@@ -86,7 +86,7 @@ bool CxH264VideoLoader::index()
     CxFrameScanner scanner(m_data, size);
     for (SxFrameRange frame; scanner.next(frame);) {
         if (frame.key)
-            keys.append(m_index.size() + entries.size());
+            keys.append(static_cast<int>(m_index.size() + entries.size()));
         entries.append({frame.offset, frame.size, frame.key});
     }
     if (entries.isEmpty() || !scanner.spsPayload())

@@ -81,7 +81,7 @@ std::vector<SxDecodedPicture> fx_DecodeH264File(QString const& fileName, QString
     bool isClean = avcodec_open2(codec.get(), decoder, nullptr) == 0;
 
     auto const* position = reinterpret_cast<std::uint8_t const*>(stream.constData());
-    int left = stream.size() - AV_INPUT_BUFFER_PADDING_SIZE;
+    int left = static_cast<int>(stream.size()) - AV_INPUT_BUFFER_PADDING_SIZE;
     bool atEnd = false;
     while (isClean && !atEnd) {
         atEnd = left == 0; // one empty call makes the parser hand out its last packet

@@ -23,7 +23,7 @@ public:
     // The record
     QList<int> asked; ///< frames whose bytes were asked for
 
-    int framesCount() override { return count >= 0 ? count : frames.size(); }
+    int framesCount() override { return count >= 0 ? count : static_cast<int>(frames.size()); }
 
     unsigned long frameDataSize(int frame) override
     {

@@ -41,7 +41,7 @@ CxProbe::CxProbe(SxLoaderLog& log, qint64 memory)
 
 bool CxProbe::open(SxLoaderLog& log)
 {
-    int const before = opened.size();
+    auto const before = opened.size();
     reader.open(std::make_unique<CxFakeLoader>(log), QStringLiteral("name"));
     return QTest::qWaitFor([&] { return opened.size() > before; });
 }

@@ -196,8 +196,8 @@ void tst_playControl::damagedPictureIsNamedAndNotShown()
     QVERIFY(source.open(QIODevice::ReadOnly));
     QByteArray bytes = source.readAll();
     // Where the slices of the second half stood is now nothing that a decoder knows.
-    int const from = bytes.indexOf(QByteArray("\0\0\0\1\x67", 5), bytes.size() / 2) + 60;
-    for (int i = from; i < from + 400; ++i)
+    auto const from = bytes.indexOf(QByteArray("\0\0\0\1\x67", 5), bytes.size() / 2) + 60;
+    for (auto i = from; i < from + 400; ++i)
         bytes[i] = '\x55';
     QString const fileName = m_fixture->path(QStringLiteral("damaged.h264"));
     QFile target(fileName);

@@ -37,7 +37,7 @@ Messages fx_ReadTs(QString const& fileName)
     SxMessage message;
     while (!xml.atEnd()) {
         if (xml.readNext() == QXmlStreamReader::StartElement) {
-            QStringRef const name = xml.name();
+            auto const name = xml.name();
             if (name == QLatin1String("name"))
                 context = xml.readElementText();
             else if (name == QLatin1String("source"))
@@ -84,7 +84,7 @@ void fx_CheckMenuKeys(CxMainWindow const& window)
     for (QMenu* const menu : menus) {
         QSet<QChar> keys;
         for (QAction* const action : menu->actions()) {
-            int const mark = action->text().indexOf('&');
+            auto const mark = action->text().indexOf('&');
             if (mark < 0)
                 continue;
             QChar const key = action->text().at(mark + 1).toLower();
