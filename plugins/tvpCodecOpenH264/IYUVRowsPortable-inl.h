@@ -11,7 +11,7 @@ HWY_INLINE V32 fx_EvenDwords(V32 a, V32 b)
     return V32{
         _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.raw), _mm256_castsi256_ps(b.raw), 0x88))};
 }
-#elif HWY_TARGET == HWY_NEON
+#elif HWY_ARCH_ARM
 HWY_INLINE V8 fx_PackBytes(V16 a, V16 b) { return V8{vcombine_u8(vqmovun_s16(a.raw), vqmovun_s16(b.raw))}; }
 HWY_INLINE V32 fx_EvenDwords(V32 a, V32 b) { return V32{vuzp1q_s32(a.raw, b.raw)}; }
 #else
@@ -25,7 +25,7 @@ HWY_INLINE V32 fx_EvenDwords(V32 a, V32 b)
 /// a[2i] * b[2i] + a[2i + 1] * b[2i + 1].
 HWY_INLINE V32 fx_MulPairs(V16 a, V16 b)
 {
-#if HWY_TARGET == HWY_NEON
+#if HWY_ARCH_ARM
     return V32{vpaddq_s32(vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw)), vmull_high_s16(a.raw, b.raw))};
 #else
     V32 unused = hn::Zero(D32());

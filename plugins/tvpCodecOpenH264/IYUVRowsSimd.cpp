@@ -4,11 +4,9 @@
 
 #include "IYUVRowsSimd.h"
 
+#include "HighwayTargets.h"
 #include "InstructionSets.h"
 
-// Scalable vectors have no size that a struct or a constant could take; NEON serves those machines. AVX3_DL
-// asks for AVX-VNNI, which half of the processors with AVX-512 lack, and SSSE3 has no machine of its own.
-#define HWY_DISABLED_TARGETS (HWY_AVX3_DL | HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "IYUVRowsSimd.cpp"
 #include "hwy/foreach_target.h" // IWYU pragma: keep
@@ -328,8 +326,8 @@ std::vector<SxIYUVRows const*> fx_GetSimdIYUVRows()
     if (has.sse4)
         tables.push_back(&sse4);
 #endif
-#if HWY_TARGETS & HWY_NEON
-    static constexpr SxIYUVRows neon = N_NEON::fx_Table("neon"); // every 64-bit Arm has it
+#if HWY_TARGETS & TARN_HIGHWAY_NEON
+    static constexpr SxIYUVRows neon = TARN_NEON_NAMESPACE::fx_Table("neon"); // every 64-bit Arm has it
     tables.push_back(&neon);
 #endif
     return tables;

@@ -3,10 +3,9 @@
 
 #include "StartCodeSearch.h"
 
+#include "HighwayTargets.h"
 #include "InstructionSets.h"
 
-// As for the row kernels: NEON serves the machines with scalable vectors.
-#define HWY_DISABLED_TARGETS (HWY_AVX3_DL | HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "StartCodeSearch.cpp"
 #include "hwy/foreach_target.h" // IWYU pragma: keep
@@ -80,8 +79,8 @@ std::vector<SxPrefixSearch> fx_GetAllPrefixSearches()
     if (has.sse4)
         searches.push_back({"sse4", N_SSE4::fx_FindPrefix});
 #endif
-#if HWY_TARGETS & HWY_NEON
-    searches.push_back({"neon", N_NEON::fx_FindPrefix}); // every 64-bit Arm has it
+#if HWY_TARGETS & TARN_HIGHWAY_NEON
+    searches.push_back({"neon", TARN_NEON_NAMESPACE::fx_FindPrefix}); // every 64-bit Arm has it
 #endif
     searches.push_back({"scalar", fx_FindPrefixScalar});
     return searches;
