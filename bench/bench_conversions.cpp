@@ -14,8 +14,8 @@
 #include <libyuv.h>
 
 #include "IYUVConversion.h"
-#include "IYUVRows.h"
 #include "Ratio.h"
+#include "VectorTargets.h"
 
 namespace {
 
@@ -96,7 +96,7 @@ public:
         libyuv::AR64ToARGB(words(), 4 * m_width, m_argb.data(), 4 * m_width, m_width, m_height);
         argbToPlanes(m_argb.data());
     }
-    void yuvBack() const
+    void yuvToRGB32() const
     {
         libyuv::I420ToARGB(y(), m_width, u(), m_width / 2, v(), m_width / 2, m_packed.data(), 4 * m_width,
                            m_width, m_height);
@@ -140,7 +140,7 @@ struct SxCase
     char const* peerName;
     void (CxJob::*peer)() const;
     double bars[3], avx2Bars[3];
-    bool isBack;
+    bool isToRGB32;
 };
 
 constexpr SxCase kCases[] = {
@@ -150,15 +150,15 @@ constexpr SxCase kCases[] = {
     {"rgb32", 2, 4, "libyuv", &CxJob::yuvRGB32, {0.8, 0.8, 0.8}, {1.5, 1.5, 1.5}, false},
     {"rgb48", 4, 3, "memcpy", &CxJob::copy, {2.0, 0, 1.4}, {0, 0, 0}, false},
     {"rgb64", 4, 4, "libyuv", &CxJob::yuvRGB64, {0.62, 0.62, 0.62}, {1.05, 1.05, 1.05}, false},
-    {"back", 2, 4, "libyuv", &CxJob::yuvBack, {0.55, 0.75, 1.0}, {1.0, 1.0, 1.0}, true},
+    {"YUV to RGB32", 2, 4, "libyuv", &CxJob::yuvToRGB32, {0.55, 0.75, 1.0}, {1.0, 1.0, 1.0}, true},
 };
 
-void fx_Run(benchmark::State& state, SxSize const& size, SxCase const& which, double bar, char const* rows)
+void fx_Run(benchmark::State& state, SxSize const& size, SxCase const& which, double bar, char const* target)
 {
-    if (!fx_ForceIYUVRows(rows))
-        state.SkipWithError("no such table");
+    if (!fx_ForceVectorTarget(target))
+        state.SkipWithError("no such instruction set");
     CxJob job(size.width, size.height, which.sampleType, which.components);
-    auto const ours = [&] { which.isBack ? job.fromIYUV() : job.toIYUV(); };
+    auto const ours = [&] { which.isToRGB32 ? job.fromIYUV() : job.toIYUV(); };
     auto const peer = [&] { (job.*which.peer)(); };
     fx_CompareWork(state, bar, ours, peer);
 }
@@ -169,13 +169,13 @@ int main(int argc, char** argv)
 {
     for (SxCase const& which : kCases) {
         for (std::size_t i = 0; i < std::size(kSizes); ++i) {
-            for (SxIYUVRows const* rows : fx_GetAllIYUVRows()) {
-                bool const isFastest = rows == fx_GetAllIYUVRows().front();
-                bool const isAVX2 = std::strcmp(rows->name, "avx2") == 0;
+            for (VectorTarget const target : fx_GetVectorTargets()) {
+                bool const isFastest = target == fx_GetVectorTargets().front();
+                bool const isAVX2 = target == VectorTarget::AVX2;
                 double const bar = isFastest ? which.bars[i] : isAVX2 ? which.avx2Bars[i] : 0;
-                std::string const name = std::string(which.name) + '/' + kSizes[i].name + '/' + rows->name +
-                                         " to " + which.peerName;
-                benchmark::RegisterBenchmark(name.c_str(), fx_Run, kSizes[i], which, bar, rows->name)
+                std::string const name = std::string(which.name) + '/' + kSizes[i].name + '/' +
+                                         fx_GetName(target) + " / " + which.peerName;
+                benchmark::RegisterBenchmark(name.c_str(), fx_Run, kSizes[i], which, bar, fx_GetName(target))
                     ->UseManualTime()
                     ->Iterations(kSizes[i].turns)
                     ->Unit(benchmark::kMicrosecond);

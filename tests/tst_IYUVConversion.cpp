@@ -683,10 +683,10 @@ void tst_IYUVConversion::emptyPictureBack()
 int main(int argc, char** argv)
 {
     int failures = 0;
-    for (SxIYUVRows const* rows : fx_GetAllIYUVRows()) {
-        if (!fx_ForceIYUVRows(rows->name))
+    for (VectorTarget const vectors : fx_GetVectorTargets()) {
+        if (!fx_ForceVectorTarget(fx_GetName(vectors)))
             return 1;
-        qInfo("Row kernels: %s", rows->name);
+        qInfo("Row kernels: %s", fx_GetName(vectors));
         tst_IYUVConversion test;
         failures += QTest::qExec(&test, argc, argv);
     }

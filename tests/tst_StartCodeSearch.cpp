@@ -14,7 +14,7 @@ class tst_StartCodeSearch : public QObject
 private slots:
     void definition_data();
     void definition();
-    void scalarIsAlwaysThere();
+    void followsTheTargetInUse();
     void everySearchAgreesOnRandomBytes_data();
     void everySearchAgreesOnRandomBytes();
     void everySearchFindsALonePrefixAnywhere();
@@ -39,25 +39,26 @@ private:
 };
 
 /// All positions, one search after the other.
-static std::vector<size_t> fx_AllPositions(SxPrefixSearch const& search, uchar const* data, size_t size)
+static std::vector<size_t> fx_AllPositions(FxPrefixSearch find, uchar const* data, size_t size)
 {
     std::vector<size_t> positions;
-    for (size_t at = search.find(data, size, 0); at < size; at = search.find(data, size, at + 1))
+    for (size_t at = find(data, size, 0); at < size; at = find(data, size, at + 1))
         positions.push_back(at);
     return positions;
 }
 
 static std::vector<size_t> fx_Expected(std::vector<uchar> const& bytes)
 {
-    return fx_AllPositions({"scalar", fx_FindPrefixScalar}, bytes.data(), bytes.size());
+    return fx_AllPositions(fx_FindPrefixScalar, bytes.data(), bytes.size());
 }
 
 static void fx_CompareAll(std::vector<uchar> const& bytes, size_t shift)
 {
     std::vector<size_t> const expected = fx_Expected(bytes);
     CxExactBytes const exact(bytes, shift);
-    for (SxPrefixSearch const& search : fx_GetAllPrefixSearches())
-        QVERIFY2(fx_AllPositions(search, exact.data(), bytes.size()) == expected, search.name);
+    for (VectorTarget const target : fx_GetVectorTargets())
+        QVERIFY2(fx_AllPositions(fx_GetPrefixSearch(target), exact.data(), bytes.size()) == expected,
+                 fx_GetName(target));
 }
 
 void tst_StartCodeSearch::definition_data()
@@ -83,14 +84,19 @@ void tst_StartCodeSearch::definition()
     QFETCH(int, from);
     QFETCH(int, expected);
     auto const* const data = reinterpret_cast<uchar const*>(bytes.constData());
-    for (SxPrefixSearch const& search : fx_GetAllPrefixSearches())
-        QCOMPARE(search.find(data, static_cast<size_t>(bytes.size()), static_cast<size_t>(from)),
-                 static_cast<size_t>(expected));
+    for (VectorTarget const target : fx_GetVectorTargets())
+        QCOMPARE(
+            fx_GetPrefixSearch(target)(data, static_cast<size_t>(bytes.size()), static_cast<size_t>(from)),
+            static_cast<size_t>(expected));
 }
 
-void tst_StartCodeSearch::scalarIsAlwaysThere()
+void tst_StartCodeSearch::followsTheTargetInUse()
 {
-    QCOMPARE(QByteArray(fx_GetAllPrefixSearches().back().name), QByteArray("scalar"));
+    for (VectorTarget const target : fx_GetVectorTargets()) {
+        QVERIFY(fx_ForceVectorTarget(fx_GetName(target)));
+        QVERIFY2(fx_GetPrefixSearch(fx_GetVectorTarget()) == fx_GetPrefixSearch(target), fx_GetName(target));
+        QCOMPARE(target == VectorTarget::Scalar, fx_GetPrefixSearch(target) == fx_FindPrefixScalar);
+    }
 }
 
 void tst_StartCodeSearch::everySearchAgreesOnRandomBytes_data()

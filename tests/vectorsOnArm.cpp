@@ -2,7 +2,6 @@
 // this for 64-bit Arm, without Qt, and runs it under an emulator.
 
 #include <cstdio>
-#include <cstring>
 #include <random>
 #include <vector>
 
@@ -11,7 +10,7 @@
 
 /// Buffers of every size up to four vectors, of bytes that start codes are made of, searched from every
 /// position.
-static std::string fx_CheckSearch(SxPrefixSearch const& search)
+static std::string fx_CheckSearch(FxPrefixSearch find)
 {
     std::minstd_rand random(1);
     for (unsigned round = 0; round < 40; ++round) {
@@ -20,7 +19,7 @@ static std::string fx_CheckSearch(SxPrefixSearch const& search)
             for (std::uint8_t& byte : bytes)
                 byte = static_cast<std::uint8_t>((random() >> 8) % (round % 4 + 2));
             for (std::size_t from = 0; from <= size; ++from)
-                if (search.find(bytes.data(), size, from) != fx_FindPrefixScalar(bytes.data(), size, from))
+                if (find(bytes.data(), size, from) != fx_FindPrefixScalar(bytes.data(), size, from))
                     return "differs at size " + std::to_string(size) + " from " + std::to_string(from);
         }
     }
@@ -37,15 +36,15 @@ static bool fx_Report(char const* table, char const* what, std::string const& er
 int main()
 {
     bool isFine = true;
-    for (SxIYUVRows const* rows : fx_GetAllIYUVRows()) {
-        isFine &= fx_Report(rows->name, "every colour", fx_CheckColours(*rows));
-        isFine &= fx_Report(rows->name, "every (Y, U, V)", fx_CheckSamples(*rows));
-        isFine &= fx_Report(rows->name, "every shift", fx_CheckShifts(*rows));
-        isFine &= fx_Report(rows->name, "every width", fx_CheckWidths(*rows));
+    for (VectorTarget const target : fx_GetVectorTargets()) {
+        char const* const name = fx_GetName(target);
+        SxIYUVRows const& rows = fx_GetIYUVRows(target);
+        isFine &= fx_Report(name, "every colour", fx_CheckColours(rows));
+        isFine &= fx_Report(name, "every (Y, U, V)", fx_CheckSamples(rows));
+        isFine &= fx_Report(name, "every shift", fx_CheckShifts(rows));
+        isFine &= fx_Report(name, "every width", fx_CheckWidths(rows));
+        isFine &= fx_Report(name, "start codes", fx_CheckSearch(fx_GetPrefixSearch(target)));
     }
-    for (SxPrefixSearch const& search : fx_GetAllPrefixSearches())
-        isFine &= fx_Report(search.name, "start codes", fx_CheckSearch(search));
-    bool const isNeonUsed = std::strcmp(fx_GetIYUVRows().name, "neon") == 0 &&
-                            std::strcmp(fx_GetAllPrefixSearches().front().name, "neon") == 0;
+    bool const isNeonUsed = fx_GetVectorTarget() == VectorTarget::NEON;
     return fx_Report("neon", "is used", isNeonUsed ? "" : "not") && isFine ? 0 : 1;
 }

@@ -16,11 +16,10 @@ static size_t fx_StartCodeLength(uchar const* data, size_t size, size_t at)
 
 size_t fx_FindStartCode(uchar const* data, size_t size, size_t from)
 {
-    static SxPrefixSearch const search = fx_GetAllPrefixSearches().front();
     if (from >= size)
         return size;
     // Both kinds of start code end with 00 00 01; one more zero in front makes it the longer.
-    size_t const prefix = search.find(data, size, from);
+    size_t const prefix = fx_FindPrefix(data, size, from);
     return prefix < size && prefix > from && data[prefix - 1] == 0 ? prefix - 1 : prefix;
 }
 

@@ -31,3 +31,31 @@
 #define TARN_HIGHWAY_NEON HWY_NEON
 #define TARN_NEON_NAMESPACE N_NEON
 #endif
+
+/// { pointers to \p symbol in the namespace of each VectorTarget }; null where the compiler is too old for
+/// one, or it is another processor's.
+#define TARN_EACH_TARGET(symbol)                                                              \
+    {                                                                                         \
+        TARN_AVX512(symbol), TARN_AVX2(symbol), TARN_SSE4(symbol), TARN_NEON(symbol), nullptr \
+    }
+
+#if HWY_TARGETS & HWY_AVX3
+#define TARN_AVX512(symbol) &N_AVX3::symbol
+#else
+#define TARN_AVX512(symbol) nullptr
+#endif
+#if HWY_TARGETS & HWY_AVX2
+#define TARN_AVX2(symbol) &N_AVX2::symbol
+#else
+#define TARN_AVX2(symbol) nullptr
+#endif
+#if HWY_TARGETS & HWY_SSE4
+#define TARN_SSE4(symbol) &N_SSE4::symbol
+#else
+#define TARN_SSE4(symbol) nullptr
+#endif
+#if HWY_TARGETS & TARN_HIGHWAY_NEON
+#define TARN_NEON(symbol) &TARN_NEON_NAMESPACE::symbol
+#else
+#define TARN_NEON(symbol) nullptr
+#endif

@@ -1,10 +1,9 @@
 #include "IYUVRows.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 
-#include "IYUVRowsSimd.h"
+#include "CompiledTargets.h"
 
 using std::uint8_t;
 
@@ -111,47 +110,11 @@ constexpr SxColourRows fx_ColourRows()
     return {fx_LumaRow<Format>, fx_ColourRow<Format>};
 }
 
-std::vector<SxIYUVRows const*> fx_FindIYUVRows()
-{
-    std::vector<SxIYUVRows const*> all = fx_GetSimdIYUVRows();
-    all.push_back(&fx_GetScalarIYUVRows());
-    return all;
-}
-
-/// Null when this machine has no such table.
-SxIYUVRows const* fx_FindIYUVRows(char const* name)
-{
-    for (SxIYUVRows const* rows : fx_GetAllIYUVRows())
-        if (std::strcmp(rows->name, name) == 0)
-            return rows;
-    return nullptr;
-}
-
-/// The fastest. A build for tests can name another, see TARN_ROWS in this folder's CMakeLists.txt; where the
-/// machine lacks that one, the scalar rows stand in for it.
-SxIYUVRows const* fx_FirstChoice()
-{
-#ifdef TVP_ROWS
-    SxIYUVRows const* const named = fx_FindIYUVRows(TVP_ROWS);
-    return named ? named : &fx_GetScalarIYUVRows();
-#else
-    return fx_GetAllIYUVRows().front();
-#endif
-}
-
-/// Made once; atomic, since tests may change it and objects of several threads read it.
-std::atomic<SxIYUVRows const*>& fx_ChosenIYUVRows()
-{
-    static std::atomic<SxIYUVRows const*> chosen(fx_FirstChoice());
-    return chosen;
-}
-
 } // namespace
 
 SxIYUVRows const& fx_GetScalarIYUVRows()
 {
     static constexpr SxIYUVRows rows = {
-        "scalar",
         fx_ColourRows<SxBytes<3>>(),
         fx_ColourRows<SxBytes<4>>(),
         fx_ColourRows<SxWords<3>>(),
@@ -163,18 +126,10 @@ SxIYUVRows const& fx_GetScalarIYUVRows()
     return rows;
 }
 
-std::vector<SxIYUVRows const*> const& fx_GetAllIYUVRows()
+SxIYUVRows const& fx_GetIYUVRows(VectorTarget target)
 {
-    static std::vector<SxIYUVRows const*> const all = fx_FindIYUVRows();
-    return all;
+    SxIYUVRows const* const compiled = fx_GetCompiledIYUVRows(target);
+    return compiled ? *compiled : fx_GetScalarIYUVRows();
 }
 
-SxIYUVRows const& fx_GetIYUVRows() { return *fx_ChosenIYUVRows().load(std::memory_order_relaxed); }
-
-bool fx_ForceIYUVRows(char const* name)
-{
-    SxIYUVRows const* const rows = fx_FindIYUVRows(name);
-    if (rows)
-        fx_ChosenIYUVRows().store(rows, std::memory_order_relaxed);
-    return rows != nullptr;
-}
+SxIYUVRows const& fx_GetIYUVRows() { return fx_GetIYUVRows(fx_GetVectorTarget()); }

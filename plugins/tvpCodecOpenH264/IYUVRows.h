@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+
+#include "VectorTargets.h"
 
 /// Row kernels: one row of one picture format to or from planar YUV. Checks, pitch and the parity of
 /// rows live in IYUVConversion; a kernel gets rows whose every byte exists, and touches no other.
@@ -39,7 +40,6 @@ using FxRGB32Rows = void (*)(SxPlaneRows const& planes, std::uint8_t* top, std::
 /// The kernels for one instruction set.
 struct SxIYUVRows
 {
-    char const* name;
     SxColourRows rgb24; ///< blue, green, red bytes
     SxColourRows rgb32; ///< those and an ignored fourth byte
     SxColourRows rgb48; ///< blue, green, red words
@@ -59,12 +59,8 @@ void fx_FinishStreams();
 /// The definition, written to be read; every other table gives the same bytes.
 SxIYUVRows const& fx_GetScalarIYUVRows();
 
-/// The tables that this machine can run, the fastest first; the scalar one is the last.
-std::vector<SxIYUVRows const*> const& fx_GetAllIYUVRows();
+/// The table of an instruction set, which this machine must have.
+SxIYUVRows const& fx_GetIYUVRows(VectorTarget target);
 
-/// The table that the converters use: the fastest, unless another was forced.
+/// The table that the converters use, fx_GetVectorTarget()'s.
 SxIYUVRows const& fx_GetIYUVRows();
-
-/// Makes every converter of the process use the table \p name, for tests and benchmarks.
-/// \return false, and nothing changes, when this machine has no such table.
-bool fx_ForceIYUVRows(char const* name);

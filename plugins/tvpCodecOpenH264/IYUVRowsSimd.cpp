@@ -1,11 +1,8 @@
 // The rows of IYUVRows, written once with Highway and compiled for each instruction set, each time in
-// that set's namespace. Only Highway's headers are used: the tables are chosen at the end of this file,
-// and its dynamic dispatch, which would need its library, is not.
+// that set's namespace.
 
-#include "IYUVRowsSimd.h"
-
+#include "CompiledTargets.h"
 #include "HighwayTargets.h"
-#include "InstructionSets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "IYUVRowsSimd.cpp"
@@ -286,17 +283,15 @@ constexpr SxColourRows fx_ColourRows()
 
 } // namespace
 
-constexpr SxIYUVRows fx_Table(char const* name)
-{
-    return {name,
-            fx_ColourRows<CxRGB24>(),
-            fx_ColourRows<CxRGB32>(),
-            fx_ColourRows<CxRGB48>(),
-            fx_ColourRows<CxRGB64>(),
-            fx_Mono16Row,
-            fx_ToRGB32Rows<false>,
-            fx_ToRGB32Rows<true>};
-}
+constexpr SxIYUVRows kIYUVRows = {
+    fx_ColourRows<CxRGB24>(),
+    fx_ColourRows<CxRGB32>(),
+    fx_ColourRows<CxRGB48>(),
+    fx_ColourRows<CxRGB64>(),
+    fx_Mono16Row,
+    fx_ToRGB32Rows<false>,
+    fx_ToRGB32Rows<true>,
+};
 
 } // namespace HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -305,32 +300,10 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-std::vector<SxIYUVRows const*> fx_GetSimdIYUVRows()
+SxIYUVRows const* fx_GetCompiledIYUVRows(VectorTarget target)
 {
-    std::vector<SxIYUVRows const*> tables;
-#if HWY_ARCH_X86
-    SxInstructionSets const has;
-#endif
-#if HWY_TARGETS & HWY_AVX3
-    static constexpr SxIYUVRows avx512 = N_AVX3::fx_Table("avx512");
-    if (has.avx512Bytes)
-        tables.push_back(&avx512);
-#endif
-#if HWY_TARGETS & HWY_AVX2
-    static constexpr SxIYUVRows avx2 = N_AVX2::fx_Table("avx2");
-    if (has.avx2)
-        tables.push_back(&avx2);
-#endif
-#if HWY_TARGETS & HWY_SSE4
-    static constexpr SxIYUVRows sse4 = N_SSE4::fx_Table("sse4");
-    if (has.sse4)
-        tables.push_back(&sse4);
-#endif
-#if HWY_TARGETS & TARN_HIGHWAY_NEON
-    static constexpr SxIYUVRows neon = TARN_NEON_NAMESPACE::fx_Table("neon"); // every 64-bit Arm has it
-    tables.push_back(&neon);
-#endif
-    return tables;
+    static constexpr SxIYUVRows const* tables[] = TARN_EACH_TARGET(kIYUVRows);
+    return tables[static_cast<int>(target)];
 }
 
 void fx_FinishStreams() { hwy::FlushStream(); }
