@@ -109,7 +109,7 @@ static void encode_to_EncodeFrame(benchmark::State& state)
     }
 }
 BENCHMARK(encode_to_EncodeFrame)
-    ->Name("encode() to EncodeFrame() alone")
+    ->Name("encode() / EncodeFrame() alone")
     ->UseManualTime()
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
@@ -223,7 +223,7 @@ static void loadedData_to_DecodeFrame2(benchmark::State& state)
     }
 }
 BENCHMARK(loadedData_to_DecodeFrame2)
-    ->Name("loadedData() in order to OpenH264 alone")
+    ->Name("loadedData() in order / OpenH264 alone")
     ->UseManualTime()
     ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
@@ -254,8 +254,8 @@ static void random_access_to_frames_fed(benchmark::State& state)
     }
 }
 BENCHMARK(random_access_to_frames_fed)
-    ->Name("random access to OpenH264 alone")
-    ->ArgName("key_frame_rate")
+    ->Name("random access / OpenH264 alone")
+    ->ArgName("key-frame_interval")
     ->Arg(5)
     ->Arg(30)
     ->Arg(100)

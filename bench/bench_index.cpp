@@ -55,7 +55,7 @@ static void work_a_frame_million_to_thousand(benchmark::State& state)
         state, 1.02, [&] { fx_Play(*large); }, [&] { fx_Play(*small); });
 }
 BENCHMARK(work_a_frame_million_to_thousand)
-    ->Name("work a frame with 1000000 entries to 1000")
+    ->Name("work a frame with 1000000 entries / with 1000")
     ->UseManualTime()
     ->Iterations(41);
 

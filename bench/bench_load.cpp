@@ -82,7 +82,7 @@ static void load_to_memchr(benchmark::State& state)
         state, frameBytes > 10000 ? 1.25 : 1.8, [&] { fx_Load(name); }, [&] { fx_SearchFreshMapping(name); });
 }
 BENCHMARK(load_to_memchr)
-    ->Name("load() to memchr()")
+    ->Name("load() / memchr()")
     ->ArgName("frame_bytes")
     ->Arg(80000)
     ->Arg(1400)
@@ -96,7 +96,7 @@ static void load_to_read(benchmark::State& state)
         state, 0, [&] { fx_Load(name); }, [&] { fx_ReadAll(name); });
 }
 BENCHMARK(load_to_read)
-    ->Name("load() to read()")
+    ->Name("load() / read()")
     ->ArgName("frame_bytes")
     ->Arg(80000)
     ->Arg(1400)
