@@ -414,7 +414,7 @@ void tst_openH264Panel::showsEncoderOptions()
 void tst_openH264Panel::clampsOutOfRange()
 {
     QWidget parent;
-    SxPanelOptions options{99, 1000, 1, 66, 52, false};
+    SxEncoderOptions options{99, 1000, 1, 66, 52, false};
     QWidget* const high = fx_NewPanel(&parent, options);
     QCOMPARE(high->findChild<QSlider*>()->value(), 10);
     QCOMPARE(high->findChild<QSpinBox*>()->value(), 100);
@@ -430,7 +430,7 @@ void tst_openH264Panel::clampsOutOfRange()
 void tst_openH264Panel::replacesUnknownValues()
 {
     QWidget parent;
-    SxPanelOptions options{5, 5, 3, 67, 0, false};
+    SxEncoderOptions options{5, 5, 3, 67, 0, false};
     QWidget* const panel = fx_NewPanel(&parent, options);
     QCOMPARE(panel->findChild<QComboBox*>("cbH264Complexity")->currentIndex(), 1);
     QCOMPARE(panel->findChild<QComboBox*>("cbH264ProfileIdc")->currentIndex(), 0);

@@ -70,7 +70,7 @@ bool CxFrameScanner::next(SxFrameRange& frame)
     }
 
     // What is left is the last frame. A start code that fills the last bytes of the stream leaves
-    // none, as it always did: the position then stands at the very end.
+    // none: the position then stands at the very end.
     if (m_position >= m_size)
         return false;
     frame.offset = static_cast<qint64>(m_frameStart);

@@ -3,10 +3,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "AnnexB.h"
 #include "CriticalMessage.h"
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
+#include "RGB32Format.h"
+#include "SPS.h"
 #include "openH264Decoder.h"
 
 // A raw stream says nothing reliable about its rate; ours are planned for this one.
@@ -81,13 +82,13 @@ bool CxH264VideoLoader::index()
     if (!fx_BeginsWithStartCode(m_data, size))
         return false;
 
-    QList<SxIndexEntry> entries;
+    QList<SxFrameRange> entries;
     QList<int> keys;
     CxFrameScanner scanner(m_data, size);
     for (SxFrameRange frame; scanner.next(frame);) {
         if (frame.key)
             keys.append(static_cast<int>(m_index.size() + entries.size()));
-        entries.append({frame.offset, frame.size, frame.key});
+        entries.append(frame);
     }
     if (entries.isEmpty() || !scanner.spsPayload())
         return false;
@@ -99,12 +100,7 @@ bool CxH264VideoLoader::index()
     m_format.width = static_cast<quint32>(width);
     m_format.height = static_cast<quint32>(height);
     m_format.pitch = fx_Pitch(m_format.width);
-    m_format.components = 4;
-    m_format.bitsPerSample = 8;
-    m_format.sampleType = 2;
-    m_format.layout = 1;
-    m_format.formatVariant = 0;
-    m_format.formatFlag = true;
+    fx_SetRGB32(m_format);
     return true;
 }
 

@@ -4,9 +4,9 @@
 #include <QList>
 #include <QObject>
 
+#include "AnnexB.h"
 #include "IxImageDataLoader.h"
 #include "IxVideoAccessor.h"
-#include "SPS.h"
 #include "SxPicBufInfo.h"
 
 class CxOpenH264Decoder;
@@ -23,14 +23,6 @@ class CxH264VideoLoader : public QObject, public IxImageDataLoader, public IxVid
     Q_CLASSINFO("CustomName", "H.264 Video Loader (*.264)")
 
 public:
-    /// One frame of the file. Its bytes include its start codes.
-    struct SxIndexEntry
-    {
-        qint64 offset; ///< of the start code that opens the frame, from the start of the file
-        quint64 size;  ///< bytes up to the next frame's start code or the end of the file
-        bool key;      ///< opened by a sequence parameter set
-    };
-
     Q_INVOKABLE CxH264VideoLoader() {} // the host creates us through the meta-object
 
     bool load() override;
@@ -72,6 +64,6 @@ private:
     SxPicBufInfo m_format;                  ///< of the pictures that loadedData() delivers
     CxOpenH264Decoder* m_decoder = nullptr; ///< a child of this object, while the file is open
     int m_lastProcessedFrame = -1;
-    QList<SxIndexEntry> m_index;
+    QList<SxFrameRange> m_index;
     QList<int> m_keyFrames; ///< kept ready, since the decoder asks at every frame
 };

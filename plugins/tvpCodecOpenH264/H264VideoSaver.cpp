@@ -1,6 +1,7 @@
 #include "H264VideoSaver.h"
 
 #include <QGridLayout>
+#include <QWidget>
 #include <cstring>
 
 #include "CriticalMessage.h"
@@ -184,7 +185,7 @@ bool CxH264VideoSaver::save(IxChainData const* data, int)
     if (!buffer)
         return false;
 
-    // The encoder decides; it overwrites the flag and never reads it.
+    // The encoder decides; it never reads the flag, and sets it with each picture that it codes.
     bool isKeyFrame = m_frameCounter % 10 == 0;
     if (!m_encoder->encode(*picture, buffer, size, &isKeyFrame)) {
         TVP_CRITICAL("CxH264VideoSaver::save(): %1",

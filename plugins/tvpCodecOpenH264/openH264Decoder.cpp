@@ -11,6 +11,7 @@
 #include "FourCC.h"
 #include "IYUVConversion.h"
 #include "IxVideoAccessor.h"
+#include "RGB32Format.h"
 
 /// What OpenH264 says of one picture: where its planes are, and whether there is one.
 struct CxOpenH264Decoder::SxPlanes
@@ -74,11 +75,7 @@ bool CxOpenH264Decoder::createDecoder()
 static SxPicBufInfo fx_RGB32Format()
 {
     SxPicBufInfo format;
-    format.components = 4;
-    format.bitsPerSample = 8;
-    format.sampleType = 2;
-    format.layout = 1;
-    format.formatFlag = true;
+    fx_SetRGB32(format);
     return format;
 }
 
@@ -138,6 +135,7 @@ bool CxOpenH264Decoder::feedUnit(uchar const* unit, int size, SxPlanes& planes)
 bool CxOpenH264Decoder::feed(uchar const* data, size_t size, SxPlanes& planes)
 {
     for (size_t start = 0; start < size;) {
+        // From its third byte on a start code, be it of three bytes or of four, is none any more.
         size_t const end = fx_FindStartCode(data, size, start + 2);
         if (end - start > INT_MAX || !feedUnit(data + start, static_cast<int>(end - start), planes))
             return false;

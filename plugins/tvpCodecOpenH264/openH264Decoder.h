@@ -54,5 +54,6 @@ private:
     bool m_hasFed = false;  ///< the current call gave the library coded data
 };
 
-/// Shaped as OpenH264's trace callback and empty: its trace stays silent.
+/// Shaped as OpenH264's trace callback; does nothing, and is not set: the library's own trace goes to
+/// standard error.
 void decoderLog(void* context, int level, char const* message);

@@ -9,6 +9,9 @@
 #include "CriticalMessage.h"
 #include "FourCC.h"
 #include "IYUVConversion.h"
+#include "RGB32Format.h"
+#include "openH264Levels.h"
+#include "openH264Panel.h"
 
 // The real rate of a recording is not known when it starts, so the rate control plans for this one.
 static constexpr float kFrameRate = 30.0f;
@@ -26,26 +29,21 @@ void CxOpenH264Encoder::setEncoderOptions(QMap<QString, QVariant> const& options
         if (it != options.constEnd())
             member = it->toInt();
     };
-    take("h264_quality", m_quality);
-    take("h264_keyframerate", m_keyFrameRate);
-    take("h264_complexity", m_complexity);
-    take("h264_profile_idc", m_profile);
-    take("h264_level_idc", m_level);
+    take(kQualityKey, m_options.quality);
+    take(kKeyFrameRateKey, m_options.keyFrameRate);
+    take(kComplexityKey, m_options.complexity);
+    take(kProfileKey, m_options.profile);
+    take(kLevelKey, m_options.level);
 
-    auto const advanced = options.constFind(QStringLiteral("h264_show_advanced"));
+    auto const advanced = options.constFind(QLatin1String(kShowAdvancedKey));
     if (advanced != options.constEnd())
-        m_showAdvanced = advanced->toBool();
+        m_options.showAdvanced = advanced->toBool();
 }
 
 QWidget* CxOpenH264Encoder::widgetForSaveDlg(QWidget* parent)
 {
-    SxPanelOptions options = {m_quality, m_keyFrameRate, m_complexity, m_profile, m_level, m_showAdvanced};
-    CxPanel* const panel = fx_NewPanel(parent, options);
     // Deliberate: the panel and this object agree on what stands in for a value not offered.
-    m_complexity = options.complexity;
-    m_profile = options.profile;
-    m_level = options.level;
-    return panel;
+    return fx_NewPanel(parent, m_options);
 }
 
 QMap<QString, QVariant> CxOpenH264Encoder::optionsFromWidgetInSaveDlg(QWidget* widget)
@@ -58,13 +56,15 @@ unsigned int CxOpenH264Encoder::bitrate(SxPicBufInfo const& format) const
     // Sums are made unsigned, where 32-bit arithmetic wraps for sizes and qualities that make no
     // sense, and read back as signed.
     quint32 const size = static_cast<quint32>(GetIYUVSize(format));
-    qint32 const maxRate = static_cast<qint32>(fx_GetMaxBitRateForLevel(static_cast<ELevelIdc>(m_level)));
+    qint32 const maxRate =
+        static_cast<qint32>(fx_GetMaxBitRateForLevel(static_cast<ELevelIdc>(m_options.level)));
     qint32 const cap = std::min(static_cast<qint32>(size * 30u), maxRate);
     qint32 const base = static_cast<qint32>(size) / 4;
     if (cap < base)
         return static_cast<quint32>(cap);
     qint32 const step = static_cast<qint32>(static_cast<quint32>(cap) - static_cast<quint32>(base)) / 9;
-    return static_cast<quint32>(base) + static_cast<quint32>(step) * (static_cast<quint32>(m_quality) - 1u);
+    return static_cast<quint32>(base) +
+           static_cast<quint32>(step) * (static_cast<quint32>(m_options.quality) - 1u);
 }
 
 /// A size to whole pixels; sizes that no 32 bits hold come from formats that no picture has.
@@ -73,14 +73,9 @@ static quint32 fx_Truncate(double size) { return static_cast<quint32>(static_cas
 void CxOpenH264Encoder::queryOuputFormat(SxPicBufInfo const& input, SxPicBufInfo& output)
 {
     SxPicBufInfo format = input; // aside, since the host may pass one record as both
-    format.components = 4;
-    format.bitsPerSample = 8;
-    format.sampleType = 2;
-    format.layout = 1;
-    format.formatVariant = 0;
-    format.formatFlag = true;
+    fx_SetRGB32(format);
 
-    QSize const box = fx_GetMaxResolutionForLevel(static_cast<ELevelIdc>(m_level));
+    QSize const box = fx_GetMaxResolutionForLevel(static_cast<ELevelIdc>(m_options.level));
     int const width = static_cast<int>(input.width);
     int const height = static_cast<int>(input.height);
     if (width > box.width() || height > box.height()) {
@@ -111,16 +106,16 @@ bool CxOpenH264Encoder::createEncoder(SxPicBufInfo const& format)
     }
 
     quint32 const targetRate = bitrate(format);
-    quint32 const maxRate = fx_GetMaxBitRateForLevel(static_cast<ELevelIdc>(m_level));
+    quint32 const maxRate = fx_GetMaxBitRateForLevel(static_cast<ELevelIdc>(m_options.level));
     encoder->GetDefaultParams(&m_params);
-    // Deliberate: the screen-content mode, which keeps the sharp edges of inspection pictures.
+    // Deliberate: the screen-content mode, which keeps sharp edges.
     m_params.iUsageType = SCREEN_CONTENT_REAL_TIME;
     m_params.iPicWidth = static_cast<int>(format.width);
     m_params.iPicHeight = static_cast<int>(format.height);
     m_params.fMaxFrameRate = kFrameRate;
     m_params.iTargetBitrate = static_cast<int>(targetRate);
     m_params.iRCMode = RC_BITRATE_MODE;
-    m_params.iComplexityMode = static_cast<ECOMPLEXITY_MODE>(m_complexity);
+    m_params.iComplexityMode = static_cast<ECOMPLEXITY_MODE>(m_options.complexity);
     m_params.bEnableFrameSkip = true;
     m_params.iMaxBitrate = static_cast<int>(maxRate);
     SSpatialLayerConfig& layer = m_params.sSpatialLayers[0];
@@ -129,8 +124,8 @@ bool CxOpenH264Encoder::createEncoder(SxPicBufInfo const& format)
     layer.fFrameRate = m_params.fMaxFrameRate;
     layer.iSpatialBitrate = m_params.iTargetBitrate;
     layer.iMaxSpatialBitrate = m_params.iMaxBitrate;
-    layer.uiProfileIdc = static_cast<EProfileIdc>(m_profile);
-    layer.uiLevelIdc = static_cast<ELevelIdc>(m_level);
+    layer.uiProfileIdc = static_cast<EProfileIdc>(m_options.profile);
+    layer.uiLevelIdc = static_cast<ELevelIdc>(m_options.level);
     layer.sSliceArgument.uiSliceMode = SM_SINGLE_SLICE;
 
     int const initError = encoder->InitializeExt(&m_params);
@@ -228,7 +223,7 @@ bool CxOpenH264Encoder::encode(SxPicBuf const& picture, void* out, unsigned long
     source.iPicHeight = static_cast<int>(picture.height);
     source.uiTimeStamp = static_cast<long long>(picture.timestamp / 1000); // milliseconds
 
-    if (m_frameCounter - m_lastKeyFrame >= m_keyFrameRate || m_frameCounter == 0)
+    if (m_frameCounter - m_lastKeyFrame >= m_options.keyFrameRate || m_frameCounter == 0)
         m_encoder->ForceIntraFrame(true, -1); // an IDR picture, in all layers
 
     int const error = m_encoder->EncodeFrame(&source, &m_frameInfo);

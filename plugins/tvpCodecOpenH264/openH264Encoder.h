@@ -7,8 +7,7 @@
 #include <wels/codec_api.h>
 
 #include "IxVideoEncoder.h"
-#include "openH264Levels.h"
-#include "openH264Panel.h"
+#include "openH264Options.h"
 
 struct SxEncoderDeleter
 {
@@ -81,20 +80,16 @@ private:
     std::unique_ptr<ISVCEncoder, SxEncoderDeleter> m_encoder; ///< null until the first encode
     SEncParamExt m_params{};                                  ///< filled when m_encoder is made
     SFrameBSInfo m_frameInfo{};                               ///< the same; one frame's output
-    std::unique_ptr<uchar, SxFreeDeleter> m_planes;           ///< the picture as OpenH264 reads it
-    unsigned long m_planesSize = 0;                           ///< what the converter may fill of m_planes
-    int m_quality = 5;
-    int m_keyFrameRate = 5;
+    std::unique_ptr<uchar, SxFreeDeleter> m_planes; ///< null until the first encode; and a margin behind
+    unsigned long m_planesSize = 0;                 ///< the first picture's planes, without the margin
+    SxEncoderOptions m_options;
     int m_lastKeyFrame = -1; ///< number of the last IDR picture
     int m_frameCounter = 0;  ///< coded pictures; a skipped one takes no number
-    int m_complexity = MEDIUM_COMPLEXITY;
-    int m_profile = PRO_BASELINE;
-    int m_level = LEVEL_5_2;
-    bool m_showAdvanced = false;
 };
 
 /// The parameters that decide how OpenH264 encodes, as text of one line each for the log.
 std::string dumpEncParams(TagEncParamExt const& params);
 
-/// Shaped as OpenH264's trace callback and empty: its trace stays silent.
+/// Shaped as OpenH264's trace callback; does nothing, and is not set: the library's own trace goes to
+/// standard error.
 void encoderLog(void* context, int level, char const* message);

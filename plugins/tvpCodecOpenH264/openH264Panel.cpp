@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -10,16 +11,8 @@
 #include <QSpinBox>
 #include <wels/codec_api.h>
 
-#include "openH264Encoder.h"
-
-static constexpr int kDefaultQuality = 5;
-static constexpr int kDefaultKeyFrameRate = 5;
-static constexpr int kDefaultComplexity = MEDIUM_COMPLEXITY;
-static constexpr int kDefaultProfile = PRO_BASELINE;
-static constexpr int kDefaultLevel = LEVEL_5_2;
-
 /// The panel is part of the encoder for translators too.
-static QString fx_Tr(char const* text) { return CxOpenH264Encoder::tr(text); }
+static QString fx_Tr(char const* text) { return QCoreApplication::translate("CxOpenH264Encoder", text); }
 
 CxPanel::CxPanel(QWidget* parent)
     : QWidget(parent)
@@ -47,12 +40,13 @@ static bool fx_Select(QComboBox* box, int value, int fallback)
 
 void CxPanel::onDefault(bool)
 {
-    findChild<QSlider*>(QStringLiteral("slH264Quality"))->setValue(kDefaultQuality);
-    findChild<QSpinBox*>(QStringLiteral("spinH264KeyFramerate"))->setValue(kDefaultKeyFrameRate);
-    fx_Select(findChild<QComboBox*>(QStringLiteral("cbH264Complexity")), kDefaultComplexity, 0);
-    fx_Select(findChild<QComboBox*>(QStringLiteral("cbH264ProfileIdc")), kDefaultProfile, 0);
+    SxEncoderOptions const defaults;
+    findChild<QSlider*>(QStringLiteral("slH264Quality"))->setValue(defaults.quality);
+    findChild<QSpinBox*>(QStringLiteral("spinH264KeyFramerate"))->setValue(defaults.keyFrameRate);
+    fx_Select(findChild<QComboBox*>(QStringLiteral("cbH264Complexity")), defaults.complexity, 0);
+    fx_Select(findChild<QComboBox*>(QStringLiteral("cbH264ProfileIdc")), defaults.profile, 0);
     QComboBox* const level = findChild<QComboBox*>(QStringLiteral("cbH264LevelIdc"));
-    fx_Select(level, kDefaultLevel, level->count() - 1);
+    fx_Select(level, defaults.level, level->count() - 1);
 }
 
 static void fx_AddQualityRow(CxPanel* panel, QGridLayout* grid, int quality)
@@ -92,7 +86,7 @@ static QComboBox* fx_NewComplexityBox(CxPanel* panel, int& complexity)
     box->addItem(fx_Tr(QT_TRANSLATE_NOOP("CxOpenH264Encoder", "Medium")), int(MEDIUM_COMPLEXITY));
     box->addItem(fx_Tr(QT_TRANSLATE_NOOP("CxOpenH264Encoder", "High")), int(HIGH_COMPLEXITY));
     if (!fx_Select(box, complexity, 1))
-        complexity = kDefaultComplexity;
+        complexity = SxEncoderOptions().complexity;
     box->setEnabled(false); // Deliberate: shown, and set by hosts only.
     return box;
 }
@@ -110,7 +104,7 @@ static QComboBox* fx_NewProfileBox(CxPanel* panel, int& profile)
     box->addItem(fx_Tr(QT_TRANSLATE_NOOP("CxOpenH264Encoder", "High444")), int(PRO_HIGH444));
     box->addItem(fx_Tr(QT_TRANSLATE_NOOP("CxOpenH264Encoder", "CAVLC444")), int(PRO_CAVLC444));
     if (!fx_Select(box, profile, 0))
-        profile = kDefaultProfile;
+        profile = SxEncoderOptions().profile;
     box->setEnabled(false); // Deliberate: shown, and set by hosts only.
     return box;
 }
@@ -146,11 +140,11 @@ static QComboBox* fx_NewLevelBox(CxPanel* panel, int& level)
     for (auto const& item : items)
         box->addItem(fx_Tr(item.text), item.level);
     if (!fx_Select(box, level, 16))
-        level = kDefaultLevel;
+        level = SxEncoderOptions().level;
     return box;
 }
 
-CxPanel* fx_NewPanel(QWidget* parent, SxPanelOptions& options)
+CxPanel* fx_NewPanel(QWidget* parent, SxEncoderOptions& options)
 {
     CxPanel* const panel = new CxPanel(parent);
     QGridLayout* const grid = new QGridLayout(panel);
@@ -217,13 +211,13 @@ QMap<QString, QVariant> fx_OptionsFromPanel(QWidget const* widget)
     if (!widget)
         return options;
     if (QSlider const* const quality = widget->findChild<QSlider*>(QStringLiteral("slH264Quality")))
-        options.insert(QStringLiteral("h264_quality"), quality->value());
+        options.insert(QLatin1String(kQualityKey), quality->value());
     if (QSpinBox const* const rate = widget->findChild<QSpinBox*>(QStringLiteral("spinH264KeyFramerate")))
-        options.insert(QStringLiteral("h264_keyframerate"), rate->value());
-    fx_AddData(options, widget, QStringLiteral("h264_complexity"), QStringLiteral("cbH264Complexity"));
-    fx_AddData(options, widget, QStringLiteral("h264_profile_idc"), QStringLiteral("cbH264ProfileIdc"));
-    fx_AddData(options, widget, QStringLiteral("h264_level_idc"), QStringLiteral("cbH264LevelIdc"));
+        options.insert(QLatin1String(kKeyFrameRateKey), rate->value());
+    fx_AddData(options, widget, QLatin1String(kComplexityKey), QStringLiteral("cbH264Complexity"));
+    fx_AddData(options, widget, QLatin1String(kProfileKey), QStringLiteral("cbH264ProfileIdc"));
+    fx_AddData(options, widget, QLatin1String(kLevelKey), QStringLiteral("cbH264LevelIdc"));
     if (QCheckBox const* const advanced = widget->findChild<QCheckBox*>(QStringLiteral("chkH264Advanced")))
-        options.insert(QStringLiteral("h264_show_advanced"), advanced->isChecked());
+        options.insert(QLatin1String(kShowAdvancedKey), advanced->isChecked());
     return options;
 }

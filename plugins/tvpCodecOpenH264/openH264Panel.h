@@ -5,6 +5,8 @@
 #include <QVariant>
 #include <QWidget>
 
+#include "openH264Options.h"
+
 /// The encoder's options in the host's save dialog: a plain widget whose children are found by
 /// object name and class, here and by hosts, and never through kept pointers. So it works inside
 /// any container, and outlives the encoder that built it.
@@ -24,20 +26,9 @@ public slots:
     void onAdvanced(bool checked); ///< shows or hides the advanced rows
 };
 
-/// The option values that a panel shows.
-struct SxPanelOptions
-{
-    int quality;
-    int keyFrameRate;
-    int complexity; ///< ECOMPLEXITY_MODE
-    int profile;    ///< EProfileIdc
-    int level;      ///< ELevelIdc
-    bool showAdvanced;
-};
-
 /// Builds a panel that shows \p options; \p parent owns it. A complexity, profile or level that the
 /// lists do not offer is replaced in \p options too, so that both agree.
-CxPanel* fx_NewPanel(QWidget* parent, SxPanelOptions& options);
+CxPanel* fx_NewPanel(QWidget* parent, SxEncoderOptions& options);
 
 /// Reads a panel, or whatever of it is found under \p widget, into the encoder's option keys. Empty
 /// for null.
