@@ -25,10 +25,10 @@ private:
         for (VectorTarget const target : fx_GetVectorTargets())
             QTest::newRow(fx_GetName(target)) << static_cast<int>(target);
     }
-    static void fx_Run(std::string (*check)(SxIYUVRows const&))
+    static void fx_Run(std::string (*check)(SxIYUVKernels const&))
     {
         QFETCH(int, target);
-        std::string const error = check(fx_GetIYUVRows(static_cast<VectorTarget>(target)));
+        std::string const error = check(fx_GetIYUVKernels(static_cast<VectorTarget>(target)));
         QVERIFY2(error.empty(), error.c_str());
     }
 };

@@ -38,7 +38,7 @@ int main()
     bool isFine = true;
     for (VectorTarget const target : fx_GetVectorTargets()) {
         char const* const name = fx_GetName(target);
-        SxIYUVRows const& rows = fx_GetIYUVRows(target);
+        SxIYUVKernels const& rows = fx_GetIYUVKernels(target);
         isFine &= fx_Report(name, "every colour", fx_CheckColours(rows));
         isFine &= fx_Report(name, "every (Y, U, V)", fx_CheckSamples(rows));
         isFine &= fx_Report(name, "every shift", fx_CheckShifts(rows));

@@ -81,7 +81,7 @@ struct SxDecoded
 unsigned fx_Shift(SxPicBuf const& source) { return (source.bitsPerSample - 8u) & 31u; }
 
 /// Luma of row r, where some of its pixels may lie outside the source.
-void fx_LumaByPixel(SxConversion const& c, FxLumaRow luma, quint64 r, unsigned shift)
+void fx_LumaByPixel(SxConversion const& c, FxLumaKernel luma, quint64 r, unsigned shift)
 {
     for (quint64 x = 0; x < c.width; ++x) {
         uchar pixel[kMaxPixelBytes];
@@ -92,7 +92,8 @@ void fx_LumaByPixel(SxConversion const& c, FxLumaRow luma, quint64 r, unsigned s
 
 /// The pair walk of even row r from pixel x on, in its defining order and each byte checked: for pairs
 /// whose order matters because planes overlap, or which lie partly outside source or capacity.
-void fx_ColourByPair(SxConversion const& c, FxColourRow lumaAndChroma, quint64 r, quint64 x, unsigned shift)
+void fx_ColourByPair(SxConversion const& c, FxColourKernel lumaAndChroma, quint64 r, quint64 x,
+                     unsigned shift)
 {
     quint64 const chroma = r / 2 * (c.width / 2);
     for (; x < c.width; x += 2) {
@@ -109,7 +110,7 @@ void fx_ColourByPair(SxConversion const& c, FxColourRow lumaAndChroma, quint64 r
     }
 }
 
-bool fx_ConvertColour(SxConversion const& c, SxColourRows const& rows, unsigned shift)
+bool fx_ConvertColour(SxConversion const& c, SxColourKernels const& rows, unsigned shift)
 {
     if (!c.fits())
         return false;
@@ -144,7 +145,7 @@ bool fx_ConvertColour(SxConversion const& c, SxColourRows const& rows, unsigned 
     return true;
 }
 
-bool fx_ConvertMono(SxConversion const& c, FxLumaRow luma, unsigned shift)
+bool fx_ConvertMono(SxConversion const& c, FxLumaKernel luma, unsigned shift)
 {
     if (!c.fits())
         return false;
@@ -166,7 +167,7 @@ bool fx_ConvertMono(SxConversion const& c, FxLumaRow luma, unsigned shift)
 /// Converts the last pair of row r of odd width: the row's last pixel and the one behind it, which is
 /// written where the pitch has room and read where its plane has it. What a later row overwrites is not
 /// written at all.
-void fx_LastPairToRGB32(SxDecoded const& picture, FxRGB32Rows toRGB32, quint64 r)
+void fx_LastPairToRGB32(SxDecoded const& picture, FxRGB32Kernel toRGB32, quint64 r)
 {
     quint64 const x = picture.target.width - 1;
     quint64 const room = picture.target.pitch - std::min<quint64>(x * 4, picture.target.pitch);
@@ -189,12 +190,13 @@ void fx_LastPairToRGB32(SxDecoded const& picture, FxRGB32Rows toRGB32, quint64 r
 
 /// Pictures of a megapixel and more are written past the cache. They would drive out the decoder's reference
 /// pictures, and be driven out themselves before anybody reads them.
-constexpr quint64 kStreamedBytes = 1u << 22;
+constexpr quint64 kNonTemporalBytes = 1u << 22;
 
-bool fx_IsStreamed(SxPicBuf const& target)
+bool fx_IsNonTemporal(SxPicBuf const& target)
 {
-    return quint64(target.pitch) * target.height >= kStreamedBytes && target.pitch % kStreamAlignment == 0 &&
-           reinterpret_cast<quintptr>(target.data) % kStreamAlignment == 0;
+    return quint64(target.pitch) * target.height >= kNonTemporalBytes &&
+           target.pitch % kNonTemporalAlignment == 0 &&
+           reinterpret_cast<quintptr>(target.data) % kNonTemporalAlignment == 0;
 }
 
 void fx_CopyRow(uchar const* src, uchar* y, unsigned width, unsigned) { std::memcpy(y, src, width); }
@@ -208,22 +210,22 @@ unsigned long GetIYUVSize(SxPicBufInfo const& format)
 
 bool ConvertRGB24toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
 {
-    return fx_ConvertColour({source, 3, dst, capacity}, fx_GetIYUVRows().rgb24, 0);
+    return fx_ConvertColour({source, 3, dst, capacity}, fx_GetIYUVKernels().rgb24, 0);
 }
 
 bool ConvertRGB32toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
 {
-    return fx_ConvertColour({source, 4, dst, capacity}, fx_GetIYUVRows().rgb32, 0);
+    return fx_ConvertColour({source, 4, dst, capacity}, fx_GetIYUVKernels().rgb32, 0);
 }
 
 bool ConvertRGB48toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
 {
-    return fx_ConvertColour({source, 6, dst, capacity}, fx_GetIYUVRows().rgb48, fx_Shift(source));
+    return fx_ConvertColour({source, 6, dst, capacity}, fx_GetIYUVKernels().rgb48, fx_Shift(source));
 }
 
 bool ConvertRGB64toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
 {
-    return fx_ConvertColour({source, 8, dst, capacity}, fx_GetIYUVRows().rgb64, fx_Shift(source));
+    return fx_ConvertColour({source, 8, dst, capacity}, fx_GetIYUVKernels().rgb64, fx_Shift(source));
 }
 
 bool ConvertMono8toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
@@ -233,7 +235,7 @@ bool ConvertMono8toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned lon
 
 bool ConvertMono16toIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
 {
-    return fx_ConvertMono({source, 2, dst, capacity}, fx_GetIYUVRows().mono16, fx_Shift(source));
+    return fx_ConvertMono({source, 2, dst, capacity}, fx_GetIYUVKernels().mono16, fx_Shift(source));
 }
 
 bool ConvertPicBuftoIYUV(SxPicBuf const& source, unsigned char* dst, unsigned long capacity)
@@ -274,9 +276,9 @@ bool ConvertIYUVtoRGB32(SxPicBuf& target, unsigned char const* y, unsigned char 
     if (target.width == 0)
         return true;
 
-    SxIYUVRows const& rows = fx_GetIYUVRows();
-    bool const isStreamed = fx_IsStreamed(target);
-    FxRGB32Rows const toRGB32 = isStreamed ? rows.toRGB32Streamed : rows.toRGB32;
+    SxIYUVKernels const& rows = fx_GetIYUVKernels();
+    bool const isNonTemporal = fx_IsNonTemporal(target);
+    FxRGB32Kernel const toRGB32 = isNonTemporal ? rows.toRGB32NonTemporal : rows.toRGB32;
     SxDecoded const picture = {target, y, u, v, yStride, uvStride};
     for (quint64 r = 0; r < target.height; r += 2) {
         bool const isLone = picture.isLastRow(r);
@@ -287,7 +289,7 @@ bool ConvertIYUVtoRGB32(SxPicBuf& target, unsigned char const* y, unsigned char 
                 fx_LastPairToRGB32(picture, rows.toRGB32, r + 1);
         }
     }
-    if (isStreamed)
-        fx_FinishStreams();
+    if (isNonTemporal)
+        fx_FinishNonTemporalStores();
     return true;
 }

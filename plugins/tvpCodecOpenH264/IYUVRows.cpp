@@ -105,20 +105,20 @@ void fx_ToRGB32Rows(SxPlaneRows const& planes, uint8_t* top, uint8_t* bottom, un
 }
 
 template<class Format>
-constexpr SxColourRows fx_ColourRows()
+constexpr SxColourKernels fx_ColourKernels()
 {
     return {fx_LumaRow<Format>, fx_ColourRow<Format>};
 }
 
 } // namespace
 
-SxIYUVRows const& fx_GetScalarIYUVRows()
+SxIYUVKernels const& fx_GetScalarIYUVKernels()
 {
-    static constexpr SxIYUVRows rows = {
-        fx_ColourRows<SxBytes<3>>(),
-        fx_ColourRows<SxBytes<4>>(),
-        fx_ColourRows<SxWords<3>>(),
-        fx_ColourRows<SxWords<4>>(),
+    static constexpr SxIYUVKernels rows = {
+        fx_ColourKernels<SxBytes<3>>(),
+        fx_ColourKernels<SxBytes<4>>(),
+        fx_ColourKernels<SxWords<3>>(),
+        fx_ColourKernels<SxWords<4>>(),
         fx_Mono16Row,
         fx_ToRGB32Rows,
         fx_ToRGB32Rows,
@@ -126,10 +126,10 @@ SxIYUVRows const& fx_GetScalarIYUVRows()
     return rows;
 }
 
-SxIYUVRows const& fx_GetIYUVRows(VectorTarget target)
+SxIYUVKernels const& fx_GetIYUVKernels(VectorTarget target)
 {
-    SxIYUVRows const* const compiled = fx_GetCompiledIYUVRows(target);
-    return compiled ? *compiled : fx_GetScalarIYUVRows();
+    SxIYUVKernels const* const compiled = fx_GetCompiledIYUVKernels(target);
+    return compiled ? *compiled : fx_GetScalarIYUVKernels();
 }
 
-SxIYUVRows const& fx_GetIYUVRows() { return fx_GetIYUVRows(fx_GetVectorTarget()); }
+SxIYUVKernels const& fx_GetIYUVKernels() { return fx_GetIYUVKernels(fx_GetVectorTarget()); }

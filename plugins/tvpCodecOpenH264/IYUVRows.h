@@ -10,18 +10,18 @@
 
 /// Luma bytes of a row: \p y, \p width bytes. \p shift (0 to 31) brings 16-bit samples, native words
 /// at any address, down to bytes; 8-bit formats ignore it. The rows do not overlap.
-using FxLumaRow = void (*)(std::uint8_t const* src, std::uint8_t* y, unsigned width, unsigned shift);
+using FxLumaKernel = void (*)(std::uint8_t const* src, std::uint8_t* y, unsigned width, unsigned shift);
 
 /// The same, and the chroma of the left pixel of each pair: \p u and \p v, width / 2 bytes each.
 /// \p width is even.
-using FxColourRow = void (*)(std::uint8_t const* src, std::uint8_t* y, std::uint8_t* u, std::uint8_t* v,
-                             unsigned width, unsigned shift);
+using FxColourKernel = void (*)(std::uint8_t const* src, std::uint8_t* y, std::uint8_t* u, std::uint8_t* v,
+                                unsigned width, unsigned shift);
 
 /// The two kernels of a colour format: odd rows give luma only.
-struct SxColourRows
+struct SxColourKernels
 {
-    FxLumaRow luma;
-    FxColourRow lumaAndChroma;
+    FxLumaKernel luma;
+    FxColourKernel lumaAndChroma;
 };
 
 /// The two picture rows that share a row of chroma. A lone last row is both of them.
@@ -34,33 +34,33 @@ struct SxPlaneRows
 
 /// Two rows of RGB32, width * 4 bytes at \p top and at \p bottom, which are the same row or do not
 /// overlap. \p width is even.
-using FxRGB32Rows = void (*)(SxPlaneRows const& planes, std::uint8_t* top, std::uint8_t* bottom,
-                             unsigned width);
+using FxRGB32Kernel = void (*)(SxPlaneRows const& planes, std::uint8_t* top, std::uint8_t* bottom,
+                               unsigned width);
 
 /// The kernels for one instruction set.
-struct SxIYUVRows
+struct SxIYUVKernels
 {
-    SxColourRows rgb24; ///< blue, green, red bytes
-    SxColourRows rgb32; ///< those and an ignored fourth byte
-    SxColourRows rgb48; ///< blue, green, red words
-    SxColourRows rgb64; ///< those and an ignored fourth word
-    FxLumaRow mono16;   ///< grey words
-    FxRGB32Rows toRGB32;
+    SxColourKernels rgb24; ///< blue, green, red bytes
+    SxColourKernels rgb32; ///< those and an ignored fourth byte
+    SxColourKernels rgb48; ///< blue, green, red words
+    SxColourKernels rgb64; ///< those and an ignored fourth word
+    FxLumaKernel mono16;   ///< grey words
+    FxRGB32Kernel toRGB32;
     /// The same past the cache, for pictures that would only drive out what is needed sooner. The rows
-    /// start at multiples of kStreamAlignment. fx_FinishStreams() ends a picture.
-    FxRGB32Rows toRGB32Streamed;
+    /// start at multiples of kNonTemporalAlignment. fx_FinishNonTemporalStores() ends a picture.
+    FxRGB32Kernel toRGB32NonTemporal;
 };
 
-constexpr unsigned kStreamAlignment = 64;
+constexpr unsigned kNonTemporalAlignment = 64;
 
-/// Makes streamed rows readable for other threads. Once a picture: it waits for the memory.
-void fx_FinishStreams();
+/// Makes non-temporal stores readable for other threads. Once a picture: it waits for the memory.
+void fx_FinishNonTemporalStores();
 
 /// The definition, written to be read; every other table gives the same bytes.
-SxIYUVRows const& fx_GetScalarIYUVRows();
+SxIYUVKernels const& fx_GetScalarIYUVKernels();
 
 /// The table of an instruction set, which this machine must have.
-SxIYUVRows const& fx_GetIYUVRows(VectorTarget target);
+SxIYUVKernels const& fx_GetIYUVKernels(VectorTarget target);
 
 /// The table that the converters use, fx_GetVectorTarget()'s.
-SxIYUVRows const& fx_GetIYUVRows();
+SxIYUVKernels const& fx_GetIYUVKernels();

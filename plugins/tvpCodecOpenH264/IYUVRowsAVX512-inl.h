@@ -18,14 +18,14 @@ constexpr unsigned fx_Packed(unsigned i)
     return i < half ? 2 * i : 2 * (i - half) + 1;
 }
 
-constexpr SxByteOrder fx_SpreadBytes(unsigned first, bool isPacked)
+constexpr SxByteShuffle fx_SpreadBytes(unsigned first, bool isPacked)
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i) {
         unsigned const byte = first + fx_From24(i);
-        order.bytes[i] = static_cast<uint8_t>(isPacked ? fx_Packed(byte / 4) * 4 + byte % 4 : byte);
+        shuffle.bytes[i] = static_cast<uint8_t>(isPacked ? fx_Packed(byte / 4) * 4 + byte % 4 : byte);
     }
-    return order;
+    return shuffle;
 }
 
 template<unsigned kFirst, bool kIsPacked>
@@ -33,18 +33,18 @@ class CxSpread
 {
 public:
     CxSpread()
-        : m_order(kOrder.load())
+        : m_shuffle(kShuffle.load())
     {}
 
     HWY_INLINE V32 operator()(V8 pixels) const
     {
-        return V32{_mm512_permutexvar_epi8(m_order.raw, pixels.raw)};
+        return V32{_mm512_permutexvar_epi8(m_shuffle.raw, pixels.raw)};
     }
 
 private:
-    static constexpr SxByteOrder kOrder = fx_SpreadBytes(kFirst, kIsPacked);
+    static constexpr SxByteShuffle kShuffle = fx_SpreadBytes(kFirst, kIsPacked);
 
-    V8 m_order;
+    V8 m_shuffle;
 };
 
 /// One instruction a vector takes the bytes from any bits of each four words, those of the second vector into
@@ -76,15 +76,15 @@ HWY_INLINE __m512i fx_Weights(int blue, int green, int red)
 }
 
 /// The upper bytes of words that packing of four vectors left in two: lane by lane, four of each.
-constexpr SxByteOrder fx_LumaBytes()
+constexpr SxByteShuffle fx_LumaBytes()
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i) {
         unsigned const vector = i / 16, lane = i % 16 / 4;
         unsigned const word = vector / 2 * kVector / 2 + lane * 8 + vector % 2 * 4 + i % 4;
-        order.bytes[i] = static_cast<uint8_t>(2 * word + 1);
+        shuffle.bytes[i] = static_cast<uint8_t>(2 * word + 1);
     }
-    return order;
+    return shuffle;
 }
 
 class CxLuma
@@ -93,17 +93,17 @@ public:
     CxLuma()
         : m_rest(fx_Weights(2, 79, 3))
         , m_quarters(fx_Weights(28, 127, 74))
-        , m_order(kOrder.load())
+        , m_shuffle(kShuffle.load())
     {}
 
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* y) const
     {
-        _mm512_storeu_si512(y, _mm512_permutex2var_epi8(quotients(pixels.v[0], pixels.v[1]), m_order.raw,
+        _mm512_storeu_si512(y, _mm512_permutex2var_epi8(quotients(pixels.v[0], pixels.v[1]), m_shuffle.raw,
                                                         quotients(pixels.v[2], pixels.v[3])));
     }
 
 private:
-    static constexpr SxByteOrder kOrder = fx_LumaBytes();
+    static constexpr SxByteShuffle kShuffle = fx_LumaBytes();
 
     /// Quarters by 250, in the upper bytes: times 67109 / 65536, exact for every dividend that a word holds.
     HWY_INLINE __m512i quotients(V32 a, V32 b) const
@@ -121,21 +121,21 @@ private:
     }
 
     __m512i m_rest, m_quarters;
-    V8 m_order;
+    V8 m_shuffle;
 };
 
 /// Pairs of samples of vector and block (0, 0), (0, 1) ... (3, 3), the lower bytes of words: out of a vector
 /// of U and one of V, which hold four vectors' pairs block by block. All of U, then all of V.
-constexpr SxByteOrder fx_ChromaBytes()
+constexpr SxByteShuffle fx_ChromaBytes()
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector / 2; ++i) {
         unsigned const vector = i / 8, block = i / 2 % 4;
         unsigned const word = block * 8 + vector * 2 + i % 2;
-        order.bytes[i] = static_cast<uint8_t>(2 * word);
-        order.bytes[kVector / 2 + i] = static_cast<uint8_t>(2 * word + kVector);
+        shuffle.bytes[i] = static_cast<uint8_t>(2 * word);
+        shuffle.bytes[kVector / 2 + i] = static_cast<uint8_t>(2 * word + kVector);
     }
-    return order;
+    return shuffle;
 }
 
 class CxChroma
@@ -144,7 +144,7 @@ public:
     CxChroma()
         : m_u(500, -331, -169)
         , m_v(-81, -419, 500)
-        , m_order(kOrder.load())
+        , m_shuffle(kShuffle.load())
     {}
 
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* u, uint8_t* v) const
@@ -152,7 +152,7 @@ public:
         SxPairs const a(V32{fx_EvenDwords(pixels.v[0], pixels.v[1])}),
             b(V32{fx_EvenDwords(pixels.v[2], pixels.v[3])});
         __m512i const quotients =
-            _mm512_permutex2var_epi8(_mm512_packs_epi32(m_u.quotient(a), m_u.quotient(b)), m_order.raw,
+            _mm512_permutex2var_epi8(_mm512_packs_epi32(m_u.quotient(a), m_u.quotient(b)), m_shuffle.raw,
                                      _mm512_packs_epi32(m_v.quotient(a), m_v.quotient(b)));
         __m512i const bytes = _mm512_xor_si512(quotients, _mm512_set1_epi8(-128)); // + 128
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(u), _mm512_castsi512_si256(bytes));
@@ -160,7 +160,7 @@ public:
     }
 
 private:
-    static constexpr SxByteOrder kOrder = fx_ChromaBytes();
+    static constexpr SxByteShuffle kShuffle = fx_ChromaBytes();
 
     struct SxWeights
     {
@@ -185,37 +185,37 @@ private:
     };
 
     SxWeights m_u, m_v;
-    V8 m_order;
+    V8 m_shuffle;
 };
 
 /// U and V in turn, from a half vector of each.
-constexpr SxByteOrder fx_InTurn()
+constexpr SxByteShuffle fx_InTurn()
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i)
-        order.bytes[i] = static_cast<uint8_t>(i / 2 + i % 2 * kVector);
-    return order;
+        shuffle.bytes[i] = static_cast<uint8_t>(i / 2 + i % 2 * kVector);
+    return shuffle;
 }
 
 /// Each of the sixteen samples of \p block four times.
-constexpr SxByteOrder fx_FourTimes(unsigned block)
+constexpr SxByteShuffle fx_FourTimes(unsigned block)
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i)
-        order.bytes[i] = static_cast<uint8_t>(block * 16 + i / 4);
-    return order;
+        shuffle.bytes[i] = static_cast<uint8_t>(block * 16 + i / 4);
+    return shuffle;
 }
 
 /// Sixteen pixels out of \p block of two vectors: eight samples of blue and of green in the first, of red and
 /// of the fourth byte in the second.
-constexpr SxByteOrder fx_Change(unsigned block)
+constexpr SxByteShuffle fx_Change(unsigned block)
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i) {
         unsigned const component[] = {0, 8, kVector, kVector + 8};
-        order.bytes[i] = static_cast<uint8_t>(block * 16 + component[i % 4] + i / 8);
+        shuffle.bytes[i] = static_cast<uint8_t>(block * 16 + component[i % 4] + i / 8);
     }
-    return order;
+    return shuffle;
 }
 
 /// As the portable form, but what chroma adds and takes away is brought into the order of the pixels once for
@@ -230,24 +230,24 @@ public:
     {}
 
     /// kVector pixels of both rows at pixel x; those at pixel \p next come next.
-    template<bool kIsStreamed>
+    template<bool kIsNonTemporal>
     HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, std::size_t next, uint8_t* top,
                           uint8_t* bottom)
     {
         SxChange const now = m_change;
         m_change = change(planes, next);
         SxLuma const luma = {_mm512_loadu_si512(planes.y[0] + x), _mm512_loadu_si512(planes.y[1] + x)};
-        block<kIsStreamed, 0>(luma, now, top + 4 * x, bottom + 4 * x);
-        block<kIsStreamed, 1>(luma, now, top + 4 * x, bottom + 4 * x);
-        block<kIsStreamed, 2>(luma, now, top + 4 * x, bottom + 4 * x);
-        block<kIsStreamed, 3>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsNonTemporal, 0>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsNonTemporal, 1>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsNonTemporal, 2>(luma, now, top + 4 * x, bottom + 4 * x);
+        block<kIsNonTemporal, 3>(luma, now, top + 4 * x, bottom + 4 * x);
     }
 
 private:
-    static constexpr SxByteOrder kInTurn = fx_InTurn();
-    static constexpr SxByteOrder kFourTimes[4] = {fx_FourTimes(0), fx_FourTimes(1), fx_FourTimes(2),
-                                                  fx_FourTimes(3)};
-    static constexpr SxByteOrder kOrder[4] = {fx_Change(0), fx_Change(1), fx_Change(2), fx_Change(3)};
+    static constexpr SxByteShuffle kInTurn = fx_InTurn();
+    static constexpr SxByteShuffle kFourTimes[4] = {fx_FourTimes(0), fx_FourTimes(1), fx_FourTimes(2),
+                                                    fx_FourTimes(3)};
+    static constexpr SxByteShuffle kShuffle[4] = {fx_Change(0), fx_Change(1), fx_Change(2), fx_Change(3)};
 
     struct SxLuma
     {
@@ -310,22 +310,22 @@ private:
     }
 
     /// Sixteen pixels of both rows.
-    template<bool kIsStreamed, unsigned kBlock>
+    template<bool kIsNonTemporal, unsigned kBlock>
     static HWY_INLINE void block(SxLuma const& luma, SxChange const& change, uint8_t* top, uint8_t* bottom)
     {
-        __m512i const order = kOrder[kBlock].load().raw;
+        __m512i const order = kShuffle[kBlock].load().raw;
         __m512i const add = _mm512_permutex2var_epi8(change.more, order, change.moreRed);
         __m512i const subtract = _mm512_permutex2var_epi8(change.less, order, change.lessRed);
-        put<kIsStreamed, kBlock>(luma.top, add, subtract, top);
-        put<kIsStreamed, kBlock>(luma.bottom, add, subtract, bottom);
+        put<kIsNonTemporal, kBlock>(luma.top, add, subtract, top);
+        put<kIsNonTemporal, kBlock>(luma.bottom, add, subtract, bottom);
     }
 
-    template<bool kIsStreamed, unsigned kBlock>
+    template<bool kIsNonTemporal, unsigned kBlock>
     static HWY_INLINE void put(__m512i luma, __m512i add, __m512i subtract, uint8_t* dst)
     {
         __m512i const grey = _mm512_permutexvar_epi8(kFourTimes[kBlock].load().raw, luma);
         __m512i const pixels = _mm512_subs_epu8(_mm512_adds_epu8(grey, add), subtract);
-        if (kIsStreamed)
+        if (kIsNonTemporal)
             _mm512_stream_si512(reinterpret_cast<__m512i*>(dst + kBlock * kVector), pixels);
         else
             _mm512_storeu_si512(dst + kBlock * kVector, pixels);

@@ -44,23 +44,23 @@ constexpr unsigned fx_Packed(unsigned i)
 }
 
 /// Each block gets the three dwords of its four pixels.
-constexpr SxOrder fx_SpreadDwords(unsigned first, bool isPacked)
+constexpr SxDwordShuffle fx_SpreadDwords(unsigned first, bool isPacked)
 {
-    SxOrder order = {};
+    SxDwordShuffle shuffle = {};
     for (unsigned i = 0; i < kDwords && kBlocks > 1; ++i) {
         unsigned const dword = first / 4 + i / 4 * 3 + (i % 4 < 3 ? i % 4 : 2);
-        order.dwords[i] = static_cast<std::int32_t>(isPacked ? fx_Packed(dword) : dword);
+        shuffle.dwords[i] = static_cast<std::int32_t>(isPacked ? fx_Packed(dword) : dword);
     }
-    return order;
+    return shuffle;
 }
 
 /// Each pixel gets its bytes.
-constexpr SxByteOrder fx_SpreadBytes(unsigned first)
+constexpr SxByteShuffle fx_SpreadBytes(unsigned first)
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i)
-        order.bytes[i] = static_cast<uint8_t>((kBlocks > 1 ? 0 : first) + fx_From24(i % 16));
-    return order;
+        shuffle.bytes[i] = static_cast<uint8_t>((kBlocks > 1 ? 0 : first) + fx_From24(i % 16));
+    return shuffle;
 }
 
 template<unsigned kFirst, bool kIsPacked>
@@ -68,8 +68,8 @@ class CxSpread
 {
 public:
     CxSpread()
-        : m_dwords(kDwordOrder.load())
-        , m_bytes(kByteOrder.load())
+        : m_dwords(kDwordShuffle.load())
+        , m_bytes(kByteShuffle.load())
     {}
 
     HWY_INLINE V32 operator()(V8 pixels) const
@@ -78,8 +78,8 @@ public:
     }
 
 private:
-    static constexpr SxOrder kDwordOrder = fx_SpreadDwords(kFirst, kIsPacked);
-    static constexpr SxByteOrder kByteOrder = fx_SpreadBytes(kFirst);
+    static constexpr SxDwordShuffle kDwordShuffle = fx_SpreadDwords(kFirst, kIsPacked);
+    static constexpr SxByteShuffle kByteShuffle = fx_SpreadBytes(kFirst);
 
     Permutation m_dwords;
     V8 m_bytes;
@@ -124,14 +124,14 @@ private:
 };
 
 /// From blocks whose dword q belongs to part q to one part after the other.
-constexpr SxOrder fx_FromBlocks()
+constexpr SxDwordShuffle fx_FromBlocks()
 {
-    SxOrder order = {};
+    SxDwordShuffle shuffle = {};
     for (unsigned i = 0; i < kDwords; ++i)
-        order.dwords[i % 4 * kBlocks + i / 4] = static_cast<std::int32_t>(i);
-    return order;
+        shuffle.dwords[i % 4 * kBlocks + i / 4] = static_cast<std::int32_t>(i);
+    return shuffle;
 }
-constexpr SxOrder kFromBlocks = fx_FromBlocks();
+constexpr SxDwordShuffle kFromBlocks = fx_FromBlocks();
 
 class CxLuma
 {
@@ -164,23 +164,23 @@ private:
 
 /// Blocks hold U of eight pixels, two from each of four vectors, and V of those. In two vectors' worth of
 /// dwords the first are U of two vectors' pixels, of one block and the next, and so on.
-constexpr SxOrder fx_ChromaDwords()
+constexpr SxDwordShuffle fx_ChromaDwords()
 {
-    SxOrder order = {};
+    SxDwordShuffle shuffle = {};
     for (unsigned i = 0; i < kDwords; ++i)
-        order.dwords[i] = static_cast<std::int32_t>(i / 4 * 2 + i % 2 * 4 + i % 4 / 2);
-    return order;
+        shuffle.dwords[i] = static_cast<std::int32_t>(i / 4 * 2 + i % 2 * 4 + i % 4 / 2);
+    return shuffle;
 }
 
 /// Then two samples of each block come after each other: words 0 2 1 3.
-constexpr SxByteOrder fx_ChromaBytes()
+constexpr SxByteShuffle fx_ChromaBytes()
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i) {
         unsigned const word = i % 8 / 2;
-        order.bytes[i] = static_cast<uint8_t>(i % 16 / 8 * 8 + (word % 2 * 2 + word / 2) * 2 + i % 2);
+        shuffle.bytes[i] = static_cast<uint8_t>(i % 16 / 8 * 8 + (word % 2 * 2 + word / 2) * 2 + i % 2);
     }
-    return order;
+    return shuffle;
 }
 
 class CxChroma
@@ -191,8 +191,8 @@ public:
     CxChroma()
         : m_u(500, -331, -169)
         , m_v(-81, -419, 500)
-        , m_dwords(kDwordOrder.load())
-        , m_bytes(kByteOrder.load())
+        , m_dwords(kDwordShuffle.load())
+        , m_bytes(kByteShuffle.load())
     {}
 
     HWY_INLINE void store(SxPixels const& pixels, uint8_t* u, uint8_t* v) const
@@ -207,8 +207,8 @@ public:
     }
 
 private:
-    static constexpr SxOrder kDwordOrder = fx_ChromaDwords();
-    static constexpr SxByteOrder kByteOrder = fx_ChromaBytes();
+    static constexpr SxDwordShuffle kDwordShuffle = fx_ChromaDwords();
+    static constexpr SxByteShuffle kByteShuffle = fx_ChromaBytes();
 
     /// The sums, at most 127500 either way, divided by 1000 toward zero, and 128: by 8 toward zero, then by
     /// 125 with one high product, which rounds down; a negative quotient is one too low.
@@ -232,20 +232,20 @@ private:
 };
 
 /// From one part after the other to blocks whose dword q belongs to part q.
-constexpr SxOrder fx_ToBlocks()
+constexpr SxDwordShuffle fx_ToBlocks()
 {
-    SxOrder order = {};
+    SxDwordShuffle shuffle = {};
     for (unsigned i = 0; i < kDwords; ++i)
-        order.dwords[i] = static_cast<std::int32_t>(i % 4 * kBlocks + i / 4);
-    return order;
+        shuffle.dwords[i] = static_cast<std::int32_t>(i % 4 * kBlocks + i / 4);
+    return shuffle;
 }
 
-constexpr SxByteOrder fx_LowBytesTwice()
+constexpr SxByteShuffle fx_LowBytesTwice()
 {
-    SxByteOrder order = {};
+    SxByteShuffle shuffle = {};
     for (unsigned i = 0; i < kVector; ++i)
-        order.bytes[i] = static_cast<uint8_t>(i % 16 / 2 * 2);
-    return order;
+        shuffle.bytes[i] = static_cast<uint8_t>(i % 16 / 2 * 2);
+    return shuffle;
 }
 
 /// trunc(x / 1000) and the clamp to a byte give clamp(Y + floor(c / 1000)), c being the chroma's part of x.
@@ -260,19 +260,19 @@ public:
     {}
 
     /// kVector pixels of both rows at pixel x.
-    template<bool kIsStreamed>
+    template<bool kIsNonTemporal>
     HWY_INLINE void store(SxPlaneRows const& planes, std::size_t x, std::size_t, uint8_t* top,
                           uint8_t* bottom) const
     {
         V16 const u = samples(planes.u + x / 2), v = samples(planes.v + x / 2);
         SxChange const blue = change(fx_Blue(u)), green = change(fx_Green(u, v)), red = change(fx_Red(v));
-        row<kIsStreamed>(planes.y[0] + x, blue, green, red, top + 4 * x);
-        row<kIsStreamed>(planes.y[1] + x, blue, green, red, bottom + 4 * x);
+        row<kIsNonTemporal>(planes.y[0] + x, blue, green, red, top + 4 * x);
+        row<kIsNonTemporal>(planes.y[1] + x, blue, green, red, bottom + 4 * x);
     }
 
 private:
-    static constexpr SxOrder kOrder = fx_ToBlocks();
-    static constexpr SxByteOrder kTwice = fx_LowBytesTwice();
+    static constexpr SxDwordShuffle kOrder = fx_ToBlocks();
+    static constexpr SxByteShuffle kTwice = fx_LowBytesTwice();
 
     /// What chroma does to one component of kVector pixels.
     struct SxChange
@@ -325,7 +325,7 @@ private:
     /// The low byte of each word for two pixels.
     HWY_INLINE V8 twice(V16 words) const { return hn::TableLookupBytes(hn::BitCast(D8(), words), m_twice); }
 
-    template<bool kIsStreamed>
+    template<bool kIsNonTemporal>
     HWY_INLINE void row(uint8_t const* y, SxChange const& blue, SxChange const& green, SxChange const& red,
                         uint8_t* dst) const
     {
@@ -336,16 +336,16 @@ private:
         VU16 const bgUpper = hn::BitCast(DU16(), hn::InterleaveUpper(D8(), b, g));
         VU16 const raLower = hn::BitCast(DU16(), hn::InterleaveLower(D8(), r, opaque));
         VU16 const raUpper = hn::BitCast(DU16(), hn::InterleaveUpper(D8(), r, opaque));
-        put<kIsStreamed>(hn::InterleaveLower(DU16(), bgLower, raLower), dst);
-        put<kIsStreamed>(hn::InterleaveUpper(DU16(), bgLower, raLower), dst + kVector);
-        put<kIsStreamed>(hn::InterleaveLower(DU16(), bgUpper, raUpper), dst + 2 * kVector);
-        put<kIsStreamed>(hn::InterleaveUpper(DU16(), bgUpper, raUpper), dst + 3 * kVector);
+        put<kIsNonTemporal>(hn::InterleaveLower(DU16(), bgLower, raLower), dst);
+        put<kIsNonTemporal>(hn::InterleaveUpper(DU16(), bgLower, raLower), dst + kVector);
+        put<kIsNonTemporal>(hn::InterleaveLower(DU16(), bgUpper, raUpper), dst + 2 * kVector);
+        put<kIsNonTemporal>(hn::InterleaveUpper(DU16(), bgUpper, raUpper), dst + 3 * kVector);
     }
 
-    template<bool kIsStreamed>
+    template<bool kIsNonTemporal>
     static HWY_INLINE void put(VU16 pixels, uint8_t* dst)
     {
-        if (kIsStreamed)
+        if (kIsNonTemporal)
             hn::Stream(hn::BitCast(D8(), pixels), D8(), dst);
         else
             hn::StoreU(hn::BitCast(D8(), pixels), D8(), dst);

@@ -50,14 +50,14 @@ struct SxPixels
 
 // Indices for permutations. All are constants: a row is too short to make tables for it.
 
-struct SxOrder
+struct SxDwordShuffle
 {
     HWY_INLINE Permutation load() const { return hn::SetTableIndices(D32(), dwords); }
 
     alignas(64) std::int32_t dwords[kDwords];
 };
 
-struct SxByteOrder
+struct SxByteShuffle
 {
     HWY_INLINE V8 load() const { return hn::Load(D8(), bytes); }
 
@@ -108,14 +108,14 @@ struct SxPairs
 #include "IYUVRowsPortable-inl.h"
 #endif
 
-constexpr SxOrder fx_FromPacked()
+constexpr SxDwordShuffle fx_FromPacked()
 {
-    SxOrder order = {};
+    SxDwordShuffle shuffle = {};
     for (unsigned i = 0; i < kDwords; ++i)
-        order.dwords[i] = static_cast<std::int32_t>(fx_Packed(i));
-    return order;
+        shuffle.dwords[i] = static_cast<std::int32_t>(fx_Packed(i));
+    return shuffle;
 }
-constexpr SxOrder kFromPacked = fx_FromPacked();
+constexpr SxDwordShuffle kFromPacked = fx_FromPacked();
 
 // The formats: vector i of the four that a step of pixels fills.
 
@@ -123,7 +123,7 @@ class CxRGB32
 {
 public:
     static constexpr unsigned kPixelBytes = 4;
-    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb32; }
+    static SxColourKernels const& scalar() { return fx_GetScalarIYUVKernels().rgb32; }
     explicit CxRGB32(unsigned) {}
 
     HWY_INLINE V32 vector(uint8_t const* src, unsigned i) const
@@ -137,7 +137,7 @@ class CxRGB24
 {
 public:
     static constexpr unsigned kPixelBytes = 3;
-    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb24; }
+    static SxColourKernels const& scalar() { return fx_GetScalarIYUVKernels().rgb24; }
     explicit CxRGB24(unsigned) {}
 
     HWY_INLINE V32 vector(uint8_t const* src, unsigned i) const
@@ -155,7 +155,7 @@ class CxRGB48
 {
 public:
     static constexpr unsigned kPixelBytes = 6;
-    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb48; }
+    static SxColourKernels const& scalar() { return fx_GetScalarIYUVKernels().rgb48; }
     explicit CxRGB48(unsigned shift)
         : m_words(shift)
     {}
@@ -176,7 +176,7 @@ class CxRGB64
 {
 public:
     static constexpr unsigned kPixelBytes = 8;
-    static SxColourRows const& scalar() { return fx_GetScalarIYUVRows().rgb64; }
+    static SxColourKernels const& scalar() { return fx_GetScalarIYUVKernels().rgb64; }
     explicit CxRGB64(unsigned shift)
         : m_words(shift)
         , m_order(kFromPacked.load())
@@ -247,7 +247,7 @@ void fx_ColourRow(uint8_t const* src, uint8_t* y, uint8_t* u, uint8_t* v, unsign
 void fx_Mono16Row(uint8_t const* src, uint8_t* y, unsigned width, unsigned shift)
 {
     if (width < kVector || shift > CxWords::kMaxShift)
-        return fx_GetScalarIYUVRows().mono16(src, y, width, shift);
+        return fx_GetScalarIYUVKernels().mono16(src, y, width, shift);
 
     CxWords const words(shift);
     Permutation const order = kFromPacked.load();
@@ -257,11 +257,11 @@ void fx_Mono16Row(uint8_t const* src, uint8_t* y, unsigned width, unsigned shift
     hn::StoreU(fx_Permute(words.pack(src + 2 * end), order), D8(), y + end);
 }
 
-template<bool kIsStreamed>
+template<bool kIsNonTemporal>
 void fx_ToRGB32Rows(SxPlaneRows const& source, uint8_t* top, uint8_t* bottom, unsigned width)
 {
     if (width < kVector)
-        return fx_GetScalarIYUVRows().toRGB32(source, top, bottom, width);
+        return fx_GetScalarIYUVKernels().toRGB32(source, top, bottom, width);
 
     SxPlaneRows const planes = source; // which no store to the picture can change
 
@@ -269,25 +269,25 @@ void fx_ToRGB32Rows(SxPlaneRows const& source, uint8_t* top, uint8_t* bottom, un
     std::size_t const end = width - kVector;
     for (std::size_t x = 0; x < end;) {
         std::size_t const next = x + kVector < end ? x + kVector : end;
-        toRGB32.store<kIsStreamed>(planes, x, next, top, bottom);
+        toRGB32.store<kIsNonTemporal>(planes, x, next, top, bottom);
         x = next;
     }
-    toRGB32.store<false>(planes, end, end, top, bottom); // streams need an aligned address
+    toRGB32.store<false>(planes, end, end, top, bottom); // non-temporal stores need an aligned address
 }
 
 template<class Format>
-constexpr SxColourRows fx_ColourRows()
+constexpr SxColourKernels fx_ColourKernels()
 {
     return {fx_LumaRow<Format>, fx_ColourRow<Format>};
 }
 
 } // namespace
 
-constexpr SxIYUVRows kIYUVRows = {
-    fx_ColourRows<CxRGB24>(),
-    fx_ColourRows<CxRGB32>(),
-    fx_ColourRows<CxRGB48>(),
-    fx_ColourRows<CxRGB64>(),
+constexpr SxIYUVKernels kIYUVKernels = {
+    fx_ColourKernels<CxRGB24>(),
+    fx_ColourKernels<CxRGB32>(),
+    fx_ColourKernels<CxRGB48>(),
+    fx_ColourKernels<CxRGB64>(),
     fx_Mono16Row,
     fx_ToRGB32Rows<false>,
     fx_ToRGB32Rows<true>,
@@ -300,12 +300,12 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-SxIYUVRows const* fx_GetCompiledIYUVRows(VectorTarget target)
+SxIYUVKernels const* fx_GetCompiledIYUVKernels(VectorTarget target)
 {
-    static constexpr SxIYUVRows const* tables[] = TARN_EACH_TARGET(kIYUVRows);
+    static constexpr SxIYUVKernels const* tables[] = TARN_EACH_TARGET(kIYUVKernels);
     return tables[static_cast<int>(target)];
 }
 
-void fx_FinishStreams() { hwy::FlushStream(); }
+void fx_FinishNonTemporalStores() { hwy::FlushStream(); }
 
 #endif

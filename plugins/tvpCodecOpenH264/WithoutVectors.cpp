@@ -3,8 +3,8 @@
 
 #include "CompiledTargets.h"
 
-SxIYUVRows const* fx_GetCompiledIYUVRows(VectorTarget) { return nullptr; }
+SxIYUVKernels const* fx_GetCompiledIYUVKernels(VectorTarget) { return nullptr; }
 
 FxPrefixSearch fx_GetCompiledPrefixSearch(VectorTarget) { return nullptr; }
 
-void fx_FinishStreams() {} // no scalar store passes the cache
+void fx_FinishNonTemporalStores() {} // no scalar store passes the cache

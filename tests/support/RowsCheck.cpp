@@ -73,7 +73,7 @@ struct SxPlanes
         , v(width / 2)
     {}
 
-    void convert(SxColourRows const& rows, uint8_t const* src, unsigned width, unsigned shift)
+    void convert(SxColourKernels const& rows, uint8_t const* src, unsigned width, unsigned shift)
     {
         rows.luma(src, luma.data(), width, shift);
         rows.lumaAndChroma(src, y.data(), u.data(), v.data(), width, shift);
@@ -89,7 +89,7 @@ struct SxPlanes
 struct SxFormat
 {
     char const* name;
-    SxColourRows SxIYUVRows::*rows;
+    SxColourKernels SxIYUVKernels::*rows;
     unsigned components;
     bool isWords;
 
@@ -97,10 +97,10 @@ struct SxFormat
 };
 
 constexpr SxFormat kFormats[] = {
-    {"rgb24", &SxIYUVRows::rgb24, 3, false},
-    {"rgb32", &SxIYUVRows::rgb32, 4, false},
-    {"rgb48", &SxIYUVRows::rgb48, 3, true},
-    {"rgb64", &SxIYUVRows::rgb64, 4, true},
+    {"rgb24", &SxIYUVKernels::rgb24, 3, false},
+    {"rgb32", &SxIYUVKernels::rgb32, 4, false},
+    {"rgb48", &SxIYUVKernels::rgb48, 3, true},
+    {"rgb64", &SxIYUVKernels::rgb64, 4, true},
 };
 
 std::vector<uint8_t> fx_Noise(size_t size, unsigned seed)
@@ -130,7 +130,7 @@ void fx_SetComponent(SxFormat const& format, std::vector<uint8_t>& row, unsigned
 
 } // namespace
 
-std::string fx_CheckColours(SxIYUVRows const& rows)
+std::string fx_CheckColours(SxIYUVKernels const& rows)
 {
     constexpr unsigned kGreens = 8, kWidth = kGreens * 512;
     for (SxFormat const& format : kFormats) {
@@ -144,7 +144,7 @@ std::string fx_CheckColours(SxIYUVRows const& rows)
             fx_SetComponent(format, row, 0, [blue](unsigned) { return blue; });
             for (unsigned green = 0; green < 256; green += kGreens) {
                 fx_SetComponent(format, row, 1, [green](unsigned x) { return green + x / 512; });
-                expected.convert(fx_GetScalarIYUVRows().*format.rows, row.data(), kWidth, shift);
+                expected.convert(fx_GetScalarIYUVKernels().*format.rows, row.data(), kWidth, shift);
                 actual.convert(rows.*format.rows, row.data(), kWidth, shift);
                 if (!(actual == expected))
                     return std::string(format.name) + " differs at blue " + std::to_string(blue);
@@ -161,7 +161,7 @@ std::string fx_CheckColours(SxIYUVRows const& rows)
     return {};
 }
 
-std::string fx_CheckSamples(SxIYUVRows const& rows)
+std::string fx_CheckSamples(SxIYUVKernels const& rows)
 {
     constexpr unsigned kWidth = 2 * 256; // all V for one U
     CxHash hash;
@@ -169,8 +169,9 @@ std::string fx_CheckSamples(SxIYUVRows const& rows)
     for (unsigned i = 0; i < kWidth / 2; ++i)
         v[i] = static_cast<uint8_t>(i);
     std::vector<uint8_t> expected(2 * kWidth * 4), actual(expected.size());
-    std::vector<uint8_t> memory(expected.size() + kStreamAlignment);
-    size_t const lead = kStreamAlignment - reinterpret_cast<std::uintptr_t>(memory.data()) % kStreamAlignment;
+    std::vector<uint8_t> memory(expected.size() + kNonTemporalAlignment);
+    size_t const lead =
+        kNonTemporalAlignment - reinterpret_cast<std::uintptr_t>(memory.data()) % kNonTemporalAlignment;
     uint8_t* const aligned = memory.data() + lead;
     SxPlaneRows const planes = {{top.data(), bottom.data()}, u.data(), v.data()};
     for (unsigned luma = 0; luma < 256; ++luma) {
@@ -179,9 +180,9 @@ std::string fx_CheckSamples(SxIYUVRows const& rows)
             std::fill(bottom.begin(), bottom.end(), static_cast<uint8_t>(255 - luma));
             std::fill(u.begin(), u.end(), static_cast<uint8_t>(cb));
             size_t const row = kWidth * 4;
-            fx_GetScalarIYUVRows().toRGB32(planes, expected.data(), expected.data() + row, kWidth);
+            fx_GetScalarIYUVKernels().toRGB32(planes, expected.data(), expected.data() + row, kWidth);
             rows.toRGB32(planes, actual.data(), actual.data() + row, kWidth);
-            rows.toRGB32Streamed(planes, aligned, aligned + row, kWidth);
+            rows.toRGB32NonTemporal(planes, aligned, aligned + row, kWidth);
             if (actual != expected || !std::equal(expected.begin(), expected.end(), aligned))
                 return "differs at luma " + std::to_string(luma) + ", U " + std::to_string(cb);
             hash.add(actual.data(), row);
@@ -190,7 +191,7 @@ std::string fx_CheckSamples(SxIYUVRows const& rows)
     return fx_HashError(hash, kSamplesHash);
 }
 
-std::string fx_CheckShifts(SxIYUVRows const& rows)
+std::string fx_CheckShifts(SxIYUVKernels const& rows)
 {
     CxHash hash;
     for (unsigned components : {1u, 3u, 4u}) {
@@ -201,11 +202,11 @@ std::string fx_CheckShifts(SxIYUVRows const& rows)
         for (unsigned shift = 0; shift < 32; ++shift) {
             SxPlanes expected(65536), actual(65536);
             if (components == 1) {
-                fx_GetScalarIYUVRows().mono16(src, expected.y.data(), 65536, shift);
+                fx_GetScalarIYUVKernels().mono16(src, expected.y.data(), 65536, shift);
                 rows.mono16(src, actual.y.data(), 65536, shift);
             } else {
-                auto const format = components == 3 ? &SxIYUVRows::rgb48 : &SxIYUVRows::rgb64;
-                expected.convert(fx_GetScalarIYUVRows().*format, src, 65536, shift);
+                auto const format = components == 3 ? &SxIYUVKernels::rgb48 : &SxIYUVKernels::rgb64;
+                expected.convert(fx_GetScalarIYUVKernels().*format, src, 65536, shift);
                 actual.convert(rows.*format, src, 65536, shift);
             }
             if (!(actual == expected))
@@ -235,20 +236,22 @@ static std::vector<uint8_t> fx_Source(size_t size, size_t misalignment)
     return fx_Noise(misalignment + size, static_cast<unsigned>(size + misalignment));
 }
 
-/// Rows of RGB32 between guards, each at an address that streams accept, or \p misalignment behind it.
+/// Rows of RGB32 between guards, each at an address that non-temporal stores accept, or \p misalignment
+/// behind it.
 class CxPixelRows
 {
 public:
     CxPixelRows(unsigned width, size_t misalignment)
-        : m_bytes(2 * (size_t(width) * 4 + 3 * kStreamAlignment), kUntouched)
-        , m_row(kStreamAlignment - reinterpret_cast<std::uintptr_t>(m_bytes.data()) % kStreamAlignment +
-                misalignment)
+        : m_bytes(2 * (size_t(width) * 4 + 3 * kNonTemporalAlignment), kUntouched)
+        , m_row(kNonTemporalAlignment -
+                reinterpret_cast<std::uintptr_t>(m_bytes.data()) % kNonTemporalAlignment + misalignment)
     {}
 
     uint8_t* top() { return m_bytes.data() + m_row; }
     uint8_t* bottom()
     {
-        return top() + (m_bytes.size() / 2 - kStreamAlignment) / kStreamAlignment * kStreamAlignment;
+        return top() +
+               (m_bytes.size() / 2 - kNonTemporalAlignment) / kNonTemporalAlignment * kNonTemporalAlignment;
     }
     /// Compares what stands around the rows as well.
     bool operator==(CxPixelRows& other)
@@ -263,7 +266,7 @@ private:
     size_t m_row;
 };
 
-static bool fx_IsSameBack(SxIYUVRows const& rows, unsigned width, size_t misalignment, bool isLone)
+static bool fx_IsSameBack(SxIYUVKernels const& rows, unsigned width, size_t misalignment, bool isLone)
 {
     std::vector<uint8_t> const y0 = fx_Source(width, misalignment), y1 = fx_Source(width, 2 * misalignment);
     std::vector<uint8_t> const u = fx_Source(width / 2, misalignment),
@@ -272,17 +275,17 @@ static bool fx_IsSameBack(SxIYUVRows const& rows, unsigned width, size_t misalig
     SxPlaneRows const planes = {{top, isLone ? top : y1.data() + 2 * misalignment},
                                 u.data() + misalignment,
                                 v.data() + 3 * misalignment};
-    auto const convert = [&](FxRGB32Rows kernel, CxPixelRows& target) {
+    auto const convert = [&](FxRGB32Kernel kernel, CxPixelRows& target) {
         kernel(planes, target.top(), isLone ? target.top() : target.bottom(), width);
     };
-    CxPixelRows expected(width, 0), actual(width, misalignment), streamed(width, 0);
-    convert(fx_GetScalarIYUVRows().toRGB32, expected);
+    CxPixelRows expected(width, 0), actual(width, misalignment), nonTemporal(width, 0);
+    convert(fx_GetScalarIYUVKernels().toRGB32, expected);
     convert(rows.toRGB32, actual);
-    convert(rows.toRGB32Streamed, streamed);
-    return actual == expected && streamed == expected;
+    convert(rows.toRGB32NonTemporal, nonTemporal);
+    return actual == expected && nonTemporal == expected;
 }
 
-std::string fx_CheckWidths(SxIYUVRows const& rows)
+std::string fx_CheckWidths(SxIYUVKernels const& rows)
 {
     for (unsigned const width : fx_Widths()) {
         for (size_t const misalignment : {0u, 1u}) {
@@ -295,14 +298,14 @@ std::string fx_CheckWidths(SxIYUVRows const& rows)
                     fx_Source(size_t(width) * format.pixelBytes(), misalignment);
                 uint8_t const* const src = source.data() + misalignment;
                 CxTarget expected(width), actual(width);
-                (fx_GetScalarIYUVRows().*format.rows).luma(src, expected.data(), width, 3);
+                (fx_GetScalarIYUVKernels().*format.rows).luma(src, expected.data(), width, 3);
                 (rows.*format.rows).luma(src, actual.data(), width, 3);
                 if (!(actual == expected))
                     return at(format.name);
                 if (width % 2 != 0)
                     continue; // pairs only
                 SxPlanes expectedPlanes(width), actualPlanes(width);
-                expectedPlanes.convert(fx_GetScalarIYUVRows().*format.rows, src, width, 3);
+                expectedPlanes.convert(fx_GetScalarIYUVKernels().*format.rows, src, width, 3);
                 actualPlanes.convert(rows.*format.rows, src, width, 3);
                 if (!(actualPlanes == expectedPlanes))
                     return at(format.name);
@@ -310,7 +313,7 @@ std::string fx_CheckWidths(SxIYUVRows const& rows)
 
             std::vector<uint8_t> const source = fx_Source(size_t(width) * 2, misalignment);
             CxTarget expected(width), actual(width);
-            fx_GetScalarIYUVRows().mono16(source.data() + misalignment, expected.data(), width, 5);
+            fx_GetScalarIYUVKernels().mono16(source.data() + misalignment, expected.data(), width, 5);
             rows.mono16(source.data() + misalignment, actual.data(), width, 5);
             if (!(actual == expected))
                 return at("mono16");

@@ -12,13 +12,13 @@
 /// sanitizer sees a stray read, and lie between guard bytes, which show a stray write.
 
 /// All 2^24 colours in all four formats, words of 12 bits with noise above and below the bits that count.
-std::string fx_CheckColours(SxIYUVRows const& rows);
+std::string fx_CheckColours(SxIYUVKernels const& rows);
 
-/// All 2^24 (Y, U, V), into cached and into streamed rows.
-std::string fx_CheckSamples(SxIYUVRows const& rows);
+/// All 2^24 (Y, U, V), into cached and into rows written past the cache.
+std::string fx_CheckSamples(SxIYUVKernels const& rows);
 
 /// All words in all word formats at every shift from 0 to 31.
-std::string fx_CheckShifts(SxIYUVRows const& rows);
+std::string fx_CheckShifts(SxIYUVKernels const& rows);
 
 /// Every width from 0 to three of the widest vectors and around those of usual pictures, at odd addresses.
-std::string fx_CheckWidths(SxIYUVRows const& rows);
+std::string fx_CheckWidths(SxIYUVKernels const& rows);
