@@ -82,7 +82,7 @@ bool CxH264VideoLoader::index()
     if (!fx_BeginsWithStartCode(m_data, size))
         return false;
 
-    QList<SxFrameRange> entries;
+    QList<SxIndexEntry> entries;
     QList<int> keys;
     CxFrameScanner scanner(m_data, size);
     for (SxFrameRange frame; scanner.next(frame);) {

@@ -55,6 +55,8 @@ public:
     void freeBuffer(void* buffer);         ///< gives a block of allocBuffer() back
 
 private:
+    using SxIndexEntry = SxFrameRange; ///< one for each frame, in file order
+
     bool index();
 
     QString m_inputFile;
@@ -64,6 +66,6 @@ private:
     SxPicBufInfo m_format;                  ///< of the pictures that loadedData() delivers
     CxOpenH264Decoder* m_decoder = nullptr; ///< a child of this object, while the file is open
     int m_lastProcessedFrame = -1;
-    QList<SxFrameRange> m_index;
+    QList<SxIndexEntry> m_index;
     QList<int> m_keyFrames; ///< kept ready, since the decoder asks at every frame
 };

@@ -7,9 +7,12 @@
 /// is used.
 
 /// The fastest first. Each asks for the whole list of what its compiler flags may use:
-///   AVX512  F, CD, BW, DQ, VL, VBMI and VNNI: every maker's second generation; what has less is served by
-///   AVX2 AVX2    with BMI, BMI2 and FMA SSE4    SSSE3, SSE4.1 and SSE4.2 NEON    every 64-bit Arm Scalar the
-///   definition of every result, on any machine
+/// - AVX512: F, CD, BW, DQ, VL, VBMI and VNNI, as every maker's second generation has them; what has less
+///   is served by AVX2
+/// - AVX2: with BMI, BMI2 and FMA
+/// - SSE4: SSSE3, SSE4.1 and SSE4.2
+/// - NEON: every 64-bit Arm
+/// - Scalar: the definition of every result, on any machine
 enum class VectorTarget { AVX512, AVX2, SSE4, NEON, Scalar };
 
 /// Of each VectorTarget, for the build option TARN_VECTORS, tests, benchmarks and docs/kernels.md.
