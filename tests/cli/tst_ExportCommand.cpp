@@ -1,0 +1,857 @@
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <csignal>
+#include <unistd.h>
+
+#include "FFmpegSource.h"
+#include "PictureFormat.h"
+#include "PluginHost.h"
+#include "PluginMessages.h"
+#include "RecordingReader.h"
+#include "support/ConversionOracle.h"
+#include "support/FFmpegDecoder.h"
+#include "support/Minihost.h"
+#include "support/PictureFiles.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define TARN_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TARN_ADDRESS_SANITIZER
+#endif
+#endif
+#ifdef TARN_ADDRESS_SANITIZER
+// Freed memory that the sanitizer keeps would look like a leak where memory has to stay flat.
+extern "C" char const* __asan_default_options()
+{
+    return "quarantine_size_mb=0:thread_local_quarantine_size_kb=0";
+}
+#endif
+
+static int const kWidth = 320;
+static int const kHeight = 240;
+static int const kFrames = 30;
+
+/// Rows of an RGB32 picture without gaps.
+using Rgb32 = std::vector<uchar>;
+
+/// The info, export and verify commands as their user meets them: the built program, real recordings,
+/// FFmpeg's decoder as the judge.
+class tst_ExportCommand : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void infoTellsWhatIsThere();
+    void infoListsTheFrames();
+    void infoOfOneFrame();
+    void infoOfUndecodableRecording();
+
+    void hashesAreThoseOfFFmpegsPictures_data();
+    void hashesAreThoseOfFFmpegsPictures();
+    void framesComeInTheOrderAsked();
+    void losslessFilesHoldTheExactPicture_data();
+    void losslessFilesHoldTheExactPicture();
+    void jpegComesClose();
+    void rawStreamIsExact_data();
+    void rawStreamIsExact();
+    void streamToAFile_data();
+    void streamToAFile();
+    void y4mStreamIsReadByOthers();
+    void closedPipeEndsQuietly_data();
+    void closedPipeEndsQuietly();
+    void fullOutputIsAnError();
+    void contactSheet();
+    void fileNames_data();
+    void fileNames();
+    void existingFilesNeedOverwrite();
+    void recordingIsNeverReplaced();
+    void exportJson();
+    void interruptedExportFails();
+
+    void verifyOfSoundRecording();
+    void verifyFindsCutOffFrame();
+    void verifyFindsDamagedFrame();
+    void verifyFindsBytesOfNoFrame();
+    void verifyFindsCrowdedFrames();
+
+    void unreadableRecordings_data();
+    void unreadableRecordings();
+    void wrongUsage_data();
+    void wrongUsage();
+    void missingFrameIsNamed();
+    void quietSaysNothing();
+    void helpOfEveryCommand_data();
+    void helpOfEveryCommand();
+
+    void openingAThousandTimesLeavesMemoryFlat();
+
+private:
+    QString path(QString const& name) const { return m_folder->filePath(name); }
+    SxMinihostRun run(QStringList const& arguments) const
+    {
+        return fx_RunMinihost(arguments, QByteArray(), m_folder->path());
+    }
+
+    QTemporaryDir m_shared;
+    QString m_recording;           ///< kFrames pictures of the test camera, a key frame every 5
+    QByteArray m_bytes;            ///< of that file
+    std::vector<Rgb32> m_pictures; ///< of that file
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+static Rgb32 fx_ToRGB32(SxDecodedPicture const& decoded)
+{
+    auto const width = static_cast<size_t>(decoded.width);
+    auto const height = static_cast<size_t>(decoded.height);
+    uchar const* const y = decoded.i420.data();
+    uchar const* const u = y + width * height;
+    uchar const* const v = u + width / 2 * (height / 2);
+    Rgb32 picture(width * height * 4);
+    for (size_t row = 0; row < height; ++row) {
+        for (size_t x = 0; x < width; ++x) {
+            size_t const chroma = row / 2 * (width / 2) + x / 2;
+            fx_OracleToRGB32(y[row * width + x], u[chroma], v[chroma], &picture[(row * width + x) * 4]);
+        }
+    }
+    return picture;
+}
+
+/// The pictures of a recording as FFmpeg decodes them and the reference conversion colours them.
+static std::vector<Rgb32> fx_ExpectedPictures(QString const& fileName)
+{
+    QString error;
+    std::vector<Rgb32> pictures;
+    for (SxDecodedPicture const& decoded : fx_DecodeH264File(fileName, error))
+        pictures.push_back(fx_ToRGB32(decoded));
+    return pictures;
+}
+
+static QByteArray fx_Md5(Rgb32 const& picture)
+{
+    QByteArray const bytes(reinterpret_cast<char const*>(picture.data()), static_cast<int>(picture.size()));
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex();
+}
+
+/// What `export --hash md5` has to print for these frames.
+static QByteArray fx_HashLines(std::vector<Rgb32> const& pictures, QVector<int> const& frames)
+{
+    QByteArray lines;
+    for (int const frame : frames)
+        lines += QByteArray::number(frame) + ' ' + fx_Md5(pictures[static_cast<size_t>(frame)]) + '\n';
+    return lines;
+}
+
+static QByteArray fx_FileBytes(QString const& fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Largest difference of blue, green and red between a picture that FFmpeg read and an RGB32 one; 256
+/// when their sizes differ.
+static int fx_LargestDifference(SxPicBuf const& actual, Rgb32 const& expected)
+{
+    if (actual.width != kWidth || actual.height != kHeight || actual.components < 3 ||
+        fx_IsWordFormat(actual))
+        return 256;
+    int largest = 0;
+    for (size_t y = 0; y < kHeight; ++y) {
+        for (size_t x = 0; x < kWidth; ++x) {
+            uchar const* const pixel = actual.data + y * actual.pitch + x * actual.components;
+            for (size_t c = 0; c < 3; ++c)
+                largest = std::max(largest, std::abs(pixel[c] - expected[(y * kWidth + x) * 4 + c]));
+        }
+    }
+    return largest;
+}
+
+/// Mean difference, likewise.
+static double fx_MeanDifference(SxPicBuf const& actual, Rgb32 const& expected)
+{
+    if (actual.width != kWidth || actual.height != kHeight || actual.components < 3)
+        return 256;
+    double sum = 0;
+    for (size_t y = 0; y < kHeight; ++y) {
+        for (size_t x = 0; x < kWidth; ++x) {
+            uchar const* const pixel = actual.data + y * actual.pitch + x * actual.components;
+            for (size_t c = 0; c < 3; ++c)
+                sum += std::abs(pixel[c] - expected[(y * kWidth + x) * 4 + c]);
+        }
+    }
+    return sum / (3.0 * kWidth * kHeight);
+}
+
+void tst_ExportCommand::initTestCase()
+{
+    QVERIFY(m_shared.isValid());
+    CxFFmpegSource::setLogShown(false);
+    m_recording = m_shared.filePath("in.h264");
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", m_recording, "--size", "320x240", "--frames", QString::number(kFrames)});
+    QVERIFY2(run.exitCode == 0, run.err);
+    m_bytes = fx_FileBytes(m_recording);
+    m_pictures = fx_ExpectedPictures(m_recording);
+    QCOMPARE(m_pictures.size(), size_t{kFrames});
+}
+
+void tst_ExportCommand::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+void tst_ExportCommand::infoTellsWhatIsThere()
+{
+    SxMinihostRun const text = run({"info", m_recording});
+    QCOMPARE(text.exitCode, 0);
+    QCOMPARE(text.err, QByteArray());
+    for (char const* part :
+         {"in.h264: H.264 baseline, level 5.2, 320 x 240\n", "  30 frames, 6 key frames, one every 5\n",
+          "  plays 1.0 s at 30 pictures a second (assumed)\n"})
+        QVERIFY2(text.out.contains(part), text.out);
+
+    QJsonObject const json = run({"info", "--json", m_recording}).json();
+    QCOMPARE(json.value("file").toString(), m_recording);
+    QCOMPARE(json.value("codec").toString(), QString("H.264"));
+    QCOMPARE(json.value("profile").toString(), QString("baseline"));
+    QCOMPARE(json.value("level").toString(), QString("5.2"));
+    QCOMPARE(json.value("width").toInt(), kWidth);
+    QCOMPARE(json.value("height").toInt(), kHeight);
+    QCOMPARE(json.value("frames").toInt(), kFrames);
+    QCOMPARE(json.value("keyFrames").toInt(), 6);
+    QCOMPARE(json.value("smallestKeyFrameSpacing").toInt(), 5);
+    QCOMPARE(json.value("largestKeyFrameSpacing").toInt(), 5);
+    QCOMPARE(json.value("fps").toDouble(), 30.0);
+    QCOMPARE(json.value("fpsIsAssumed").toBool(), true);
+    QCOMPARE(json.value("seconds").toDouble(), 1.0);
+    QCOMPARE(json.value("bytes").toInt(), m_bytes.size());
+    QCOMPARE(json.value("meanBitRate").toDouble(), static_cast<double>(m_bytes.size()) * 8.0);
+    QVERIFY(!json.contains("frameList"));
+}
+
+void tst_ExportCommand::infoListsTheFrames()
+{
+    QJsonObject const json = run({"info", "--json", "--frames", m_recording}).json();
+    QJsonArray const list = json.value("frameList").toArray();
+    QCOMPARE(list.size(), kFrames);
+    SxMinihostRun const text = run({"info", "--frames", m_recording});
+    QList<QByteArray> const lines = text.out.trimmed().split('\n').mid(6);
+    QCOMPARE(lines.size(), kFrames);
+
+    int end = 0, largest = 0, smallest = static_cast<int>(m_bytes.size());
+    for (int i = 0; i < kFrames; ++i) {
+        QJsonObject const frame = list[i].toObject();
+        int const offset = frame.value("offset").toInt(-1);
+        int const size = frame.value("size").toInt();
+        bool const isKey = frame.value("key").toBool();
+        QCOMPARE(frame.value("frame").toInt(-1), i);
+        QCOMPARE(offset, end); // back to back
+        QCOMPARE(isKey, i % 5 == 0);
+        QCOMPARE(m_bytes.mid(offset, 5), QByteArray::fromHex(isKey ? "0000000167" : "0000000161"));
+        QCOMPARE(lines[i].simplified(), QByteArray::number(i) + ' ' + QByteArray::number(offset) + ' ' +
+                                            QByteArray::number(size) + (isKey ? " key" : ""));
+        end = offset + size;
+        largest = std::max(largest, size);
+        smallest = std::min(smallest, size);
+    }
+    QCOMPARE(end, m_bytes.size());
+    QCOMPARE(json.value("largestFrame").toObject().value("size").toInt(), largest);
+    QCOMPARE(json.value("smallestFrame").toObject().value("size").toInt(), smallest);
+    QCOMPARE(list[json.value("smallestFrame").toObject().value("frame").toInt()].toObject(),
+             json.value("smallestFrame").toObject());
+}
+
+void tst_ExportCommand::infoOfOneFrame()
+{
+    QCOMPARE(run({"record", "camera:", "one.h264", "--size", "64x48", "--frames", "1", "--profile", "high",
+                  "--level", "3"})
+                 .exitCode,
+             0);
+    SxMinihostRun const text = run({"info", "one.h264"});
+    QVERIFY2(text.out.startsWith("one.h264: H.264 high, level 3, 64 x 48\n  1 frame, 1 key frame\n"),
+             text.out);
+    QJsonObject const json = run({"info", "one.h264", "--json"}).json();
+    QVERIFY(json.value("largestKeyFrameSpacing").isNull());
+    QCOMPARE(json.value("largestFrame").toObject(), json.value("smallestFrame").toObject());
+}
+
+void tst_ExportCommand::infoOfUndecodableRecording()
+{
+    QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(60)));
+    SxMinihostRun const text = run({"info", "cut.h264"});
+    QCOMPARE(text.exitCode, 0);
+    QVERIFY2(text.out.contains("picture size unknown") && text.out.contains("1 frame,"), text.out);
+    QVERIFY2(text.err.startsWith("warning: cut.h264: frame 0 cannot be decoded: "), text.err);
+    QVERIFY(run({"info", "cut.h264", "--json"}).json().value("width").isNull());
+}
+
+void tst_ExportCommand::hashesAreThoseOfFFmpegsPictures_data()
+{
+    QTest::addColumn<QString>("profile");
+    for (char const* profile : {"baseline", "main", "extended", "high"})
+        QTest::newRow(profile) << profile;
+}
+
+void tst_ExportCommand::hashesAreThoseOfFFmpegsPictures()
+{
+    QFETCH(QString, profile);
+    SxMinihostRun const recorded = run({"record", "camera:", "p.h264", "--size", "322x242", "--frames", "12",
+                                        "--profile", profile, "--keyframe-rate", "6"});
+    QVERIFY2(recorded.exitCode == 0, recorded.err);
+    std::vector<Rgb32> const pictures = fx_ExpectedPictures(path("p.h264"));
+    QCOMPARE(pictures.size(), size_t{12});
+    QVector<int> const order{11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0, 0, 1, 2, 3, 9, 4, 10, 11};
+    SxMinihostRun const hashed = run({"export", "p.h264", "--frames", "11-0,0-3,9,4,10-11", "--hash", "md5"});
+    QVERIFY2(hashed.exitCode == 0, hashed.err);
+    QCOMPARE(hashed.out, fx_HashLines(pictures, order));
+}
+
+void tst_ExportCommand::framesComeInTheOrderAsked()
+{
+    SxMinihostRun const hashed =
+        run({"export", m_recording, "--frames", "29,0,7-5,7,key,20-29:3", "--hash", "md5"});
+    QVERIFY2(hashed.exitCode == 0, hashed.err);
+    QVector<int> const order{29, 0, 7, 6, 5, 7, 0, 5, 10, 15, 20, 25, 20, 23, 26, 29};
+    QCOMPARE(hashed.out, fx_HashLines(m_pictures, order));
+    // Nothing else is said, and no progress line where nobody watches.
+    QCOMPARE(hashed.err, QByteArray());
+
+    QJsonArray const json = run({"export", m_recording, "--frames", "29,0", "--hash", "md5", "--json"})
+                                .json()
+                                .value("exported")
+                                .toArray();
+    QCOMPARE(json.size(), 2);
+    QCOMPARE(json[0].toObject().value("frame").toInt(), 29);
+    QCOMPARE(json[0].toObject().value("md5").toString().toLatin1(), fx_Md5(m_pictures[29]));
+    QCOMPARE(json[1].toObject().value("md5").toString().toLatin1(), fx_Md5(m_pictures[0]));
+}
+
+void tst_ExportCommand::losslessFilesHoldTheExactPicture_data()
+{
+    QTest::addColumn<QString>("suffix");
+    for (char const* suffix : {"png", "PNG", "ppm", "pnm"})
+        QTest::newRow(suffix) << suffix;
+}
+
+void tst_ExportCommand::losslessFilesHoldTheExactPicture()
+{
+    QFETCH(QString, suffix);
+    SxMinihostRun const exported =
+        run({"export", m_recording, "--frames", "28,3,28", "--output", "f_%05d." + suffix});
+    QVERIFY2(exported.exitCode == 0, exported.err);
+    QVERIFY2(exported.err.contains("2 pictures of 320 x 240 written"), exported.err);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 2);
+
+    CxFFmpegSource source({path("f_00003." + suffix), path("f_00028." + suffix)}, 0, nullptr);
+    CxOwnedPicture picture;
+    for (size_t const frame : {3U, 28U}) {
+        QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture,
+                 qPrintable(source.errorText()));
+        QCOMPARE(fx_LargestDifference(picture.get(), m_pictures[frame]), 0);
+    }
+}
+
+void tst_ExportCommand::jpegComesClose()
+{
+    QCOMPARE(run({"export", m_recording, "--frames", "4", "-o", "frame.jpg"}).exitCode, 0);
+    CxFFmpegSource source({path("frame.jpg")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
+    double const difference = fx_MeanDifference(picture.get(), m_pictures[4]);
+    QVERIFY2(difference < 4, qPrintable(QString::number(difference)));
+}
+
+void tst_ExportCommand::rawStreamIsExact_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QVector<int>>("order"); // which of blue, green, red, 255 stands where
+    QTest::newRow("bgra") << "bgra" << QVector<int>{0, 1, 2, 3};
+    QTest::newRow("rgb24") << "rgb24" << QVector<int>{2, 1, 0};
+}
+
+void tst_ExportCommand::rawStreamIsExact()
+{
+    QFETCH(QString, format);
+    QFETCH(QVector<int>, order);
+    SxMinihostRun const piped =
+        run({"export", m_recording, "--frames", "9,2", "--output", "-", "--stream", format});
+    QVERIFY2(piped.exitCode == 0, piped.err);
+    QByteArray expected;
+    for (size_t const frame : {9U, 2U}) {
+        for (size_t pixel = 0; pixel < m_pictures[frame].size(); pixel += 4)
+            for (int const component : order)
+                expected += static_cast<char>(m_pictures[frame][pixel + static_cast<size_t>(component)]);
+    }
+    QCOMPARE(piped.out.size(), expected.size());
+    QVERIFY(piped.out == expected);
+}
+
+void tst_ExportCommand::streamToAFile_data()
+{
+    QTest::addColumn<QStringList>("format");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("y4m by its name") << QStringList{} << "all.y4m";
+    QTest::newRow("rgb24") << QStringList{"--stream", "rgb24"} << "all.raw";
+    QTest::newRow("bgra") << QStringList{"--stream", "bgra"} << "all.raw";
+}
+
+void tst_ExportCommand::streamToAFile()
+{
+    QFETCH(QStringList, format);
+    QFETCH(QString, file);
+    QStringList const asked = QStringList{"export", m_recording, "--frames", "9,2,2"} + format;
+    SxMinihostRun const piped = run(asked + QStringList{"-o", "-"});
+    SxMinihostRun const filed = run(asked + QStringList{"-o", file});
+    QVERIFY2(filed.exitCode == 0 && piped.exitCode == 0, filed.err);
+    QVERIFY2(filed.err.contains("3 pictures of 320 x 240 written."), filed.err);
+    QVERIFY(fx_FileBytes(path(file)) == piped.out);
+
+    SxMinihostRun const refused = run(asked + QStringList{"-o", file});
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.err.contains("the file exists; --overwrite replaces it."), refused.err);
+    SxMinihostRun const replaced = run(asked + QStringList{"-o", file, "--overwrite", "--json"});
+    QCOMPARE(replaced.exitCode, 0);
+    QCOMPARE(replaced.json()["exported"].toArray().size(), 3);
+}
+
+void tst_ExportCommand::y4mStreamIsReadByOthers()
+{
+    SxMinihostRun const piped = run({"export", m_recording, "--frames", "29-0", "-o", "-"});
+    QVERIFY2(piped.exitCode == 0, piped.err);
+    QVERIFY2(piped.out.startsWith("YUV4MPEG2 W320 H240 F30:1 "), piped.out.left(80));
+    QVERIFY(fx_WriteFile(path("piped.y4m"), piped.out));
+
+    CxFFmpegSource source({path("piped.y4m")}, 0, nullptr);
+    CxOwnedPicture picture;
+    for (size_t frame = kFrames; frame-- > 0;) {
+        QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture,
+                 qPrintable(source.errorText()));
+        double const difference = fx_MeanDifference(picture.get(), m_pictures[frame]);
+        QVERIFY2(difference < 4, qPrintable(QString::number(difference)));
+    }
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
+}
+
+void tst_ExportCommand::closedPipeEndsQuietly_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("stream") << QStringList{"--output", "-"};
+    QTest::newRow("hashes") << QStringList{"--hash", "md5"};
+}
+
+void tst_ExportCommand::closedPipeEndsQuietly()
+{
+    QFETCH(QStringList, arguments);
+    // The reader is gone before the first byte, whatever the timing.
+    QProcess process;
+    process.start("/bin/sh",
+                  QStringList{"-c", R"(exec 3>&1; { read line; "$@" 2>&3; echo $? >&3; } |
+                                                  { exec 0<&-; echo; } | cat >/dev/null)",
+                              "sh", fx_MinihostProgram(), "export", m_recording, "--frames", "all"} +
+                      arguments);
+    process.write("\n");
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("0\n")); // errors would stand here, then the code
+}
+
+void tst_ExportCommand::fullOutputIsAnError()
+{
+    for (QStringList const& arguments : {QStringList{"-o", "-"}, QStringList{"--hash", "md5"}}) {
+        QProcess process;
+        process.setStandardOutputFile("/dev/full");
+        process.start(fx_MinihostProgram(), QStringList{"export", m_recording, "--frames", "0"} + arguments);
+        QVERIFY(process.waitForFinished(-1));
+        QCOMPARE(process.exitCode(), 1);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("error: Standard output: No space left on device.\n"));
+    }
+}
+
+void tst_ExportCommand::contactSheet()
+{
+    SxMinihostRun const exported =
+        run({"export", m_recording, "--frames", "0-29:5,29", "--sheet", "3", "-o", "sheet.png"});
+    QVERIFY2(exported.exitCode == 0, exported.err);
+    QVERIFY2(exported.err.contains("a sheet of 7 pictures"), exported.err);
+
+    CxFFmpegSource source({path("sheet.png")}, 0, nullptr);
+    CxOwnedPicture sheet;
+    QVERIFY2(source.next(sheet.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
+    // Three columns and three rows of 320 x 240, so the tiles are the pictures themselves.
+    int const gap = 8, label = 30;
+    QCOMPARE(sheet.get().width, quint32(gap + 3 * (kWidth + gap)));
+    QCOMPARE(sheet.get().height, quint32(gap + 3 * (kHeight + label)));
+    int tile = 0;
+    for (size_t const frame : {0U, 5U, 10U, 15U, 20U, 25U, 29U}) {
+        SxPicBuf part = sheet.get(); // a window on the sheet, nobody's to free
+        part.width = kWidth;
+        part.height = kHeight;
+        auto const x = static_cast<size_t>(gap + tile % 3 * (kWidth + gap));
+        auto const y = static_cast<size_t>(gap + tile / 3 * (kHeight + label));
+        part.data = sheet.get().data + y * part.pitch + x * part.components;
+        QCOMPARE(fx_LargestDifference(part, m_pictures[frame]), 0);
+        // Below it the number is written: something brighter than the sheet's ground.
+        uchar const* const below = part.data + static_cast<size_t>(kHeight) * part.pitch;
+        uchar brightest = 0;
+        for (size_t row = 0; row < 20; ++row)
+            for (size_t column = 0; column < 30; ++column)
+                brightest = std::max(brightest, below[row * part.pitch + column * part.components + 1]);
+        QVERIFY(brightest > 150);
+        ++tile;
+    }
+}
+
+void tst_ExportCommand::fileNames_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("frames");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("padded") << "f_%05d.ppm"
+                            << "7" << QStringList{"f_00007.ppm"};
+    QTest::newRow("plain") << "%d.ppm"
+                           << "7,11" << QStringList{"11.ppm", "7.ppm"};
+    QTest::newRow("narrow") << "%01d.ppm"
+                            << "11" << QStringList{"11.ppm"};
+    QTest::newRow("blanks") << "%3d.ppm"
+                            << "11" << QStringList{" 11.ppm"};
+    QTest::newRow("percent sign") << "100%%_%d.ppm"
+                                  << "7" << QStringList{"100%_7.ppm"};
+    QTest::newRow("no number needed") << "one.ppm"
+                                      << "7,7" << QStringList{"one.ppm"};
+    QTest::newRow("number twice") << "%d-%02d.ppm"
+                                  << "7" << QStringList{"7-07.ppm"};
+}
+
+void tst_ExportCommand::fileNames()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, frames);
+    QFETCH(QStringList, expected);
+    SxMinihostRun const exported = run({"export", m_recording, "--frames", frames, "-o", pattern});
+    QVERIFY2(exported.exitCode == 0, exported.err);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files, QDir::Name), expected);
+}
+
+void tst_ExportCommand::existingFilesNeedOverwrite()
+{
+    QVERIFY(fx_WriteFile(path("f_2.png"), "precious"));
+    QStringList const arguments{"export", m_recording, "--frames", "0-3", "-o", "f_%d.png"};
+    SxMinihostRun const refused = run(arguments);
+    QCOMPARE(refused.exitCode, 1);
+    QCOMPARE(refused.err, QByteArray("error: f_2.png: the file exists; --overwrite replaces it.\n"));
+    QCOMPARE(fx_FileBytes(path("f_2.png")), QByteArray("precious"));
+    QVERIFY(!QFile::exists(path("f_0.png"))); // seen before anything was written
+
+    QCOMPARE(run(arguments + QStringList{"--overwrite"}).exitCode, 0);
+    QVERIFY(fx_FileBytes(path("f_2.png")).size() > 1000);
+
+    SxMinihostRun const nowhere = run({"export", m_recording, "--frames", "0", "-o", "nowhere/f.png"});
+    QCOMPARE(nowhere.exitCode, 1);
+    QVERIFY2(nowhere.err.contains("nowhere/f.png: there is no folder "), nowhere.err);
+}
+
+void tst_ExportCommand::recordingIsNeverReplaced()
+{
+    QVERIFY(fx_WriteFile(path("in.png"), m_bytes));
+    QVERIFY(QFile::link(path("in.png"), path("link.png")));
+    QCOMPARE(::link(qPrintable(path("in.png")), qPrintable(path("hard.png"))), 0);
+    QCOMPARE(::link(qPrintable(path("in.png")), qPrintable(path("hard.y4m"))), 0);
+    for (char const* output : {"in.png", "./in.png", "link.png", "hard.png", "hard.y4m"}) {
+        SxMinihostRun const refused = run({"export", "in.png", "--frames", "0", "-o", output, "--overwrite"});
+        QCOMPARE(refused.exitCode, 1);
+        QVERIFY2(refused.err.contains("would replace the recording"), refused.err);
+    }
+    QVERIFY(fx_FileBytes(path("in.png")) == m_bytes);
+}
+
+void tst_ExportCommand::exportJson()
+{
+    QJsonObject const json =
+        run({"export", m_recording, "--frames", "6,1", "-o", "f_%d.png", "--json"}).json();
+    QCOMPARE(json.value("file").toString(), m_recording);
+    QVERIFY(json.value("error").isNull());
+    QJsonArray const exported = json.value("exported").toArray();
+    QCOMPARE(exported.size(), 2);
+    QCOMPARE(exported[0].toObject().value("frame").toInt(), 6);
+    QCOMPARE(exported[0].toObject().value("file").toString(), QString("f_6.png"));
+    QCOMPARE(exported[1].toObject().value("file").toString(), QString("f_1.png"));
+}
+
+void tst_ExportCommand::interruptedExportFails()
+{
+    // Frames without end in sight, so that the signal comes in between.
+    QString spec("all");
+    for (int i = 0; i < 2000; ++i)
+        spec += QStringLiteral(",all");
+    QProcess process;
+    process.start(fx_MinihostProgram(), {"export", m_recording, "--frames", spec, "--hash", "md5"});
+    QVERIFY(process.waitForStarted());
+    QVERIFY(process.waitForReadyRead(-1));
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.contains("in.h264: stopped after ") && err.contains(" of 60030 pictures."), err);
+}
+
+void tst_ExportCommand::verifyOfSoundRecording()
+{
+    SxMinihostRun const verified = run({"verify", m_recording});
+    QCOMPARE(verified.exitCode, 0);
+    QCOMPARE(verified.out, QByteArray());
+    QCOMPARE(verified.err, m_recording.toUtf8() +
+                               ": all 30 frames decode, plays 1.0 s at 30 pictures a second (assumed).\n");
+
+    QJsonObject const json = run({"verify", m_recording, "--json"}).json();
+    QCOMPARE(json.value("frames").toInt(), kFrames);
+    QCOMPARE(json.value("decoded").toInt(), kFrames);
+    QCOMPARE(json.value("looseBytes").toInt(-1), 0);
+    QVERIFY(json.contains("failed") && json.value("failed").isNull());
+    QVERIFY(json.contains("error") && json.value("error").isNull());
+    QCOMPARE(json.value("warnings").toArray(), QJsonArray());
+}
+
+/// Offset of frame \p frame as `info` lists it.
+static int fx_Offset(QString const& recording, int frame)
+{
+    QJsonObject const json = fx_RunMinihost({"info", "--json", "--frames", recording}).json();
+    return json.value("frameList").toArray()[frame].toObject().value("offset").toInt(-1);
+}
+
+void tst_ExportCommand::verifyFindsCutOffFrame()
+{
+    int const last = fx_Offset(m_recording, kFrames - 1);
+    QVERIFY(last > 0);
+    QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(last + (m_bytes.size() - last) / 2)));
+    SxMinihostRun const verified = run({"verify", "cut.h264", "--json"});
+    QCOMPARE(verified.exitCode, 1);
+    QByteArray const start = "error: cut.h264: frame 29 at byte " + QByteArray::number(last) + " (" +
+                             QByteArray::number((m_bytes.size() - last) / 2) + " bytes) cannot be decoded: ";
+    QVERIFY2(verified.err.startsWith(start), verified.err);
+    QVERIFY2(verified.err.contains("damaged or cut off"), verified.err);
+    QCOMPARE(verified.err.count('\n'), 1);
+    QJsonObject const failed = verified.json().value("failed").toObject();
+    QCOMPARE(failed.value("frame").toInt(), 29);
+    QCOMPARE(failed.value("offset").toInt(), last);
+    QCOMPARE(verified.json().value("decoded").toInt(), 29);
+    QVERIFY(verified.json().value("error").toString().startsWith("cut.h264: frame 29 at byte "));
+
+    // With -v the plug-in's own words come through as well.
+    QVERIFY(run({"verify", "cut.h264", "-v"})
+                .err.contains("\"CxOpenH264Decoder::decode(): The decoder failed with code: "));
+    // A single frame gives the same reason.
+    SxMinihostRun const exported = run({"export", "cut.h264", "--frames", "29", "-o", "f.png"});
+    QCOMPARE(exported.exitCode, 1);
+    QVERIFY2(exported.err.startsWith("error: cut.h264: frame 29 cannot be decoded: "), exported.err);
+    QVERIFY(!QFile::exists(path("f.png")));
+}
+
+void tst_ExportCommand::verifyFindsDamagedFrame()
+{
+    int const begin = fx_Offset(m_recording, 12);
+    int const end = fx_Offset(m_recording, 13);
+    QVERIFY(begin > 0 && end - begin > 100);
+    QByteArray damaged = m_bytes;
+    // No zeros, which would form start codes, and no ones, which stand for an unchanged picture.
+    for (int i = begin + 20; i < end; ++i)
+        damaged[i] = static_cast<char>(0x10 + i * 37 % 0x60);
+    QVERIFY(fx_WriteFile(path("damaged.h264"), damaged));
+    SxMinihostRun const verified = run({"verify", "damaged.h264", "--json"});
+    QCOMPARE(verified.exitCode, 1);
+    QCOMPARE(verified.json().value("failed").toObject().value("frame").toInt(), 12);
+    QCOMPARE(verified.json().value("failed").toObject().value("offset").toInt(), begin);
+    QCOMPARE(verified.json().value("decoded").toInt(), 12);
+}
+
+void tst_ExportCommand::verifyFindsBytesOfNoFrame()
+{
+    // A file that ends with a whole start code: the frame before it was never closed.
+    int const last = fx_Offset(m_recording, kFrames - 1);
+    QVERIFY(fx_WriteFile(path("loose.h264"), m_bytes.left(last) + QByteArray("\0\0\0\1", 4)));
+    int const before = fx_Offset(m_recording, kFrames - 2);
+    SxMinihostRun const verified = run({"verify", "loose.h264"});
+    QCOMPARE(verified.exitCode, 1);
+    QCOMPARE(verified.err, "error: loose.h264: the last " + QByteArray::number(last + 4 - before) +
+                               " bytes, from byte " + QByteArray::number(before) +
+                               " on, belong to no frame; the file seems cut off.\n");
+}
+
+void tst_ExportCommand::verifyFindsCrowdedFrames()
+{
+    // Slices that later pictures do not refer to (header 0x01) stay in the frame before them.
+    QByteArray crowded = m_bytes;
+    crowded.replace(QByteArray::fromHex("0000000161"), QByteArray::fromHex("0000000101"));
+    QVERIFY(fx_WriteFile(path("crowded.h264"), crowded));
+    SxMinihostRun const verified = run({"verify", "crowded.h264", "--json"});
+    QCOMPARE(verified.exitCode, 0);
+    QCOMPARE(verified.json().value("frames").toInt(), 6);
+    QVERIFY2(verified.err.contains(
+                 "warning: crowded.h264: 6 frames hold 30 pictures, of which only the first in each"),
+             verified.err);
+    QCOMPARE(verified.json().value("warnings").toArray().size(), 1);
+}
+
+void tst_ExportCommand::unreadableRecordings_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("empty") << QByteArray("") << "the file is empty.";
+    QTest::newRow("text") << QByteArray("no video at all\n")
+                          << "this is no raw H.264 stream, since it does not begin with a start code.";
+    QTest::newRow("short") << QByteArray("\0\0\1", 3)
+                           << "this is no raw H.264 stream, since it does not begin with a start code.";
+    QTest::newRow("no SPS")
+        << QByteArray::fromHex("000000016188804000000001618880400000")
+        << "the picture size is unknown, since the stream holds no sequence parameter set.";
+    QTest::newRow("missing") << QByteArray() << "there is no such file.";
+}
+
+void tst_ExportCommand::unreadableRecordings()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, cause);
+    if (!bytes.isNull())
+        QVERIFY(fx_WriteFile(path("bad.h264"), bytes));
+    QByteArray const expected = "error: bad.h264: " + cause.toUtf8() + '\n';
+    for (QStringList const& arguments :
+         {QStringList{"info", "bad.h264"}, QStringList{"verify", "bad.h264"},
+          QStringList{"export", "bad.h264", "--frames", "0", "--hash", "md5"}}) {
+        SxMinihostRun const refused = run(arguments);
+        QCOMPARE(refused.exitCode, 1);
+        QCOMPARE(refused.err, expected);
+        QCOMPARE(refused.out, QByteArray());
+    }
+    QCOMPARE(run({"info", "."}).err, QByteArray("error: .: this is a folder.\n"));
+}
+
+void tst_ExportCommand::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("sentence");
+    QStringList const frame0{"export", "in.h264", "--frames", "0"};
+    QTest::newRow("info of nothing") << QStringList{"info"} << "No recording is given.";
+    QTest::newRow("verify of two") << QStringList{"verify", "a", "b"}
+                                   << "One recording at a time: 'b' is one too many.";
+    QTest::newRow("unknown option") << QStringList{"info", "--fast", "a"} << "Unknown option 'fast'.";
+    QTest::newRow("no frames") << QStringList{"export", "a", "-o", "a.png"}
+                               << "No --frames are given; --frames all takes every frame.";
+    QTest::newRow("wrong frames") << QStringList{"export", "a", "--frames", "x", "-o", "a.png"} << "not 'x'.";
+    QTest::newRow("no output") << frame0 << "No --output is given.";
+    QTest::newRow("no picture file") << frame0 + QStringList{"-o", "a.gif"}
+                                     << "'a.gif' must end in one of .png, .jpg, .jpeg, .ppm, .pnm.";
+    QTest::newRow("strange pattern") << frame0 + QStringList{"-o", "a_%s.png"}
+                                     << "'a_%s.png' has a percent sign";
+    QTest::newRow("stream to a picture")
+        << frame0 + QStringList{"-o", "a.png", "--stream", "bgra"} << "'a.png' is a picture's name";
+    QTest::newRow("stream under another's name")
+        << frame0 + QStringList{"-o", "a.y4m", "--stream", "bgra"} << "'a.y4m' must hold y4m";
+    QTest::newRow("stream and sheet")
+        << frame0 + QStringList{"-o", "a.raw", "--stream", "bgra", "--sheet", "2"}
+        << "--sheet makes one picture, so --stream has no place.";
+    QTest::newRow("unknown stream") << frame0 + QStringList{"-o", "-", "--stream", "avi"}
+                                    << "--stream takes one of y4m, bgra, rgb24, not 'avi'.";
+    QTest::newRow("unknown hash") << frame0 + QStringList{"--hash", "crc"} << "--hash takes md5, not 'crc'.";
+    QTest::newRow("hash and output") << frame0 + QStringList{"--hash", "md5", "-o", "a.png"}
+                                     << "so --output has no place.";
+    QTest::newRow("sheet of no column") << frame0 + QStringList{"-o", "a.png", "--sheet", "0"}
+                                        << "--sheet takes the pictures in a row, 1 to 100, not '0'.";
+    QTest::newRow("sheet to a pipe") << frame0 + QStringList{"-o", "-", "--sheet", "2"}
+                                     << "--sheet needs a file as --output.";
+    QTest::newRow("sheet with a number")
+        << frame0 + QStringList{"-o", "a_%d.png", "--sheet", "2"} << "A contact sheet is one picture";
+    QTest::newRow("two on standard output") << frame0 + QStringList{"-o", "-", "--json"}
+                                            << "--json and the pictures cannot both go to standard output.";
+    QTest::newRow("many into one file") << QStringList{"export", "in.h264", "--frames", "0-1", "-o", "a.png"}
+                                        << "'a.png' needs a place for the frame number";
+}
+
+void tst_ExportCommand::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, sentence);
+    SxMinihostRun const refused = fx_RunMinihost(arguments, QByteArray(), m_shared.path());
+    QCOMPARE(refused.exitCode, 2);
+    QVERIFY2(refused.err.contains(sentence.toUtf8()), refused.err);
+    QVERIFY2(refused.err.contains("See minihost " + arguments.first().toUtf8() + " --help."), refused.err);
+    QCOMPARE(refused.err.count('\n'), 1);
+    QCOMPARE(QDir(m_shared.path()).entryList(QDir::Files), QStringList{"in.h264"});
+}
+
+void tst_ExportCommand::missingFrameIsNamed()
+{
+    SxMinihostRun const refused = run({"export", m_recording, "--frames", "0,4711", "-o", "f_%d.png"});
+    QCOMPARE(refused.exitCode, 1);
+    QCOMPARE(refused.err,
+             "error: " + m_recording.toUtf8() + ": frame 4711: the recording has 30 frames, 0 to 29.\n");
+    QVERIFY(QDir(m_folder->path()).isEmpty());
+}
+
+void tst_ExportCommand::quietSaysNothing()
+{
+    for (QStringList const& arguments :
+         {QStringList{"verify", m_recording, "-q"},
+          QStringList{"export", m_recording, "--frames", "0", "-o", "f.png", "--quiet"}}) {
+        SxMinihostRun const quiet = run(arguments);
+        QCOMPARE(quiet.exitCode, 0);
+        QCOMPARE(quiet.out, QByteArray());
+        QCOMPARE(quiet.err, QByteArray());
+    }
+}
+
+void tst_ExportCommand::helpOfEveryCommand_data()
+{
+    QTest::addColumn<QString>("command");
+    for (char const* command : {"info", "export", "verify"})
+        QTest::newRow(command) << command;
+}
+
+void tst_ExportCommand::helpOfEveryCommand()
+{
+    QFETCH(QString, command);
+    SxMinihostRun const help = run({command, "--help"});
+    QCOMPARE(help.exitCode, 0);
+    QVERIFY(help.out.contains("Usage: minihost " + command.toUtf8() + ' '));
+    for (QByteArray const& line : help.out.split('\n'))
+        QVERIFY2(QString::fromUtf8(line).size() <= 100, line);
+    QVERIFY(run({"--help"}).out.contains("\n  " + command.toUtf8() + ' '));
+    QCOMPARE(run({"help", command}).out, help.out);
+}
+
+/// Memory of this process that is resident, in pages.
+static qint64 fx_ResidentPages() { return fx_FileBytes("/proc/self/statm").split(' ').value(1).toLongLong(); }
+
+void tst_ExportCommand::openingAThousandTimesLeavesMemoryFlat()
+{
+    CxPluginMessages const messages;
+    CxPluginHost host;
+    QString error;
+    QVERIFY2(host.load(PLUGIN_FILE, error), qPrintable(error));
+    qint64 after100 = 0;
+    for (int i = 0; i < 1000; ++i) {
+        CxRecordingReader recording;
+        QVERIFY2(recording.open(m_recording, error), qPrintable(error));
+        QCOMPARE(recording.frameCount(), kFrames);
+        QVERIFY2(recording.picture(i * 7 % kFrames, error), qPrintable(error));
+        QVERIFY2(recording.picture(i * 11 % kFrames, error), qPrintable(error));
+        if (i == 99)
+            after100 = fx_ResidentPages();
+    }
+    qint64 const after1000 = fx_ResidentPages();
+    QVERIFY(after100 > 0);
+    QVERIFY2(after1000 <= after100 * 11 / 10,
+             qPrintable(QStringLiteral("%1 pages, then %2").arg(after100).arg(after1000)));
+}
+
+QTEST_GUILESS_MAIN(tst_ExportCommand)
+#include "tst_ExportCommand.moc"

@@ -1,0 +1,655 @@
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <csignal>
+
+#include "PictureFormat.h"
+#include "TestCamera.h"
+#include "support/ConversionOracle.h"
+#include "support/FFmpegDecoder.h"
+#include "support/Minihost.h"
+#include "support/PictureFiles.h"
+
+/// The record command as its user meets it: the built program, real files, FFmpeg as the judge.
+class tst_RecordCommand : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void cameraInEveryFormat_data();
+    void cameraInEveryFormat();
+    void defaultsAreThoseOfTheHelp();
+    void encoderOptionsReachTheStream();
+    void oddPicturesAreScaledToEvenOnes();
+    void picturesLargerThanTheLevelAreScaled();
+    void keyFramesComeAtTheirRate();
+
+    void pictureFilesInTheOrderGiven();
+    void standardInput();
+    void picturesOnStandardInput();
+    void rawPicturesOnStandardInput();
+    void inputOptionsThatFitNothingAreNamed_data();
+    void inputOptionsThatFitNothingAreNamed();
+    void framesEndsARecordingEarly();
+    void picturesOfAnotherSizeEndTheRecording();
+    void unreadableSourceLeavesNoOutput_data();
+    void unreadableSourceLeavesNoOutput();
+    void tooSmallPicturesLeaveNoOutput();
+
+    void skippedPicturesAreReported();
+    void adviceAgainstSkippingHolds();
+    void adviceNamesTheLevelThatIsTooLow();
+    void bitsThatContradictThePicturesAreQuestioned_data();
+    void bitsThatContradictThePicturesAreQuestioned();
+
+    void existingFileNeedsOverwrite();
+    void ownSourceIsNeverReplaced_data();
+    void ownSourceIsNeverReplaced();
+    void missingFolderIsNamed();
+    void fullDiskFailsWithASummary();
+    void diskThatFillsUpKeepsWhatWasSaved();
+    void fullDiskLeavesNoEmptyFile();
+    void interruptKeepsWhatWasRecorded();
+    void interruptEndsTheWaitForData();
+    void pipeTakesARecording();
+
+    void jsonSummary();
+    void quietSaysNothing();
+    void verboseShowsTheRawMessage();
+    void memoryStaysFlat();
+
+private:
+    QString path(QString const& name) const { return m_folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+/// The test camera's pictures as the encoder sees them, by the oracle's conversion.
+static std::vector<std::vector<uchar>> fx_CameraPictures(QString const& format, int count)
+{
+    SxTestCameraOptions options;
+    options.width = 320;
+    options.height = 240;
+    options.frames = count;
+    options.format = *fx_TestCameraFormat(format);
+    CxTestCamera camera(options);
+    std::vector<std::vector<uchar>> pictures;
+    CxOwnedPicture picture;
+    while (camera.next(picture.get()) == IxPictureSource::Result::Picture) {
+        std::vector<uchar> planes(options.width * options.height * 3 / 2);
+        if (fx_OracleToIYUV(picture.get(), planes))
+            pictures.push_back(planes);
+    }
+    return pictures;
+}
+
+void tst_RecordCommand::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+void tst_RecordCommand::cameraInEveryFormat_data()
+{
+    QTest::addColumn<QString>("format");
+    for (QString const& format : fx_TestCameraFormats())
+        QTest::newRow(qPrintable(format)) << format;
+}
+
+void tst_RecordCommand::cameraInEveryFormat()
+{
+    QFETCH(QString, format);
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", path("out.h264"), "--size", "320x240", "--frames", "40", "--format", format});
+    QVERIFY2(run.exitCode == 0, run.err);
+
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    std::vector<std::vector<uchar>> const expected = fx_CameraPictures(format, 40);
+    QCOMPARE(expected.size(), size_t{40});
+    QCOMPARE(decoded.size(), expected.size());
+    for (size_t i = 0; i < decoded.size(); ++i) {
+        QCOMPARE(decoded[i].width, 320);
+        QCOMPARE(decoded[i].height, 240);
+        double const psnr = fx_Psnr(decoded[i].i420, expected[i]);
+        QVERIFY2(psnr >= 35, qPrintable(QStringLiteral("picture %1: %2 dB").arg(i).arg(psnr)));
+    }
+}
+
+void tst_RecordCommand::defaultsAreThoseOfTheHelp()
+{
+    // Low complexity only to save time.
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", path("out.h264"), "--json", "--complexity", "low"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.json().value("given").toInt(), 300);
+    QCOMPARE(run.json().value("skipped").toInt(-1), 0);
+    QJsonObject const info = fx_RunMinihost({"info", "--json", path("out.h264")}).json();
+    QCOMPARE(info.value("frames").toInt(), 300);
+    QCOMPARE(info.value("width").toInt(), 1280);
+    QCOMPARE(info.value("height").toInt(), 720);
+    QCOMPARE(info.value("keyFrames").toInt(), 60);
+    QCOMPARE(info.value("profile").toString(), QStringLiteral("baseline"));
+    QCOMPARE(info.value("level").toString(), QStringLiteral("5.2"));
+}
+
+/// profile_idc and level_idc of the first sequence parameter set, its bytes 1 and 3 behind the header.
+static std::pair<int, int> fx_ProfileAndLevel(QString const& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {-1, -1};
+    QByteArray const start = file.read(64);
+    int const sps = static_cast<int>(start.indexOf(QByteArray::fromHex("00000167")));
+    return sps < 0 ? std::make_pair(-1, -1)
+                   : std::make_pair(int{static_cast<uchar>(start[sps + 4])},
+                                    int{static_cast<uchar>(start[sps + 6])});
+}
+
+void tst_RecordCommand::encoderOptionsReachTheStream()
+{
+    QStringList const common{"record",   "camera:", "--size",      "320x240",
+                             "--frames", "20",      "--overwrite", path("out.h264")};
+    QCOMPARE(fx_RunMinihost(common).exitCode, 0);
+    QCOMPARE(fx_ProfileAndLevel(path("out.h264")), std::make_pair(66, 52));
+    qint64 const size = QFileInfo(path("out.h264")).size();
+
+    QCOMPARE(fx_RunMinihost(common + QStringList{"--profile", "high", "--level", "4.1"}).exitCode, 0);
+    QCOMPARE(fx_ProfileAndLevel(path("out.h264")), std::make_pair(100, 41));
+    QCOMPARE(fx_RunMinihost(common + QStringList{"--profile", "Main", "--level", "3.0"}).exitCode, 0);
+    QCOMPARE(fx_ProfileAndLevel(path("out.h264")), std::make_pair(77, 30));
+
+    SxMinihostRun const extended = fx_RunMinihost(common + QStringList{"--profile", "extended"});
+    QCOMPARE(fx_ProfileAndLevel(path("out.h264")), std::make_pair(66, 52));
+    QVERIFY2(extended.err.contains("the recording is Baseline"), extended.err);
+
+    QCOMPARE(fx_RunMinihost(common + QStringList{"--quality", "1"}).exitCode, 0);
+    QVERIFY(QFileInfo(path("out.h264")).size() < size);
+}
+
+void tst_RecordCommand::oddPicturesAreScaledToEvenOnes()
+{
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", path("out.h264"), "--size", "161x121", "--frames", "3", "--json"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(run.err.contains("scaled from 161 x 121 to 160 x 120: a recording's sides are even."), run.err);
+    QCOMPARE(run.json().value("width").toInt(), 160);
+    QCOMPARE(run.json().value("height").toInt(), 120);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{3});
+    QCOMPARE(decoded[0].width, 160);
+    QCOMPARE(decoded[0].height, 120);
+}
+
+void tst_RecordCommand::picturesLargerThanTheLevelAreScaled()
+{
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", path("out.h264"), "--size", "640x480", "--frames", "3", "--level", "2", "-q"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QVERIFY2(!decoded.empty(), qPrintable(error));
+    QCOMPARE(decoded[0].width, 352);
+    QCOMPARE(decoded[0].height, 264);
+}
+
+void tst_RecordCommand::keyFramesComeAtTheirRate()
+{
+    SxMinihostRun const run = fx_RunMinihost({"record", "camera:", path("out.h264"), "--size", "320x240",
+                                              "--frames", "22", "--keyframe-rate", "7"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{22});
+    for (size_t i = 0; i < decoded.size(); ++i)
+        QVERIFY2(decoded[i].isKeyFrame == (i % 7 == 0), qPrintable(QString::number(i)));
+}
+
+void tst_RecordCommand::pictureFilesInTheOrderGiven()
+{
+    // Grey levels tell the pictures apart; names that sort otherwise and look like patterns stay literal.
+    QStringList const names{"z.pgm", "a%02d.png", "b:1.pgm"};
+    QVector<int> const levels{40, 120, 200};
+    QVERIFY(fx_WriteFile(path(names[0]), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, char(40)))));
+    QVERIFY(fx_WriteFile(path(names[1]), fx_CodedPicture(AV_CODEC_ID_PNG, AV_PIX_FMT_GRAY8, 64, 48,
+                                                         QByteArray(64 * 48, char(120)))));
+    QVERIFY(fx_WriteFile(path(names[2]), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, char(200)))));
+    SxMinihostRun const run = fx_RunMinihost(QStringList{"record"} + names + QStringList{"out.h264"},
+                                             QByteArray(), m_folder->path());
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{3});
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(std::abs(decoded[static_cast<size_t>(i)].i420[0] - levels[i]) <= 3);
+}
+
+void tst_RecordCommand::standardInput()
+{
+    QByteArray const picture = QByteArray(64 * 48, char(90)) + QByteArray(64 * 48 / 2, char(128));
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "-", path("out.h264")}, fx_Y4mFile(64, 48, "420jpeg", picture, 9));
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{9});
+}
+
+void tst_RecordCommand::picturesOnStandardInput()
+{
+    QByteArray const picture = fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, char(90)));
+    SxMinihostRun const run = fx_RunMinihost({"record", "-", path("out.h264")}, picture.repeated(7));
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{7});
+}
+
+void tst_RecordCommand::rawPicturesOnStandardInput()
+{
+    QByteArray const picture = QByteArray::fromHex("20406000").repeated(64 * 48);
+    QStringList const options{"--input-format",   "rawvideo",       "--input-option",
+                              "video_size=64x48", "--input-option", "pixel_format=bgr0"};
+    SxMinihostRun const run = fx_RunMinihost(
+        QStringList{"record"} + options + QStringList{"-", path("out.h264")}, picture.repeated(5));
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{5});
+    QVERIFY(qAbs(decoded[4].i420[64 * 20] - 70) <= 2); // 0.114 * 32 + 0.587 * 64 + 0.299 * 96
+}
+
+void tst_RecordCommand::inputOptionsThatFitNothingAreNamed_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("sentence");
+    QStringList const raw{"--input-format", "rawvideo", "--input-option"};
+    QTest::newRow("unknown option") << raw + QStringList{"video_size=64x48", "--input-option", "colour=red"}
+                                    << QByteArray("reader 'rawvideo' has no option 'colour'");
+    QTest::newRow("missing size") << raw + QStringList{"pixel_format=bgra"}
+                                  << QByteArray("reader 'rawvideo' refuses these options or needs more");
+    QTest::newRow("unknown pixel format")
+        << raw + QStringList{"video_size=64x48", "--input-option", "pixel_format=rainbow"}
+        << QByteArray("reader 'rawvideo' refuses these options");
+}
+
+void tst_RecordCommand::inputOptionsThatFitNothingAreNamed()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, sentence);
+    SxMinihostRun const run = fx_RunMinihost(
+        QStringList{"record"} + options + QStringList{"-", path("out.h264")}, QByteArray(64 * 48 * 4, 'a'));
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(sentence), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+void tst_RecordCommand::framesEndsARecordingEarly()
+{
+    QByteArray const picture = QByteArray(64 * 48, char(90)) + QByteArray(64 * 48 / 2, char(128));
+    QVERIFY(fx_WriteFile(path("in.y4m"), fx_Y4mFile(64, 48, "420jpeg", picture, 9)));
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", path("in.y4m"), path("out.h264"), "--frames", "4", "--json"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.json().value("given").toInt(), 4);
+    QCOMPARE(run.json().value("stopped").toBool(true), false);
+}
+
+void tst_RecordCommand::picturesOfAnotherSizeEndTheRecording()
+{
+    QVERIFY(fx_WriteFile(path("a.pgm"), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, 'a'))));
+    QVERIFY(fx_WriteFile(path("b.pgm"), fx_PnmFile(48, 64, 1, 255, QByteArray(64 * 48, 'a'))));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("a.pgm"), path("b.pgm"), path("out.h264")});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains("Picture 1 has 48 x 64 pixels, those before it 64 x 48"), run.err);
+    QString error;
+    QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{1});
+}
+
+void tst_RecordCommand::unreadableSourceLeavesNoOutput_data()
+{
+    QTest::addColumn<QByteArray>("content"); // null: no such file
+    QTest::addColumn<QByteArray>("cause");
+
+    QTest::newRow("missing") << QByteArray() << QByteArray("there is no such file");
+    QTest::newRow("empty") << QByteArray("") << QByteArray("no picture");
+    QTest::newRow("text") << QByteArray("Dear diary,\n").repeated(50) << QByteArray("no picture");
+    QTest::newRow("broken picture") << fx_PnmFile(64, 48, 1, 255, QByteArray()) << QByteArray("no picture");
+}
+
+void tst_RecordCommand::unreadableSourceLeavesNoOutput()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, cause);
+    if (!content.isNull())
+        QVERIFY(fx_WriteFile(path("in.pgm"), content));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("in.pgm"), path("out.h264")});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains("in.pgm") && run.err.contains(cause), run.err);
+    QCOMPARE(run.err.count('\n'), 1);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+void tst_RecordCommand::tooSmallPicturesLeaveNoOutput()
+{
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_PnmFile(15, 40, 1, 255, QByteArray(15 * 40, 'a'))));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("in.pgm"), path("out.h264")});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains("15 x 40 are too small"), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+
+    // So flat that the level leaves no height.
+    SxMinihostRun const flat =
+        fx_RunMinihost({"record", "camera:", path("out.h264"), "--size", "3000x40", "--level", "1"});
+    QCOMPARE(flat.exitCode, 1);
+    QVERIFY2(flat.err.contains("3000 x 40 would be saved as "), flat.err);
+}
+
+void tst_RecordCommand::skippedPicturesAreReported()
+{
+    QVERIFY(fx_WriteFile(path("in.y4m"), fx_NoiseY4mFile(160, 120, 30)));
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", path("in.y4m"), path("out.h264"), "--quality", "1", "--json"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QJsonObject const json = run.json();
+    QJsonArray const skipped = json.value("skippedPictures").toArray();
+    QCOMPARE(json.value("given").toInt(), 30);
+    QVERIFY(skipped.size() > 0);
+    QCOMPARE(json.value("skipped").toInt(), skipped.size());
+    QCOMPARE(json.value("coded").toInt(), 30 - skipped.size());
+    QCOMPARE(json.value("bytes").toDouble(), double(QFileInfo(path("out.h264")).size()));
+    int previous = 0; // the first picture is always coded
+    for (QJsonValue const& number : skipped) {
+        QVERIFY(number.toInt() > previous && number.toInt() < 30);
+        previous = number.toInt();
+    }
+    QVERIFY2(run.err.contains(QByteArray("warning: the encoder begins to skip pictures, at picture ") +
+                              QByteArray::number(skipped[0].toInt())),
+             run.err);
+    QVERIFY2(run.err.contains(QByteArray::number(skipped.size()) + " of 30 pictures"), run.err);
+    QString error;
+    QCOMPARE(static_cast<int>(fx_DecodeH264File(path("out.h264"), error).size()), 30 - skipped.size());
+}
+
+void tst_RecordCommand::adviceAgainstSkippingHolds()
+{
+    QStringList const common{"record",   "camera:", path("out.h264"), "--size", "64x48",
+                             "--frames", "60",      "--overwrite",    "--json"};
+    SxMinihostRun const run = fx_RunMinihost(common + QStringList{"--quality", "2"});
+    QVERIFY(run.json().value("skipped").toInt() > 0);
+    QRegularExpressionMatch const advice =
+        QRegularExpression("--quality (\\d+) probably keeps them all").match(QString::fromUtf8(run.err));
+    QVERIFY2(advice.hasMatch(), run.err);
+    SxMinihostRun const better = fx_RunMinihost(common + QStringList{"--quality", advice.captured(1)});
+    QCOMPARE(better.json().value("skipped").toInt(-1), 0);
+    QVERIFY2(!better.err.contains("warning"), better.err);
+}
+
+void tst_RecordCommand::adviceNamesTheLevelThatIsTooLow()
+{
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", path("out.h264"), "--size", "128x96", "--frames", "60", "--level", "1"});
+    QVERIFY2(run.err.contains("level 1 allows no more, a higher --level does."), run.err);
+}
+
+void tst_RecordCommand::bitsThatContradictThePicturesAreQuestioned_data()
+{
+    QTest::addColumn<int>("highest");
+    QTest::addColumn<QString>("bits");
+    QTest::addColumn<QByteArray>("question"); // empty: none expected
+
+    QTest::newRow("12 bits in words")
+        << 4095 << "" << QByteArray("highest value seen 4095: did you mean --bits 12?");
+    QTest::newRow("10 bits in words")
+        << 1000 << "" << QByteArray("highest value seen 1000: did you mean --bits 10?");
+    QTest::newRow("16 bits") << 65535 << "" << QByteArray();
+    QTest::newRow("12 bits, said so") << 4095 << "12" << QByteArray();
+    QTest::newRow("more than said") << 16383 << "12"
+                                    << QByteArray("highest value seen 16383: did you mean --bits 14?");
+    QTest::newRow("black") << 0 << "" << QByteArray();
+}
+
+void tst_RecordCommand::bitsThatContradictThePicturesAreQuestioned()
+{
+    QFETCH(int, highest);
+    QFETCH(QString, bits);
+    QFETCH(QByteArray, question);
+    QByteArray samples;
+    for (int i = 0; i < 64 * 48; ++i) {
+        int const value = highest * (i % 64) / 63;
+        samples += static_cast<char>(value >> 8);
+        samples += static_cast<char>(value & 0xFF);
+    }
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_PnmFile(64, 48, 1, 65535, samples)));
+    QStringList arguments{"record", path("in.pgm"), path("out.h264"), "-q"};
+    if (!bits.isEmpty())
+        arguments += {"--bits", bits};
+    SxMinihostRun const run = fx_RunMinihost(arguments);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.err, question.isEmpty() ? QByteArray() : "warning: " + question + '\n');
+
+    if (bits == QLatin1String("12") && highest == 4095) { // the brightest column is white
+        QString error;
+        std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+        QCOMPARE(decoded.size(), size_t{1});
+        QVERIFY(decoded[0].i420[63] > 245);
+    }
+}
+
+void tst_RecordCommand::existingFileNeedsOverwrite()
+{
+    QByteArray const precious("precious");
+    QVERIFY(fx_WriteFile(path("out.h264"), precious));
+    QStringList const arguments{"record", "camera:", path("out.h264"), "--size", "64x48", "--frames", "2"};
+    SxMinihostRun const refused = fx_RunMinihost(arguments);
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.err.contains("out.h264: the file exists; --overwrite replaces it."), refused.err);
+    QCOMPARE(QFileInfo(path("out.h264")).size(), qint64{precious.size()});
+
+    QCOMPARE(fx_RunMinihost(arguments + QStringList{"--overwrite"}).exitCode, 0);
+    QString error;
+    QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{2});
+}
+
+void tst_RecordCommand::ownSourceIsNeverReplaced_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::newRow("same name") << "in.h264";
+    QTest::newRow("other way to write it") << "../%1/./in.h264";
+    QTest::newRow("symbolic link") << "soft.h264";
+    QTest::newRow("hard link") << "hard.h264";
+    QTest::newRow("with its protocol") << "file:";
+}
+
+void tst_RecordCommand::ownSourceIsNeverReplaced()
+{
+    QFETCH(QString, output);
+    QCOMPARE(
+        fx_RunMinihost({"record", "camera:", path("in.h264"), "--size", "64x48", "--frames", "2"}).exitCode,
+        0);
+    qint64 const size = QFileInfo(path("in.h264")).size();
+    QVERIFY(QFile::link(path("in.h264"), path("soft.h264")));
+    QCOMPARE(::link(qPrintable(path("in.h264")), qPrintable(path("hard.h264"))), 0);
+
+    QString const protocol = output == "file:" ? output : QString();
+    if (!protocol.isEmpty())
+        output = "in.h264";
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", protocol + path("in.h264"),
+         path(output.contains('%') ? output.arg(QFileInfo(m_folder->path()).fileName()) : output),
+         "--overwrite"});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains("would replace its own source"), run.err);
+    QCOMPARE(QFileInfo(path("in.h264")).size(), size);
+}
+
+void tst_RecordCommand::missingFolderIsNamed()
+{
+    SxMinihostRun const run = fx_RunMinihost({"record", "camera:", path("nowhere/out.h264")});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains("there is no folder") && run.err.contains("nowhere"), run.err);
+}
+
+void tst_RecordCommand::fullDiskFailsWithASummary()
+{
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", "/dev/full", "--size", "320x240", "--frames", "5", "--json"});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(
+                 "error: /dev/full: Error when writing encoded frame to file (No space left on device)."),
+             run.err);
+    QVERIFY2(run.err.contains("/dev/full: "), run.err);
+    QVERIFY(run.json().value("error").toString().contains("Error when writing encoded frame to file"));
+    QVERIFY(run.json().value("given").toInt() >= 1);
+    QVERIFY(QFile::exists("/dev/full"));
+}
+
+/// Starts minihost where no file can grow beyond \p blocks of 512 bytes: stands in for a full disk.
+static void fx_StartWithLimit(QProcess& process, int blocks, QStringList const& arguments)
+{
+    QString const script = QStringLiteral("trap '' XFSZ; ulimit -f %1; exec \"$@\"").arg(blocks);
+    process.start("/bin/sh", QStringList{"-c", script, "sh", fx_MinihostProgram()} + arguments);
+}
+
+void tst_RecordCommand::fullDiskLeavesNoEmptyFile()
+{
+    QStringList const arguments{"record", "camera:", path("out.h264"), "--size", "320x240", "--overwrite"};
+    QProcess process;
+    fx_StartWithLimit(process, 0, arguments);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(!QFile::exists(path("out.h264")));
+
+    // A file that was there stays there, whatever became of its content.
+    QVERIFY(fx_WriteFile(path("out.h264"), "old"));
+    fx_StartWithLimit(process, 0, arguments);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(QFile::exists(path("out.h264")));
+}
+
+void tst_RecordCommand::diskThatFillsUpKeepsWhatWasSaved()
+{
+    QProcess process;
+    fx_StartWithLimit(process, 200, {"record", "camera:", path("out.h264"), "--size", "320x240", "--json"});
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitCode(), 1);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.contains("Error when writing encoded frame to file"), err);
+    QJsonObject const json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    QCOMPARE(json.value("bytes").toInt(), int(QFileInfo(path("out.h264")).size()));
+    int const coded = json.value("coded").toInt();
+    QVERIFY(coded > 5 && coded < json.value("given").toInt());
+    // What is there plays; the picture that was cut off at the end may count as one more.
+    QProcess player;
+    player.start("ffprobe", {"-v", "quiet", "-count_packets", "-show_entries", "stream=nb_read_packets",
+                             "-of", "csv=p=0", path("out.h264")});
+    QVERIFY(player.waitForFinished(-1));
+    int const packets = player.readAllStandardOutput().trimmed().toInt();
+    QVERIFY2(packets == coded || packets == coded + 1,
+             qPrintable(QStringLiteral("%1 of %2").arg(packets).arg(coded)));
+}
+
+void tst_RecordCommand::interruptKeepsWhatWasRecorded()
+{
+    QProcess process;
+    process.start(fx_MinihostProgram(), {"record", "camera:", path("out.h264"), "--frames", "0", "--json"});
+    QVERIFY(process.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path("out.h264")).size() > 100000, 60000);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QJsonObject const json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    QCOMPARE(json.value("stopped").toBool(), true);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    QCOMPARE(static_cast<int>(decoded.size()), json.value("coded").toInt());
+}
+
+void tst_RecordCommand::interruptEndsTheWaitForData()
+{
+    QProcess process; // its standard input stays open and empty behind three pictures
+    process.start(fx_MinihostProgram(), {"record", "-", path("out.h264"), "-q"});
+    QVERIFY(process.waitForStarted());
+    QByteArray const picture = QByteArray(640 * 480, char(90)) + QByteArray(640 * 480 / 2, char(128));
+    process.write(fx_Y4mFile(640, 480, "420jpeg", picture, 3));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path("out.h264")), 60000); // the first was read
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QString error;
+    QVERIFY2(!fx_DecodeH264File(path("out.h264"), error).empty(), qPrintable(error));
+}
+
+void tst_RecordCommand::pipeTakesARecording()
+{
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", "/dev/stdout", "--size", "320x240", "--frames", "12"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(run.err.contains("its size and the skipped pictures are unknown"), run.err);
+    QVERIFY(fx_WriteFile(path("copy.h264"), run.out));
+    QString error;
+    QCOMPARE(fx_DecodeH264File(path("copy.h264"), error).size(), size_t{12});
+}
+
+void tst_RecordCommand::jsonSummary()
+{
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", path("out.h264"), "--size", "320x240", "--frames", "30", "--json"});
+    QJsonObject const json = run.json();
+    QCOMPARE(json.value("output").toString(), path("out.h264"));
+    QCOMPARE(json.value("width").toInt(), 320);
+    QCOMPARE(json.value("height").toInt(), 240);
+    QCOMPARE(json.value("given").toInt(), 30);
+    QCOMPARE(json.value("coded").toInt(), 30);
+    QCOMPARE(json.value("skippedPictures").toArray(), QJsonArray());
+    double const bytes = double(QFileInfo(path("out.h264")).size());
+    QCOMPARE(json.value("bytes").toDouble(), bytes);
+    QCOMPARE(json.value("meanBitRate").toDouble(), bytes * 8); // 30 pictures are one second
+    QVERIFY(json.value("encodingMsPerPicture").toDouble() > 0);
+    QVERIFY(json.value("msPerPicture").toDouble() >= json.value("encodingMsPerPicture").toDouble());
+    QVERIFY(json.value("error").isNull());
+    QCOMPARE(json.value("warnings").toArray(), QJsonArray());
+    // The summary for people is on standard error, and no progress line where nobody watches.
+    QVERIFY2(run.err.contains("30 coded, 0 skipped"), run.err);
+    QVERIFY(!run.err.contains('\r'));
+}
+
+void tst_RecordCommand::quietSaysNothing()
+{
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", path("out.h264"), "--size", "320x240", "--frames", "3", "-q"});
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QByteArray());
+    QCOMPARE(run.err, QByteArray());
+}
+
+void tst_RecordCommand::verboseShowsTheRawMessage()
+{
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", "/dev/full", "--size", "320x240", "--frames", "5", "--verbose"});
+    QVERIFY2(run.err.contains("\"CxH264VideoSaver::save(): Error when writing encoded frame to file.\""),
+             run.err);
+}
+
+void tst_RecordCommand::memoryStaysFlat()
+{
+    QStringList const common{"record", "camera:",     path("out.h264"), "--size", "160x120",
+                             "-q",     "--overwrite", "--quality",      "10"};
+    long const after100 = fx_MinihostPeakKb(common + QStringList{"--frames", "100"});
+    long const after1000 = fx_MinihostPeakKb(common + QStringList{"--frames", "1000"});
+    QVERIFY(after100 > 0 && after1000 > 0);
+    QVERIFY2(after1000 <= after100 * 11 / 10,
+             qPrintable(QStringLiteral("%1 kB, then %2").arg(after100).arg(after1000)));
+}
+
+QTEST_GUILESS_MAIN(tst_RecordCommand)
+#include "tst_RecordCommand.moc"

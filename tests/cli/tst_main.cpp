@@ -1,0 +1,210 @@
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "support/Minihost.h"
+
+/// minihost's command line: help, version, and every mistake told in one sentence with exit code 2.
+class tst_main : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void helpAndVersion_data();
+    void helpAndVersion();
+    void wrongUsage_data();
+    void wrongUsage();
+    void wrongUsageTouchesNothing();
+    void pluginIsLookedFor_data();
+    void pluginIsLookedFor();
+    void pluginPathFromTheEnvironment();
+    void fileNamesWithoutALocale();
+};
+
+void tst_main::helpAndVersion_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("start");
+
+    QTest::newRow("--version") << QStringList{"--version"} << QByteArray("minihost 1.");
+    QTest::newRow("--help") << QStringList{"--help"} << QByteArray("Runs the H.264 codec plug-in");
+    QTest::newRow("-h") << QStringList{"-h"} << QByteArray("Runs the H.264 codec plug-in");
+    QTest::newRow("help") << QStringList{"help"} << QByteArray("Runs the H.264 codec plug-in");
+    QTest::newRow("record --help") << QStringList{"record", "--help"} << QByteArray("Records pictures");
+    QTest::newRow("record -h") << QStringList{"record", "-h"} << QByteArray("Records pictures");
+    QTest::newRow("help record") << QStringList{"help", "record"} << QByteArray("Records pictures");
+}
+
+void tst_main::helpAndVersion()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, start);
+    SxMinihostRun const run = fx_RunMinihost(arguments);
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY2(run.out.startsWith(start), run.out);
+    QCOMPARE(run.err, QByteArray());
+    // Examples come before the usage line.
+    if (run.out.contains("Usage:"))
+        QVERIFY(run.out.indexOf("  minihost record camera:") < run.out.indexOf("Usage:"));
+    for (QByteArray const& line : run.out.split('\n'))
+        QVERIFY2(line.size() <= 90, line);
+}
+
+void tst_main::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("sentence");
+    QStringList const record{"record", "camera:", "out.h264"};
+
+    QTest::newRow("no command") << QStringList{} << QByteArray("No command is given.");
+    QTest::newRow("unknown command") << QStringList{"recrod"} << QByteArray("There is no command 'recrod'.");
+    QTest::newRow("nothing to record")
+        << QStringList{"record"} << QByteArray("Neither a source nor an output");
+    QTest::newRow("no output") << QStringList{"record", "camera:"}
+                               << QByteArray("'camera:' alone is not enough");
+    QTest::newRow("forgotten output")
+        << QStringList{"record", "a.png", "b.png"}
+        << QByteArray("'b.png' cannot be the output: its name must end in .h264.");
+    QTest::newRow("folder as output")
+        << QStringList{"record", "camera:", "/tmp"} << QByteArray("'/tmp' cannot be the output");
+    QTest::newRow("empty source") << QStringList{"record", "", "out.h264"}
+                                  << QByteArray("A source has no name.");
+    QTest::newRow("camera among files") << QStringList{"record", "camera:", "a.png", "out.h264"}
+                                        << QByteArray("camera: cannot be mixed with other sources.");
+    QTest::newRow("standard input twice") << QStringList{"record", "-", "-", "out.h264"}
+                                          << QByteArray("Standard input (-) can be read only once");
+    QTest::newRow("unknown option") << record + QStringList{"--fast"} << QByteArray("Unknown option 'fast'.");
+    QTest::newRow("missing value") << record + QStringList{"--quality"}
+                                   << QByteArray("Missing value after '--quality'.");
+    QTest::newRow("unknown reader") << QStringList{"record", "-", "out.h264", "--input-format", "rawvdieo"}
+                                    << QByteArray("--input-format takes the name of a reader");
+    QTest::newRow("reader for the camera") << record + QStringList{"--input-format", "rawvideo"}
+                                           << QByteArray("--input-format is not for camera:");
+    QTest::newRow("option without a value")
+        << QStringList{"record", "-", "out.h264", "--input-option", "video_size"}
+        << QByteArray("--input-option takes NAME=VALUE");
+    QTest::newRow("size for a file") << QStringList{"record", "a.png", "out.h264", "--size", "64x48"}
+                                     << QByteArray("--size is only for camera:, not for 'a.png'.");
+    QTest::newRow("seed for a file") << QStringList{"record", "a.png", "out.h264", "--seed", "2"}
+                                     << QByteArray("--seed is only for camera:");
+    QTest::newRow("format for a file") << QStringList{"record", "a.png", "out.h264", "--format", "mono8"}
+                                       << QByteArray("--format is only for camera:");
+    QTest::newRow("bits for the camera")
+        << record + QStringList{"--bits", "12"} << QByteArray("--bits is not for camera:");
+
+    struct SxBadValue
+    {
+        char const* option;
+        QStringList values;
+        char const* expected;
+    };
+    QVector<SxBadValue> const bad{
+        {"quality", {"0", "11", "-1", "5.5", "best", ""}, "a whole number from 1 to 10"},
+        {"keyframe-rate", {"0", "101", "x"}, "a whole number from 1 to 100"},
+        {"complexity", {"3", "highest"}, "one of low, medium, high"},
+        {"profile", {"66", "ultra"}, "one of baseline, main,"},
+        {"level", {"0", "1c", "4.3", "6", "52"}, "one of 1, 1b, 1.1,"},
+        {"size",
+         {"64", "15x64", "64x8193", "64*48", "64x48x3", "-64x48"},
+         "WIDTHxHEIGHT, each from 16 to 8192"},
+        {"frames", {"-1", "many"}, "a whole number from 0"},
+        {"seed", {"-1", "x"}, "a whole number from 0"},
+        {"format", {"rgb24", "MONO8"}, "one of mono8, mono10,"},
+        {"bits", {"7", "17", "x"}, "a whole number from 8 to 16"},
+    };
+    for (SxBadValue const& entry : bad) {
+        for (QString const& value : entry.values) {
+            QString const option = QStringLiteral("--%1").arg(QLatin1String(entry.option));
+            QTest::newRow(qPrintable(option + '=' + value))
+                << record + QStringList{option + '=' + value}
+                << QStringLiteral("%1 takes %2").arg(option, QLatin1String(entry.expected)).toUtf8();
+        }
+    }
+}
+
+void tst_main::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, sentence);
+    QTemporaryDir folder;
+    SxMinihostRun const run = fx_RunMinihost(arguments, QByteArray(), folder.path());
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY2(run.err.startsWith("error: " + sentence), run.err);
+    QCOMPARE(run.err.count('\n'), 1);
+    QVERIFY(run.err.endsWith("--help.\n"));
+    QCOMPARE(run.out, QByteArray());
+}
+
+void tst_main::wrongUsageTouchesNothing()
+{
+    QTemporaryDir folder;
+    QCOMPARE(fx_RunMinihost({"record", "camera:", "out.h264", "--level", "9"}, QByteArray(), folder.path())
+                 .exitCode,
+             2);
+    QVERIFY(!QFile::exists(folder.filePath("out.h264")));
+}
+
+void tst_main::pluginIsLookedFor_data()
+{
+    QTest::addColumn<QString>("pluginPath");
+    QTest::addColumn<QByteArray>("cause");
+    QTest::newRow("missing") << "/no/such/plugin.so"
+                             << QByteArray("/no/such/plugin.so: there is no such plug-in");
+    QTest::newRow("empty folder") << QStringLiteral("%1")
+                                  << QByteArray("the folder holds no plug-in (libtvp*.so).");
+    QTest::newRow("no library") << QStringLiteral("%1/text.so")
+                                << QByteArray("the plug-in cannot be loaded: ");
+    QTest::newRow("no plug-in") << QStringLiteral(CORE_LIBRARY)
+                                << QByteArray("the plug-in cannot be loaded: ");
+}
+
+void tst_main::pluginIsLookedFor()
+{
+    QFETCH(QString, pluginPath);
+    QFETCH(QByteArray, cause);
+    QTemporaryDir folder;
+    QFile text(folder.filePath("text.so"));
+    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no library") > 0);
+    text.close();
+    QString const place = pluginPath.contains('%') ? pluginPath.arg(folder.path()) : pluginPath;
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "camera:", folder.filePath("out.h264"), "--plugin-path", place});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.startsWith("error: ") && run.err.contains(cause), run.err);
+    QVERIFY(!QFile::exists(folder.filePath("out.h264")));
+}
+
+void tst_main::fileNamesWithoutALocale()
+{
+    QString const name = QStringLiteral("/no/such/gr\u00FC\u00DFe.h264");
+    SxMinihostRun const expected = fx_RunMinihost({"info", name});
+    QVERIFY2(expected.err.contains(name.toUtf8()), expected.err);
+    QByteArray const locale = qgetenv("LC_ALL");
+    QVERIFY(qputenv("LC_ALL", "C"));
+    SxMinihostRun const named = fx_RunMinihost({"info", name});
+    QVERIFY(qunsetenv("LC_ALL"));
+    QVERIFY(qputenv("LC_CTYPE", "C"));
+    SxMinihostRun const unnamed = fx_RunMinihost({"info", name});
+    qunsetenv("LC_CTYPE");
+    qputenv("LC_ALL", locale);
+    QCOMPARE(named.err, expected.err);
+    QCOMPARE(unnamed.err, expected.err);
+}
+
+void tst_main::pluginPathFromTheEnvironment()
+{
+    QTemporaryDir folder;
+    QStringList const arguments{"record",   "camera:", folder.filePath("out.h264"), "--size", "64x48",
+                                "--frames", "1"};
+    QVERIFY(qputenv("MINIHOST_PLUGIN_PATH", "/no/such/folder"));
+    SxMinihostRun const misled = fx_RunMinihost(arguments);
+    // The option goes first.
+    SxMinihostRun const led = fx_RunMinihost(arguments + QStringList{"--plugin-path", PLUGIN_FILE});
+    qunsetenv("MINIHOST_PLUGIN_PATH");
+    QCOMPARE(misled.exitCode, 1);
+    QVERIFY2(misled.err.contains("/no/such/folder"), misled.err);
+    QVERIFY2(led.exitCode == 0, led.err);
+}
+
+QTEST_GUILESS_MAIN(tst_main)
+#include "tst_main.moc"

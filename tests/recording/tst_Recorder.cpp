@@ -1,0 +1,175 @@
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "ClassRegistry.h"
+#include "CxPlugin.h"
+#include "CxRTTI.h"
+#include "IxImageDataSaver.h"
+#include "IxVideoEncoder.h"
+#include "PictureFormat.h"
+#include "PluginMessages.h"
+#include "Recorder.h"
+#include "TestCamera.h"
+
+/// What the doubles below were asked for, and how they are to answer.
+struct SxScript
+{
+    bool encodes = true;
+    quint32 height = 0;     ///< of the pictures that the encoder asks for; 0: as they come
+    QList<QSize> tried;     ///< sizes of the pictures given to encoders that are not the saver's
+    qint64 sizeAtOpen = -1; ///< of the file that the saver replaced
+};
+static SxScript s_script;
+
+/// An encoder that takes or refuses pictures as told.
+class CxScriptedEncoder : public QObject, public IxVideoEncoder
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE CxScriptedEncoder() {}
+    QString name() override { return QStringLiteral("scripted"); }
+    unsigned int fourCC() override { return kFourCCH264; }
+    bool encode(SxPicBuf const& picture, void* buffer, unsigned long& size, bool*) override
+    {
+        s_script.tried.append(QSize(static_cast<int>(picture.width), static_cast<int>(picture.height)));
+        if (!s_script.encodes)
+            qCritical() << "0x7f"
+                        << "Encoder.cpp"
+                        << "L" << 1 << ":"
+                        << "" << QString("CxE::encode(): Full.");
+        memset(buffer, 0, size); // as large as promised
+        return s_script.encodes;
+    }
+    unsigned long maxEncodedSize(SxPicBufInfo const& format) override { return format.width; }
+    void queryOuputFormat(SxPicBufInfo const& input, SxPicBufInfo& output) override
+    {
+        output = input;
+        if (s_script.height != 0)
+            output.height = s_script.height;
+    }
+    void setEncoderOptions(QMap<QString, QVariant> const&) override {}
+    QWidget* widgetForSaveDlg(QWidget*) override { return nullptr; }
+    QMap<QString, QVariant> optionsFromWidgetInSaveDlg(QWidget*) override { return {}; }
+};
+
+/// A saver that, like the plug-in's, empties its file before it looks at the first picture.
+class CxScriptedSaver : public QObject, public IxImageDataSaver
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE CxScriptedSaver()
+        : m_file(new QFile(this))
+    {}
+    void setSequenceSize(int) override {}
+    bool save(IxChainData const*, int) override
+    {
+        if (!m_file->isOpen()) {
+            s_script.sizeAtOpen = m_file->size();
+            m_file->open(QIODevice::WriteOnly);
+        }
+        return m_file->write("picture") == 7;
+    }
+    QList<CxImageFormat> supportedImageFormats() override { return {}; }
+    void setOutputFile(QString const& fileName) override { m_file->setFileName(fileName); }
+    bool querySavedImageFormat(SxPicBufInfo const& input, SxPicBufInfo& output) override
+    {
+        CxScriptedEncoder().queryOuputFormat(input, output);
+        return true;
+    }
+    void setSaverOptions(QMap<QString, QVariant> const&) override {}
+    QWidget* widgetForSaveDlg(QWidget*) override { return nullptr; }
+    QMap<QString, QVariant> optionsFromWidgetInSaveDlg(QWidget*) override { return {}; }
+    QMap<QString, QVariant> codecOptionsFromWigetInSaveDlg(QWidget*, unsigned int&) override { return {}; }
+
+private:
+    QFile* m_file;
+};
+
+/// What a recording does to a file that is there already.
+class tst_Recorder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void refusedFirstPictureKeepsTheOldFile();
+    void trialHasTheSizeThatIsSaved();
+    void newFileNeedsNoTrial();
+
+private:
+    SxRecordSummary record();
+    QString path() const { return m_folder->filePath(QStringLiteral("out.h264")); }
+    void writeOldFile();
+
+    CxPlugin m_plugin;
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void tst_Recorder::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    QVERIFY(m_folder->isValid());
+    s_script = SxScript();
+    QVERIFY(
+        CxRTTI::instance()->registerClass(&m_plugin, CxScriptedEncoder::staticMetaObject, "IxVideoEncoder"));
+    QVERIFY(
+        CxRTTI::instance()->registerClass(&m_plugin, CxScriptedSaver::staticMetaObject, "IxImageDataSaver"));
+}
+
+void tst_Recorder::cleanup() { fx_UnregisterClasses(&m_plugin); }
+
+SxRecordSummary tst_Recorder::record()
+{
+    SxTestCameraOptions options;
+    options.width = 64;
+    options.height = 48;
+    options.frames = 3;
+    CxTestCamera camera(options);
+    SxRecordRequest request;
+    request.outputFile = path();
+    CxPluginMessages const messages;
+    return fx_Record(camera, request);
+}
+
+void tst_Recorder::writeOldFile()
+{
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write("yesterday"), qint64{9});
+}
+
+void tst_Recorder::refusedFirstPictureKeepsTheOldFile()
+{
+    writeOldFile();
+    s_script.encodes = false;
+    SxRecordSummary const summary = record();
+    QCOMPARE(summary.error, path() + ": Full. The file that was there is untouched.");
+    QCOMPARE(summary.given, 0);
+    QCOMPARE(QFile(path()).size(), qint64{9});
+    QCOMPARE(s_script.sizeAtOpen, qint64{-1});
+}
+
+void tst_Recorder::trialHasTheSizeThatIsSaved()
+{
+    writeOldFile();
+    s_script.height = 32;
+    SxRecordSummary const summary = record();
+    QCOMPARE(summary.error, QString());
+    QCOMPARE(summary.coded, 3);
+    QCOMPARE(s_script.tried, QList<QSize>{QSize(64, 32)});
+    QCOMPARE(s_script.sizeAtOpen, qint64{9});
+    QCOMPARE(QFile(path()).size(), qint64{21});
+}
+
+void tst_Recorder::newFileNeedsNoTrial()
+{
+    QCOMPARE(record().coded, 3);
+    QVERIFY(s_script.tried.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_Recorder)
+#include "tst_Recorder.moc"

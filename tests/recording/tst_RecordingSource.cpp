@@ -1,0 +1,60 @@
+#include <QTest>
+
+#include "PictureFormat.h"
+#include "RecordingSource.h"
+#include "support/FakeLoader.h"
+#include "support/ViewerFixture.h"
+
+class tst_RecordingSource : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void givesPartOfRecording();
+    void endsAtBrokenPicture();
+
+private:
+    std::unique_ptr<CxViewerFixture> m_fixture;
+    QString m_recording;
+};
+
+void tst_RecordingSource::initTestCase()
+{
+    m_fixture = std::make_unique<CxViewerFixture>();
+    QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
+    m_recording = m_fixture->record(QStringLiteral("clip.h264"), 24);
+    QVERIFY(!m_recording.isEmpty());
+}
+
+void tst_RecordingSource::givesPartOfRecording()
+{
+    QString error;
+    CxRecordingSource source(CxPluginHost::create("IxImageDataLoader", error), m_recording, 7, 9);
+    QCOMPARE(source.expectedPictures(), 3);
+    CxOwnedPicture picture;
+    for (int number = 7; number <= 9; ++number) {
+        QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
+        SxPicBuf const& pixels = picture.get();
+        QImage const image(static_cast<uchar const*>(pixels.data), 320, 180, static_cast<int>(pixels.pitch),
+                           QImage::Format_RGB32);
+        QCOMPARE(image, CxViewerFixture::decoded(m_recording, number));
+        QCOMPARE(pixels.timestamp, static_cast<quint64>((number - 7) * 1e6 / 30.0));
+    }
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::End);
+    QCOMPARE(source.description(), QStringLiteral("320 x 180, 8-bit colour"));
+}
+
+void tst_RecordingSource::endsAtBrokenPicture()
+{
+    SxLoaderLog log;
+    CxRecordingSource source(std::make_unique<CxFakeLoader>(log), QStringLiteral("name"), 12, 20);
+    CxOwnedPicture picture;
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Error);
+    QVERIFY(source.errorText().contains(QStringLiteral("Picture 13 ")));
+}
+
+QTEST_MAIN(tst_RecordingSource)
+#include "tst_RecordingSource.moc"

@@ -1,0 +1,406 @@
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "FFmpegConverter.h"
+#include "FFmpegSource.h"
+#include "PictureFormat.h"
+#include "support/PictureFiles.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+/// Pictures through FFmpeg: every sample where it belongs, at the depth that the file has.
+class tst_FFmpegSource : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void exactSamples_data();
+    void exactSamples();
+    void lossyPicturesComeClose();
+    void videoColours_data();
+    void videoColours();
+    void deepVideoStaysDeep();
+    void bitsAreTheUsersWhereTheFileIsSilent();
+    void bitsThatTheFileKnowsStay();
+    void sequenceOfFiles();
+    void clockOfAVideo();
+    void rawPicturesAreCopied_data();
+    void rawPicturesAreCopied();
+    void wordFormatsKeepTheirSamples();
+    void errorNamesTheFile();
+    void stopEndsTheWait();
+    void devicesByName_data();
+    void devicesByName();
+
+private:
+    QString path(QString const& name) const { return m_folder->filePath(name); }
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+static int const kWidth = 19; // no multiple of anything, so that rows have gaps
+static int const kHeight = 5;
+
+void tst_FFmpegSource::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    CxFFmpegSource::setLogShown(false);
+}
+
+/// Samples that differ everywhere, below 1 << \p bits, as bytes or as words of one byte order.
+static QVector<quint16> fx_Samples(int count, int bits)
+{
+    QVector<quint16> samples;
+    for (int i = 0; i < count; ++i)
+        samples += static_cast<quint16>((i * 40503 + 977) & ((1 << bits) - 1));
+    return samples;
+}
+
+static QByteArray fx_Stored(QVector<quint16> const& samples, int bytes, bool bigEndian)
+{
+    QByteArray stored;
+    for (quint16 const sample : samples) {
+        if (bytes == 2 && bigEndian)
+            stored += static_cast<char>(sample >> 8);
+        stored += static_cast<char>(sample & 0xFF);
+        if (bytes == 2 && !bigEndian)
+            stored += static_cast<char>(sample >> 8);
+    }
+    return stored;
+}
+
+/// A picture's samples, row after row.
+static QVector<quint16> fx_SamplesOf(SxPicBuf const& picture)
+{
+    QVector<quint16> samples;
+    for (quint32 y = 0; y < picture.height; ++y) {
+        unsigned char const* const row = picture.data + size_t{y} * picture.pitch;
+        for (quint32 i = 0; i < picture.width * picture.components; ++i)
+            samples += fx_IsWordFormat(picture) ? reinterpret_cast<quint16 const*>(row)[i] : quint16{row[i]};
+    }
+    return samples;
+}
+
+void tst_FFmpegSource::exactSamples_data()
+{
+    QTest::addColumn<int>("codec"); // AV_CODEC_ID_NONE: PNM by hand
+    QTest::addColumn<int>("format");
+    QTest::addColumn<int>("stored"); // components in the file, in the order red, green, blue, alpha
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<QVector<int>>("order"); // which stored component becomes which of the picture's
+
+    QVector<int> const grey{0};
+    QVector<int> const bgr{2, 1, 0};
+    QVector<int> const bgra{2, 1, 0, 3};
+    QTest::newRow("PGM 8") << int(AV_CODEC_ID_NONE) << 0 << 1 << 8 << grey;
+    QTest::newRow("PGM 16") << int(AV_CODEC_ID_NONE) << 0 << 1 << 16 << grey;
+    QTest::newRow("PPM 8") << int(AV_CODEC_ID_NONE) << 0 << 3 << 8 << bgr;
+    QTest::newRow("PPM 16") << int(AV_CODEC_ID_NONE) << 0 << 3 << 16 << bgr;
+    QTest::newRow("PNG grey 8") << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_GRAY8) << 1 << 8 << grey;
+    QTest::newRow("PNG grey 16") << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_GRAY16BE) << 1 << 16 << grey;
+    QTest::newRow("PNG grey 8 and alpha") << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_YA8) << 2 << 8 << grey;
+    QTest::newRow("PNG grey 16 and alpha")
+        << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_YA16BE) << 2 << 16 << grey;
+    QTest::newRow("PNG colour 8") << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_RGB24) << 3 << 8 << bgr;
+    QTest::newRow("PNG colour 8 and alpha") << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_RGBA) << 4 << 8 << bgra;
+    QTest::newRow("PNG colour 16") << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_RGB48BE) << 3 << 16 << bgr;
+    QTest::newRow("PNG colour 16 and alpha")
+        << int(AV_CODEC_ID_PNG) << int(AV_PIX_FMT_RGBA64BE) << 4 << 16 << bgra;
+    QTest::newRow("TIFF grey 16") << int(AV_CODEC_ID_TIFF) << int(AV_PIX_FMT_GRAY16LE) << 1 << 16 << grey;
+    QTest::newRow("TIFF colour 8") << int(AV_CODEC_ID_TIFF) << int(AV_PIX_FMT_RGB24) << 3 << 8 << bgr;
+    QTest::newRow("TIFF colour 16") << int(AV_CODEC_ID_TIFF) << int(AV_PIX_FMT_RGB48LE) << 3 << 16 << bgr;
+    QTest::newRow("BMP colour") << int(AV_CODEC_ID_BMP) << int(AV_PIX_FMT_BGR24) << 3 << 8
+                                << QVector<int>{0, 1, 2};
+    QTest::newRow("BMP grey") << int(AV_CODEC_ID_BMP) << int(AV_PIX_FMT_GRAY8) << 1 << 8
+                              << QVector<int>{0, 0, 0, -1};
+}
+
+void tst_FFmpegSource::exactSamples()
+{
+    QFETCH(int, codec);
+    QFETCH(int, format);
+    QFETCH(int, stored);
+    QFETCH(int, bits);
+    QFETCH(QVector<int>, order);
+    QVector<quint16> const samples = fx_Samples(kWidth * kHeight * stored, bits);
+    bool const littleEndian = format == AV_PIX_FMT_GRAY16LE || format == AV_PIX_FMT_RGB48LE;
+    QByteArray const bytes = fx_Stored(samples, bits / 8, !littleEndian);
+    QByteArray const file =
+        codec == AV_CODEC_ID_NONE
+            ? fx_PnmFile(kWidth, kHeight, stored, (1 << bits) - 1, bytes)
+            : fx_CodedPicture(AVCodecID(codec), AVPixelFormat(format), kWidth, kHeight, bytes);
+    QVERIFY(fx_WriteFile(path("picture"), file)); // known by its content, not by its name
+
+    CxFFmpegSource source({path("picture")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
+    QCOMPARE(picture.get().width, quint32(kWidth));
+    QCOMPARE(picture.get().height, quint32(kHeight));
+    QCOMPARE(picture.get().components, quint32(order.size()));
+    QCOMPARE(picture.get().bitsPerSample, quint32(bits));
+    QCOMPARE(fx_IsWordFormat(picture.get()), bits > 8);
+    QCOMPARE(source.knowsSignificantBits(), bits == 8);
+    QVector<quint16> expected;
+    for (int pixel = 0; pixel < kWidth * kHeight; ++pixel) {
+        for (int const component : order)
+            expected += component < 0 ? quint16{255} : samples[pixel * stored + component];
+    }
+    QCOMPARE(fx_SamplesOf(picture.get()), expected);
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
+}
+
+void tst_FFmpegSource::lossyPicturesComeClose()
+{
+    // A plain colour survives JPEG; its full range must not be taken for a video's.
+    QByteArray planes(64 * 48, char(250));
+    planes += QByteArray(64 * 48 / 4, char(128)) + QByteArray(64 * 48 / 4, char(128));
+    QVERIFY(
+        fx_WriteFile(path("p.jpg"), fx_CodedPicture(AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P, 64, 48, planes)));
+    CxFFmpegSource source({path("p.jpg")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
+    QCOMPARE(picture.get().bitsPerSample, 8U);
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(std::abs(picture.get().data[i] - 250) <= 2);
+}
+
+void tst_FFmpegSource::videoColours_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<QVector<int>>("yuv");
+    QTest::addColumn<QVector<int>>("bgr");
+    // Limited range; ITU-R BT.601 in small pictures, BT.709 from high definition on.
+    QTest::newRow("black") << 64 << 48 << QVector<int>{16, 128, 128} << QVector<int>{0, 0, 0};
+    QTest::newRow("white") << 64 << 48 << QVector<int>{235, 128, 128} << QVector<int>{255, 255, 255};
+    QTest::newRow("red, 601") << 64 << 48 << QVector<int>{81, 90, 240} << QVector<int>{0, 0, 254};
+    QTest::newRow("red, 709") << 1280 << 720 << QVector<int>{63, 102, 240} << QVector<int>{0, 1, 255};
+    QTest::newRow("blue, 709") << 1280 << 720 << QVector<int>{32, 240, 118} << QVector<int>{255, 0, 0};
+}
+
+void tst_FFmpegSource::videoColours()
+{
+    QFETCH(int, width);
+    QFETCH(int, height);
+    QFETCH(QVector<int>, yuv);
+    QFETCH(QVector<int>, bgr);
+    QByteArray planes(width * height, char(yuv[0]));
+    planes += QByteArray(width * height / 4, char(yuv[1])) + QByteArray(width * height / 4, char(yuv[2]));
+    QVERIFY(fx_WriteFile(path("v.y4m"), fx_Y4mFile(width, height, "420jpeg", planes, 1)));
+    CxFFmpegSource source({path("v.y4m")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY2(std::abs(picture.get().data[i] - bgr[i]) <= 3,
+                 qPrintable(QString::number(picture.get().data[i])));
+}
+
+void tst_FFmpegSource::deepVideoStaysDeep()
+{
+    QByteArray planes;
+    for (int i = 0; i < 64 * 48; ++i) // luma 64 to 940 is black to white in 10 bits
+        planes += fx_Stored({static_cast<quint16>(i % 64 < 32 ? 502 : 503)}, 2, false);
+    for (int i = 0; i < 64 * 48 / 2; ++i)
+        planes += fx_Stored({512}, 2, false);
+    QVERIFY(fx_WriteFile(path("v.y4m"), fx_Y4mFile(64, 48, "420p10", planes, 1)));
+    CxFFmpegSource source({path("v.y4m")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
+    QVERIFY(fx_IsWordFormat(picture.get()));
+    QCOMPARE(picture.get().bitsPerSample, 16U);
+    QVERIFY(source.knowsSignificantBits());
+    QVector<quint16> const samples = fx_SamplesOf(picture.get());
+    QVERIFY(std::abs(samples[0] - 32768) < 256);
+    QVERIFY(samples[40 * 3] > samples[0]); // a step that 8 bits would have lost
+}
+
+void tst_FFmpegSource::bitsAreTheUsersWhereTheFileIsSilent()
+{
+    QVERIFY(fx_WriteFile(path("p.pgm"), fx_PnmFile(16, 16, 1, 65535, QByteArray(16 * 16 * 2, '\1'))));
+    CxFFmpegSource source({path("p.pgm")}, 12, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+    QCOMPARE(picture.get().bitsPerSample, 12U);
+    QCOMPARE(fx_HighestSample(picture.get()), quint16{257});
+    QCOMPARE(source.takeWarnings(), QStringList());
+}
+
+void tst_FFmpegSource::bitsThatTheFileKnowsStay()
+{
+    QVERIFY(fx_WriteFile(path("p.pgm"), fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 16, '\1'))));
+    CxFFmpegSource source({path("p.pgm"), path("p.pgm")}, 12, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+    QCOMPARE(picture.get().bitsPerSample, 8U);
+    QStringList const warnings = source.takeWarnings();
+    QCOMPARE(warnings.size(), 1);
+    QVERIFY(warnings[0].contains("8 bits"));
+    QCOMPARE(source.takeWarnings(), QStringList());
+}
+
+void tst_FFmpegSource::sequenceOfFiles()
+{
+    QByteArray const planes(64 * 48 * 3 / 2, char(128));
+    QVERIFY(fx_WriteFile(path("a.pgm"), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, 'a'))));
+    QVERIFY(fx_WriteFile(path("b.y4m"), fx_Y4mFile(64, 48, "420jpeg", planes, 3)));
+    QVERIFY(fx_WriteFile(path("c.ppm"), fx_PnmFile(64, 48, 3, 65535, QByteArray(64 * 48 * 6, 'c'))));
+    CxFFmpegSource source({path("a.pgm"), path("b.y4m"), path("c.ppm")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVector<quint32> components;
+    quint64 time = 0;
+    while (source.next(picture.get()) == IxPictureSource::Result::Picture) {
+        QVERIFY(components.isEmpty() || picture.get().timestamp > time);
+        time = picture.get().timestamp;
+        components += picture.get().components;
+    }
+    QCOMPARE(source.errorText(), QString());
+    QCOMPARE(components, (QVector<quint32>{1, 4, 4, 4, 3}));
+
+    CxFFmpegSource pictures({path("a.pgm"), path("a.pgm"), path("c.ppm")}, 0, nullptr);
+    QCOMPARE(pictures.expectedPictures(), -1);
+    for (quint64 i = 0; i < 3; ++i) {
+        QVERIFY(pictures.next(picture.get()) == IxPictureSource::Result::Picture);
+        QCOMPARE(pictures.expectedPictures(), 3);
+        QCOMPARE(picture.get().timestamp, i * 1000000 / 30);
+    }
+}
+
+void tst_FFmpegSource::clockOfAVideo()
+{
+    QByteArray file = fx_Y4mFile(64, 48, "420jpeg", QByteArray(64 * 48 * 3 / 2, char(128)), 3);
+    file.replace("F30:1", "F10:1");
+    QVERIFY(fx_WriteFile(path("v.y4m"), file));
+    CxFFmpegSource source({path("v.y4m")}, 0, nullptr);
+    CxOwnedPicture picture;
+    for (quint64 i = 0; i < 3; ++i) {
+        QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+        QCOMPARE(picture.get().timestamp, i * 100000);
+    }
+}
+
+void tst_FFmpegSource::rawPicturesAreCopied_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::newRow("bgra") << "bgra";
+    QTest::newRow("bgr0") << "bgr0";
+}
+
+void tst_FFmpegSource::rawPicturesAreCopied()
+{
+    QFETCH(QString, format);
+    QVector<quint16> const samples = fx_Samples(kWidth * kHeight * 4, 8);
+    QVERIFY(fx_WriteFile(path("raw"), fx_Stored(samples, 1, false).repeated(3)));
+    SxFFmpegOptions const options{"rawvideo",
+                                  {{"video_size", QStringLiteral("%1x%2").arg(kWidth).arg(kHeight)},
+                                   {"pixel_format", format},
+                                   {"framerate", "10"}}};
+    CxFFmpegSource source({path("raw")}, 0, nullptr, options);
+    CxOwnedPicture picture;
+    for (quint64 i = 0; i < 3; ++i) {
+        QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture,
+                 qPrintable(source.errorText()));
+        QCOMPARE(picture.get().components, 4U);
+        QCOMPARE(picture.get().timestamp, i * 100000);
+        QCOMPARE(fx_SamplesOf(picture.get()), samples);
+    }
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
+}
+
+/// Every format of FFmpeg's that is copied as words, against FFmpeg's own way to read a sample.
+void tst_FFmpegSource::wordFormatsKeepTheirSamples()
+{
+    unsigned const odd = AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_HWACCEL |
+                         AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT;
+    int formats = 0;
+    for (AVPixFmtDescriptor const* format = av_pix_fmt_desc_next(nullptr); format != nullptr;
+         format = av_pix_fmt_desc_next(format)) {
+        bool const isGrey = format->nb_components <= 2;
+        bool const isColour = (format->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+        if ((!isGrey && !isColour) || (format->flags & odd) != 0 || format->comp[0].depth < 9 ||
+            format->comp[0].depth > 16)
+            continue;
+        std::unique_ptr<AVFrame, SxFFmpegDeleter> const frame(av_frame_alloc());
+        frame->width = kWidth;
+        frame->height = kHeight;
+        frame->format = av_pix_fmt_desc_get_id(format);
+        QCOMPARE(av_frame_get_buffer(frame.get(), 0), 0);
+        for (AVBufferRef const* buffer : frame->buf) {
+            for (size_t i = 0; buffer != nullptr && i < buffer->size; ++i)
+                buffer->data[i] = static_cast<uint8_t>(i * 197 + i / 251);
+        }
+        CxOwnedPicture picture;
+        QVERIFY2(CxFFmpegConverter().convert(*frame, picture.get()), format->name);
+
+        QVector<quint16> expected(static_cast<int>(picture.get().components) * kWidth * kHeight);
+        std::vector<quint16> row(size_t{kWidth});
+        uint8_t const* planes[4] = {frame->data[0], frame->data[1], frame->data[2], frame->data[3]};
+        int const components = static_cast<int>(picture.get().components);
+        for (int y = 0; y < kHeight; ++y) {
+            for (int c = 0; c < components; ++c) {
+                int const component = components == 1 ? 0 : c == 3 ? 3 : 2 - c;
+                av_read_image_line2(row.data(), planes, frame->linesize, format, 0, y, component, kWidth, 0,
+                                    2);
+                for (int x = 0; x < kWidth; ++x)
+                    expected[(y * kWidth + x) * components + c] = row[static_cast<size_t>(x)];
+            }
+        }
+        QVERIFY2(fx_SamplesOf(picture.get()) == expected, format->name);
+        ++formats;
+    }
+    QVERIFY(formats >= 20);
+}
+
+void tst_FFmpegSource::errorNamesTheFile()
+{
+    QVERIFY(fx_WriteFile(path("good.pgm"), fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 16, 'a'))));
+    QVERIFY(fx_WriteFile(path("bad.pgm"), "no picture at all, only words"));
+    CxFFmpegSource source({path("good.pgm"), path("bad.pgm"), path("good.pgm")}, 0, nullptr);
+    CxOwnedPicture picture;
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Error);
+    QCOMPARE(source.errorText(), path("bad.pgm") + ": no picture in it could be decoded.");
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Error); // it stays one
+}
+
+void tst_FFmpegSource::stopEndsTheWait()
+{
+    QVERIFY(fx_WriteFile(path("good.pgm"), fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 16, 'a'))));
+    std::atomic<bool> stop{false};
+    CxFFmpegSource source({path("good.pgm"), path("good.pgm")}, 0, &stop);
+    CxOwnedPicture picture;
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+    stop = true;
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
+    QCOMPARE(source.errorText(), QString());
+}
+
+void tst_FFmpegSource::devicesByName_data()
+{
+    QTest::addColumn<QString>("reader");
+    QTest::addColumn<QString>("before");
+    QTest::newRow("before the colon") << QString() << "lavfi:";
+    QTest::newRow("chosen") << "lavfi" << QString();
+    QTest::newRow("both") << "lavfi"
+                          << "lavfi:";
+}
+
+void tst_FFmpegSource::devicesByName()
+{
+    QFETCH(QString, reader);
+    QFETCH(QString, before);
+    // FFmpeg's own test device stands in for a webcam.
+    CxFFmpegSource source({before + "testsrc2=size=64x48:rate=30:duration=0.2"}, 0, nullptr, {reader, {}});
+    CxOwnedPicture picture;
+    int count = 0;
+    while (source.next(picture.get()) == IxPictureSource::Result::Picture)
+        ++count;
+    QCOMPARE(source.errorText(), QString());
+    QCOMPARE(count, 6);
+    QCOMPARE(picture.get().width, 64U);
+}
+
+QTEST_GUILESS_MAIN(tst_FFmpegSource)
+#include "tst_FFmpegSource.moc"

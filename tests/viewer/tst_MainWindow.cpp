@@ -1,0 +1,166 @@
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QAccessible>
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QSettings>
+#include <QTest>
+#include <QToolButton>
+
+#include "support/ViewerWindow.h"
+
+class tst_MainWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup() { QSettings().clear(); }
+
+    void startsWithChoices();
+    void opensRecording();
+    void opensWhatIsDropped();
+    void fullScreenHidesAllButThePicture();
+    void savesPictureShown();
+    void saysThatPictureIsNotSaved();
+    void copiesPictureShown();
+    void everyControlHasAName();
+
+private:
+    std::unique_ptr<CxViewerFixture> m_fixture;
+    QString m_recording;
+};
+
+void tst_MainWindow::initTestCase()
+{
+    m_fixture = std::make_unique<CxViewerFixture>();
+    QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
+    m_recording = m_fixture->record(QStringLiteral("clip.h264"), 40);
+    QVERIFY(!m_recording.isEmpty());
+}
+
+void tst_MainWindow::startsWithChoices()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.isShown);
+    auto* const start = viewer.child<QWidget>("startPage");
+    QVERIFY(start->isVisible());
+    QVERIFY(!viewer.view->isVisible());
+    QVERIFY(!viewer.timeline->isVisible());
+    QVERIFY(start->findChildren<QToolButton*>().size() >= 3);
+    for (char const* const name : {"play", "nextPicture", "record", "savePicture", "copy", "fit", "goTo"})
+        QVERIFY2(!viewer.child<QAction>(name)->isEnabled(), name);
+    for (char const* const name : {"open", "openCamera", "openSource", "keys", "quit"})
+        QVERIFY2(viewer.child<QAction>(name)->isEnabled(), name);
+}
+
+void tst_MainWindow::opensRecording()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QVERIFY(viewer.view->isVisible());
+    QCOMPARE(viewer.view->picture().image, CxViewerFixture::decoded(m_recording, 0));
+    QCOMPARE(viewer.text("number"), QStringLiteral("Picture 0 of 0–39"));
+    QCOMPARE(viewer.text("time"), QStringLiteral("0:00:00.000"));
+    QCOMPARE(viewer.text("format"), QStringLiteral("320 × 180, 8-bit colour"));
+    QVERIFY(viewer.window.windowTitle().startsWith(QStringLiteral("clip.h264")));
+    QVERIFY(viewer.bar->text().isEmpty());
+}
+
+void tst_MainWindow::opensWhatIsDropped()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(m_recording)});
+    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&viewer.window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&viewer.window, &drop);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 0);
+}
+
+void tst_MainWindow::fullScreenHidesAllButThePicture()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_F);
+    QVERIFY(viewer.window.isFullScreen());
+    QVERIFY(!viewer.timeline->isVisible());
+    viewer.key(Qt::Key_Right); // keys work all the same
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 1);
+    viewer.key(Qt::Key_Escape);
+    QVERIFY(!viewer.window.isFullScreen());
+    QVERIFY(viewer.timeline->isVisible());
+    QVERIFY(!viewer.child<QAction>("fullScreen")->isChecked());
+    viewer.key(Qt::Key_Escape); // does nothing more
+    QVERIFY(viewer.window.isVisible());
+}
+
+void tst_MainWindow::savesPictureShown()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.window.player().seek(12);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 12);
+    QString const file = m_fixture->path(QStringLiteral("picture.png"));
+    QVERIFY(viewer.window.savePictureAs(file));
+    QCOMPARE(QImage(file).convertToFormat(QImage::Format_RGB32), CxViewerFixture::decoded(m_recording, 12));
+}
+
+void tst_MainWindow::saysThatPictureIsNotSaved()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QVERIFY(!viewer.window.savePictureAs(m_fixture->path(QStringLiteral("no/such/folder.png"))));
+    QVERIFY(viewer.bar->text().contains(QStringLiteral("could not be saved")));
+}
+
+void tst_MainWindow::copiesPictureShown()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+             CxViewerFixture::decoded(m_recording, 0));
+}
+
+void tst_MainWindow::everyControlHasAName()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.bar->showMessage(CxMessageBar::Kind::Warning, QStringLiteral("text"), {QStringLiteral("details")});
+    viewer.bar->offer(QStringLiteral("action"));
+    viewer.child<QAction>("record")->trigger();
+    QVERIFY(viewer.child<QDialog>("recordDialog"));
+    int seen = 0;
+    for (QWidget* const widget : viewer.window.findChildren<QWidget*>()) {
+        bool const isControl = qobject_cast<QAbstractButton*>(widget) ||
+                               qobject_cast<QAbstractSlider*>(widget) || qobject_cast<QComboBox*>(widget) ||
+                               qobject_cast<QAbstractSpinBox*>(widget) || qobject_cast<QLineEdit*>(widget) ||
+                               widget == viewer.view;
+        // Parts of larger controls, and Qt's own scroll bars, are spoken for by those.
+        if (!isControl || widget->focusPolicy() == Qt::NoFocus || widget->inherits("QScrollBar") ||
+            widget->objectName().startsWith(QLatin1String("qt_")))
+            continue;
+        // The panel in the save dialog labels its controls for the eye; the dialog names the slider.
+        if (widget->objectName().startsWith(QLatin1String("cbH264")) ||
+            widget->objectName().startsWith(QLatin1String("spinH264")))
+            continue;
+        QAccessibleInterface* const accessible = QAccessible::queryAccessibleInterface(widget);
+        QVERIFY(accessible);
+        QVERIFY2(
+            !accessible->text(QAccessible::Name).isEmpty(),
+            qPrintable(QStringLiteral("%1 %2").arg(widget->metaObject()->className(), widget->objectName())));
+        ++seen;
+    }
+    QVERIFY(seen > 20);
+}
+
+QTEST_MAIN(tst_MainWindow)
+#include "tst_MainWindow.moc"

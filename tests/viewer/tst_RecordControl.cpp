@@ -1,0 +1,192 @@
+#include <QAction>
+#include <QFileInfo>
+#include <QLabel>
+#include <QPushButton>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+
+#include "CodecOptions.h"
+#include "RecordBar.h"
+#include "support/RecordDialogUser.h"
+#include "support/ViewerWindow.h"
+
+class tst_RecordControl : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void savesPartOfRecording();
+    void recordsUntilStopped();
+    void stopEndsSaving();
+    void allowsOneRecordingAtATime();
+    void showsFailure();
+    void offersToOpenWhatWasRecorded();
+    void closingEndsRecording();
+
+private:
+    std::unique_ptr<CxViewerFixture> m_fixture;
+    QString m_recording;
+    std::unique_ptr<CxViewerWindow> m_viewer;
+};
+
+void tst_RecordControl::initTestCase()
+{
+    m_fixture = std::make_unique<CxViewerFixture>();
+    QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
+    m_recording = m_fixture->record(QStringLiteral("clip.h264"), 40);
+    QVERIFY(!m_recording.isEmpty());
+}
+
+void tst_RecordControl::init()
+{
+    m_viewer = std::make_unique<CxViewerWindow>(*m_fixture);
+    QVERIFY(m_viewer->isShown);
+}
+
+void tst_RecordControl::cleanup()
+{
+    m_viewer.reset();
+    QSettings().clear();
+    fx_SetCodecOptions(kFourCCH264, {});
+}
+
+void tst_RecordControl::savesPartOfRecording()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("part.h264"));
+    QVERIFY(m_viewer->open(m_recording));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QCOMPARE(user.child<QSpinBox>("first")->value(), 0);
+    QCOMPARE(user.child<QSpinBox>("last")->value(), 39);
+    user.setNumber("first", 7);
+    user.setNumber("last", 18);
+    user.setFile(fileName);
+    QTest::keyClick(user.child<QSlider>("slH264Quality"), Qt::Key_End);
+    QTest::keyClick(user.child<QPushButton>("start"), Qt::Key_Space);
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    QCOMPARE(CxViewerFixture::pictures(fileName), 12);
+    // The right ones: each looks more like its original than like that one's neighbour.
+    auto const difference = [](QImage const& a, QImage const& b) {
+        qint64 sum = 0;
+        for (int y = 0; y < a.height(); ++y) {
+            for (int x = 0; x < a.width(); ++x)
+                sum += std::abs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y)));
+        }
+        return sum;
+    };
+    for (int const number : {0, 11}) {
+        QImage const saved = CxViewerFixture::decoded(fileName, number);
+        qint64 const same = difference(saved, CxViewerFixture::decoded(m_recording, number + 7));
+        QVERIFY(same < difference(saved, CxViewerFixture::decoded(m_recording, number + 6)));
+        QVERIFY(same < difference(saved, CxViewerFixture::decoded(m_recording, number + 8)));
+    }
+}
+
+void tst_RecordControl::recordsUntilStopped()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("stopped.h264"));
+    m_viewer->openCamera();
+    SxRecordChoice choice;
+    choice.request.outputFile = fileName;
+    m_viewer->window.startRecording(choice);
+    auto* const bar = m_viewer->window.findChild<CxRecordBar*>();
+    auto* const text = bar->findChild<QLabel*>(QStringLiteral("recordText"));
+    QVERIFY(bar->isVisible());
+    QString const before = text->text();
+    QTRY_VERIFY(text->text() != before);
+    auto* const view = m_viewer->view;
+    int const shown = view->picture().number;
+    QTRY_VERIFY(view->picture().number > shown); // the picture lives on
+    QTest::mouseClick(bar->findChild<QPushButton*>(QStringLiteral("recordStop")), Qt::LeftButton);
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("Stopped")));
+    QVERIFY(!bar->isVisible());
+    int const pictures = CxViewerFixture::pictures(fileName);
+    QVERIFY(pictures > 0);
+    QVERIFY2(m_viewer->bar->text().contains(QStringLiteral("%1 picture").arg(pictures)),
+             qPrintable(m_viewer->bar->text()));
+    int const last = view->picture().number;
+    QTRY_VERIFY(view->picture().number > last); // and after the recording, too
+}
+
+void tst_RecordControl::stopEndsSaving()
+{
+    // Long enough not to end by itself first.
+    QString const source = m_fixture->record(QStringLiteral("long.h264"), 600);
+    QVERIFY(!source.isEmpty());
+    m_viewer->window.openRecording(source);
+    QTRY_COMPARE(m_viewer->window.player().shownNumber(), 0);
+    SxRecordChoice choice;
+    choice.request.outputFile = m_fixture->path(QStringLiteral("cancelled.h264"));
+    choice.first = 0;
+    choice.last = 599;
+    m_viewer->window.startRecording(choice);
+    QTest::mouseClick(m_viewer->child<QPushButton>("recordStop"), Qt::LeftButton);
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("Stopped")));
+    QVERIFY(QFileInfo(choice.request.outputFile).size() < QFileInfo(source).size());
+    QVERIFY(m_viewer->child<QAction>("record")->isEnabled());
+}
+
+void tst_RecordControl::allowsOneRecordingAtATime()
+{
+    m_viewer->openCamera();
+    SxRecordChoice choice;
+    choice.request.outputFile = m_fixture->path(QStringLiteral("one.h264"));
+    m_viewer->window.startRecording(choice);
+    for (char const* const name : {"record", "open", "openCamera", "openSource"})
+        QVERIFY2(!m_viewer->child<QAction>(name)->isEnabled(), name);
+    m_viewer->window.openRecording(m_recording); // as by a drop
+    QVERIFY(!m_viewer->window.player().isOpen());
+    emit m_viewer->window.findChild<CxRecordBar*>()->stopRequested();
+    QTRY_VERIFY(!m_viewer->bar->text().isEmpty());
+    QVERIFY(m_viewer->child<QAction>("open")->isEnabled());
+}
+
+void tst_RecordControl::showsFailure()
+{
+    m_viewer->openCamera();
+    SxRecordChoice choice;
+    choice.request.outputFile = m_fixture->path(QString()); // a folder
+    m_viewer->window.startRecording(choice);
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("failed")));
+    auto* const bar = m_viewer->bar;
+    QVERIFY2(bar->details().contains(QStringLiteral("Cannot open")), qPrintable(bar->details()));
+    QVERIFY(!m_viewer->window.findChild<CxRecordBar*>()->isVisible());
+    QTRY_VERIFY(m_viewer->view->picture().number > 0); // live as before
+}
+
+void tst_RecordControl::offersToOpenWhatWasRecorded()
+{
+    m_viewer->openCamera();
+    SxRecordChoice choice;
+    choice.request.outputFile = m_fixture->path(QStringLiteral("offered.h264"));
+    choice.request.maxPictures = 3;
+    m_viewer->window.startRecording(choice);
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    auto* const action = m_viewer->child<QPushButton>("messageAction");
+    QVERIFY(action->isVisible());
+    QTest::mouseClick(action, Qt::LeftButton);
+    QTRY_COMPARE(m_viewer->window.player().info().count, 3);
+}
+
+void tst_RecordControl::closingEndsRecording()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("closing.h264"));
+    m_viewer->openCamera();
+    SxRecordChoice choice;
+    choice.request.outputFile = fileName;
+    m_viewer->window.startRecording(choice);
+    auto* const text = m_viewer->child<QLabel>("recordText");
+    QString const before = text->text();
+    QTRY_VERIFY(text->text() != before);
+    m_viewer.reset();
+    QVERIFY(CxViewerFixture::pictures(fileName) > 0);
+}
+
+QTEST_MAIN(tst_RecordControl)
+#include "tst_RecordControl.moc"

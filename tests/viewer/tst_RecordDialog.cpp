@@ -1,0 +1,202 @@
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+
+#include "CodecOptions.h"
+#include "support/RecordDialogUser.h"
+#include "support/ViewerWindow.h"
+
+class tst_RecordDialog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void offersSaversFormats();
+    void changedOptionsReachTheStream();
+    void optionsAreRemembered();
+    void defaultButtonUndoesRememberedOptions();
+    void refusesSourceAsTarget();
+    void refusesMissingFolder();
+    void refusesEmptyRange();
+    void addsSuffix();
+
+private:
+    std::unique_ptr<CxViewerFixture> m_fixture;
+    QString m_recording;
+    std::unique_ptr<CxViewerWindow> m_viewer;
+};
+
+void tst_RecordDialog::initTestCase()
+{
+    m_fixture = std::make_unique<CxViewerFixture>();
+    QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
+    m_recording = m_fixture->record(QStringLiteral("clip.h264"), 40);
+    QVERIFY(!m_recording.isEmpty());
+}
+
+void tst_RecordDialog::init()
+{
+    m_viewer = std::make_unique<CxViewerWindow>(*m_fixture);
+    QVERIFY(m_viewer->isShown);
+}
+
+void tst_RecordDialog::cleanup()
+{
+    m_viewer.reset();
+    QSettings().clear();
+    fx_SetCodecOptions(kFourCCH264, {});
+}
+
+void tst_RecordDialog::offersSaversFormats()
+{
+    m_viewer->openCamera();
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    auto* const format = user.child<QComboBox>("format");
+    QCOMPARE(format->count(), 1);
+    QCOMPARE(format->itemText(0), QStringLiteral("H.264 file (*.h264)"));
+    QVERIFY(user.child<QLineEdit>("outputFile")->text().endsWith(QStringLiteral(".h264")));
+    QVERIFY(user.child<QSlider>("slH264Quality")->isVisible());
+    QVERIFY(!user.child<QComboBox>("cbH264LevelIdc")->isVisible());
+    user.click("chkH264Advanced");
+    QVERIFY(user.child<QComboBox>("cbH264LevelIdc")->isVisible());
+    QCOMPARE(user.child<QSpinBox>("limit")->value(), 0);
+    QVERIFY(!user.child<QSpinBox>("first"));
+}
+
+void tst_RecordDialog::changedOptionsReachTheStream()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("changed.h264"));
+    m_viewer->openCamera();
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    user.setFile(fileName);
+    user.setNumber("limit", 12);
+    QTest::keyClick(user.child<QSlider>("slH264Quality"), Qt::Key_End);
+    user.click("chkH264Advanced");
+    user.setNumber("spinH264KeyFramerate", 4);
+    auto* const level = user.child<QComboBox>("cbH264LevelIdc");
+    level->setFocus();
+    while (level->currentText() != QLatin1String("2"))
+        QTest::keyClick(level, Qt::Key_Up);
+    user.click("start");
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    QVERIFY2(m_viewer->bar->text().contains(QStringLiteral("12 pictures saved")) ||
+                 m_viewer->bar->text().contains(QStringLiteral("12 picture(s) saved")),
+             qPrintable(m_viewer->bar->text()));
+    QCOMPARE(CxViewerFixture::pictures(fileName), 12);
+    QCOMPARE(CxViewerFixture::level(fileName), 20);
+    QCOMPARE(CxViewerFixture::keyFrames(fileName), (QVector<int>{0, 4, 8}));
+}
+
+void tst_RecordDialog::optionsAreRemembered()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("remembered.h264"));
+    m_viewer->openCamera();
+    {
+        CxRecordDialogUser const user(m_viewer->window);
+        QVERIFY(user.isShown);
+        user.setFile(fileName);
+        user.setNumber("limit", 2);
+        QTest::keyClick(user.child<QSlider>("slH264Quality"), Qt::Key_Home);
+        user.click("chkH264Advanced");
+        user.setNumber("spinH264KeyFramerate", 33);
+        user.click("start");
+    }
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    for (bool const isRestarted : {false, true}) {
+        if (isRestarted) { // as after starting the program anew
+            fx_SetCodecOptions(kFourCCH264, {});
+            init();
+            m_viewer->openCamera();
+        }
+        CxRecordDialogUser const user(m_viewer->window);
+        QVERIFY(user.isShown);
+        QCOMPARE(user.child<QSlider>("slH264Quality")->value(), 1);
+        QCOMPARE(user.child<QSpinBox>("spinH264KeyFramerate")->value(), 33);
+        QVERIFY(user.child<QCheckBox>("chkH264Advanced")->isChecked());
+        QVERIFY(user.child<QSpinBox>("spinH264KeyFramerate")->isVisible());
+        QCOMPARE(QFileInfo(user.child<QLineEdit>("outputFile")->text()).absolutePath(),
+                 QFileInfo(fileName).absolutePath());
+        QTest::keyClick(user.dialog, Qt::Key_Escape);
+        QTRY_VERIFY(!m_viewer->window.findChild<CxRecordDialog*>());
+    }
+}
+
+void tst_RecordDialog::defaultButtonUndoesRememberedOptions()
+{
+    QSettings().setValue(QStringLiteral("record/h264"),
+                         QVariantMap{{"h264_quality", 9}, {"h264_level_idc", 10}});
+    QString const fileName = m_fixture->path(QStringLiteral("defaults.h264"));
+    QVERIFY(m_viewer->open(m_recording));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QCOMPARE(user.child<QSlider>("slH264Quality")->value(), 9);
+    user.click("btnDefault");
+    user.setFile(fileName);
+    user.click("start");
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    QCOMPARE(CxViewerFixture::level(fileName), 52);
+    QCOMPARE(CxViewerFixture::keyFrames(fileName).mid(0, 3), (QVector<int>{0, 5, 10}));
+}
+
+void tst_RecordDialog::refusesSourceAsTarget()
+{
+    QVERIFY(m_viewer->open(m_recording));
+    qint64 const size = QFileInfo(m_recording).size();
+    CxRecordDialogUser const user(m_viewer->window);
+    user.setFile(m_recording);
+    user.click("start");
+    QVERIFY(user.dialog->isVisible());
+    QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
+    QCOMPARE(QFileInfo(m_recording).size(), size);
+}
+
+void tst_RecordDialog::refusesMissingFolder()
+{
+    m_viewer->openCamera();
+    CxRecordDialogUser const user(m_viewer->window);
+    user.setFile(m_fixture->path(QStringLiteral("nowhere/file.h264")));
+    user.click("start");
+    QVERIFY(user.dialog->isVisible());
+    QVERIFY2(user.note().contains(QStringLiteral("There is no folder")), qPrintable(user.note()));
+}
+
+void tst_RecordDialog::refusesEmptyRange()
+{
+    QVERIFY(m_viewer->open(m_recording));
+    CxRecordDialogUser const user(m_viewer->window);
+    auto* const start = user.child<QPushButton>("start");
+    QVERIFY(start->isEnabled());
+    user.setNumber("first", 20);
+    user.setNumber("last", 19);
+    QVERIFY(!start->isEnabled());
+    user.setNumber("last", 20);
+    QVERIFY(start->isEnabled());
+    user.child<QLineEdit>("outputFile")->clear();
+    QVERIFY(!start->isEnabled());
+}
+
+void tst_RecordDialog::addsSuffix()
+{
+    m_viewer->openCamera();
+    CxRecordDialogUser const user(m_viewer->window);
+    user.setFile(m_fixture->path(QStringLiteral("plain")));
+    user.setNumber("limit", 1);
+    user.click("start");
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    QCOMPARE(CxViewerFixture::pictures(m_fixture->path(QStringLiteral("plain.h264"))), 1);
+}
+
+QTEST_MAIN(tst_RecordDialog)
+#include "tst_RecordDialog.moc"

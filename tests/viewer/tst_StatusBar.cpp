@@ -1,0 +1,80 @@
+#include <QApplication>
+#include <QSettings>
+#include <QTest>
+
+#include "support/Mouse.h"
+#include "support/ViewerWindow.h"
+
+class tst_StatusBar : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup() { QSettings().clear(); }
+
+    void showsPixelUnderMouse();
+    void showsAllBitsOfGreyWords();
+
+private:
+    std::unique_ptr<CxViewerFixture> m_fixture;
+    QString m_recording;
+};
+
+void tst_StatusBar::initTestCase()
+{
+    m_fixture = std::make_unique<CxViewerFixture>();
+    QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
+    m_recording = m_fixture->record(QStringLiteral("clip.h264"), 40);
+    QVERIFY(!m_recording.isEmpty());
+}
+
+void tst_StatusBar::showsPixelUnderMouse()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QPoint const place(viewer.view->width() / 2, viewer.view->height() / 2);
+    fx_MoveMouse(viewer.view, place);
+    auto const expected = [&] {
+        QPoint const pixel = viewer.view->pixelAt(place);
+        QColor const colour(viewer.view->picture().image.pixel(pixel));
+        return QStringLiteral("(%1, %2): red %3, green %4, blue %5")
+            .arg(pixel.x())
+            .arg(pixel.y())
+            .arg(colour.red())
+            .arg(colour.green())
+            .arg(colour.blue());
+    };
+    QTRY_COMPARE(viewer.text("pixel"), expected());
+    // The value is that of the picture shown, also when the mouse rests.
+    for (int const number : {20, 39}) {
+        viewer.window.player().seek(number);
+        QTRY_COMPARE(viewer.window.player().shownNumber(), number);
+        QCOMPARE(viewer.text("pixel"), expected());
+    }
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(viewer.view, &leave);
+    QVERIFY(viewer.text("pixel").isEmpty());
+}
+
+void tst_StatusBar::showsAllBitsOfGreyWords()
+{
+    CxViewerWindow viewer(*m_fixture);
+    viewer.window.openLive(QStringLiteral("camera"), fx_Camera(1, "mono12"));
+    QTRY_VERIFY(!viewer.view->picture().image.isNull());
+    QCOMPARE(viewer.text("format"), QStringLiteral("160 × 120, 12-bit grey"));
+    QPoint const place(viewer.view->width() / 2, viewer.view->height() / 2);
+    fx_MoveMouse(viewer.view, place);
+    QPoint const pixel = viewer.view->pixelAt(place);
+    SxPicBuf const& samples = *viewer.view->picture().data->picBuf();
+    auto const* const row =
+        reinterpret_cast<quint16 const*>(samples.data + static_cast<quint32>(pixel.y()) * samples.pitch);
+    quint16 const sample = row[pixel.x()];
+    QVERIFY(sample > 255); // not what an 8-bit picture could show
+    QTRY_COMPARE(viewer.text("pixel"),
+                 QStringLiteral("(%1, %2): grey %3").arg(pixel.x()).arg(pixel.y()).arg(sample));
+    QCOMPARE(qGray(viewer.view->picture().image.pixel(pixel)), sample >> 4);
+}
+
+QTEST_MAIN(tst_StatusBar)
+#include "tst_StatusBar.moc"

@@ -1,0 +1,50 @@
+#include <QSettings>
+#include <QTest>
+
+#include "support/ViewerWindow.h"
+
+class tst_Timeline : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup() { QSettings().clear(); }
+
+    void marksKeyFrames();
+
+private:
+    std::unique_ptr<CxViewerFixture> m_fixture;
+    QString m_recording;
+};
+
+void tst_Timeline::initTestCase()
+{
+    m_fixture = std::make_unique<CxViewerFixture>();
+    QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
+    m_recording = m_fixture->record(QStringLiteral("clip.h264"), 40);
+    QVERIFY(!m_recording.isEmpty());
+}
+
+void tst_Timeline::marksKeyFrames()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QCOMPARE(viewer.timeline->maximum(), 39);
+    QImage const image = viewer.timeline->grab().toImage();
+    QRgb const background = image.pixel(0, image.height() - 3);
+    int const row = image.height() - 4;
+    auto const isMarked = [&](int number) {
+        double const x = (8.0 + (viewer.timeline->width() - 16.0) * number / 39.0);
+        for (int dx = -1; dx <= 1; ++dx) {
+            if (image.pixel(static_cast<int>(x) + dx, row) != background)
+                return true;
+        }
+        return false;
+    };
+    for (int number = 0; number < 40; ++number)
+        QVERIFY2(isMarked(number) == (number % 5 == 0), qPrintable(QString::number(number)));
+}
+
+QTEST_MAIN(tst_Timeline)
+#include "tst_Timeline.moc"
