@@ -1,0 +1,3 @@
+#include "support/FakeEncoder.h"
+
+int s_liveEncoders = 0;
