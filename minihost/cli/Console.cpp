@@ -1,6 +1,5 @@
 #include "Console.h"
 
-#include <QByteArray>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -45,8 +44,6 @@ void fx_Labelled(char const* colour, QString const& label, QString const& senten
 } // namespace
 
 void Console::setQuiet(bool quiet) { s_quiet = quiet; }
-
-bool Console::isQuiet() { return s_quiet; }
 
 void Console::hideLibraryOutput()
 {

@@ -14,7 +14,6 @@ enum ExitCode {
 namespace Console {
 
 void setQuiet(bool quiet); ///< leaves errors and warnings, hides everything else on standard error
-bool isQuiet();
 
 /// Hides what libraries write to standard error on their own, OpenH264's remarks about its settings
 /// for one: only what this program says belongs there. Not under the sanitizers, whose reports go there.

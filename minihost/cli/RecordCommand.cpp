@@ -8,7 +8,6 @@
 #include "PluginHost.h"
 #include "PluginMessages.h"
 #include "ProgressLine.h"
-#include "Readable.h"
 #include "RecordArguments.h"
 #include "RecordReport.h"
 #include "SameFile.h"

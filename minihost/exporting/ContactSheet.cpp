@@ -4,6 +4,7 @@
 
 #include "CxPicBufAPI.h"
 #include "LedDigits.h"
+#include "PictureFormat.h"
 
 static int const kWidestTile = 320;
 static int const kGap = 8;             // around every tile

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Canvas.h"
-#include "PictureFormat.h"
+#include "SxPicBuf.h"
 
 /// Many pictures on one, in rows from the left, each with its number below.
 class CxContactSheet

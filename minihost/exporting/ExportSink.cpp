@@ -12,6 +12,7 @@
 
 #include "ContactSheet.h"
 #include "NumberedFileName.h"
+#include "PictureFormat.h"
 #include "SameFile.h"
 
 namespace {

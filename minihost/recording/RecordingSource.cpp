@@ -42,7 +42,6 @@ IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
                     std::min(picture.pitch, source.pitch));
     double const fps = m_loader->loadedFps();
     picture.timestamp = static_cast<quint64>((m_next - m_first) * (fps > 0.0 ? 1e6 / fps : 0.0));
-    m_description = fx_DescribeFormat(picture);
     ++m_next;
     return Result::Picture;
 }

@@ -21,7 +21,6 @@ public:
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_last - m_first + 1; }
-    QString description() const override { return m_description; }
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
 
@@ -31,6 +30,5 @@ private:
     int m_first;
     int m_last;
     int m_next;
-    QString m_description;
     QString m_error;
 };

@@ -319,8 +319,6 @@ IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
     applyBits(picture);
     picture.timestamp = timestampOf(*m_frame);
     m_lastTime = picture.timestamp;
-    if (m_delivered == 0)
-        m_description = fx_DescribeFormat(picture);
     ++m_delivered;
     ++m_framesOfInput;
     av_frame_unref(m_frame.get());

@@ -33,7 +33,6 @@ public:
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_expected; }
-    QString description() const override { return m_description; }
     bool knowsSignificantBits() const override { return m_picture.knowsSignificantBits(); }
     QStringList takeWarnings() override;
 
@@ -79,7 +78,6 @@ private:
     quint64 m_inputStart = 0; ///< microseconds at which the open input's pictures begin
     qint64 m_firstPts = AV_NOPTS_VALUE;
     int m_expected = -1;
-    QString m_description;
     QString m_error;
     QStringList m_warnings;
     bool m_saidBitsIgnored = false;

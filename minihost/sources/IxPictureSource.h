@@ -30,9 +30,6 @@ public:
     /// Pictures from first to last as far as known before reading them, or -1.
     virtual int expectedPictures() const = 0;
 
-    /// What the pictures are, for people: "1280 x 720, 8-bit colour". Empty before the first one.
-    virtual QString description() const = 0;
-
     /// True when the source itself says how many bits of a word sample count; false when 16 is only
     /// the size of the word.
     virtual bool knowsSignificantBits() const = 0;

@@ -38,15 +38,6 @@ bool fx_PreparePicture(SxPicBuf& picture, SxPicBufInfo const& format)
     return CxPicBufAPI::AllocPicBufFromHeap(picture, format, false, 0);
 }
 
-QString fx_DescribeFormat(SxPicBufInfo const& format)
-{
-    return QStringLiteral("%1 x %2, %3-bit %4")
-        .arg(format.width)
-        .arg(format.height)
-        .arg(format.bitsPerSample)
-        .arg(format.components == 1 ? QStringLiteral("grey") : QStringLiteral("colour"));
-}
-
 quint16 fx_HighestSample(SxPicBuf const& picture)
 {
     quint16 highest = 0;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QString>
-
 #include "SxPicBuf.h"
 
 /// Frees a picture's memory with the object: the one place where minihost pairs
@@ -31,9 +29,6 @@ bool fx_IsWordFormat(SxPicBufInfo const& format);
 /// Makes \p picture one of \p format (pitch left to the allocator): keeps its memory when size,
 /// components and sample type agree, otherwise replaces it. False when there is no memory.
 bool fx_PreparePicture(SxPicBuf& picture, SxPicBufInfo const& format);
-
-/// "1280 x 720, 8-bit colour", "640 x 480, 12-bit grey".
-QString fx_DescribeFormat(SxPicBufInfo const& format);
 
 /// The highest sample of a word picture; a fourth component does not count.
 quint16 fx_HighestSample(SxPicBuf const& picture);

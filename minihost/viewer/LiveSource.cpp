@@ -26,7 +26,6 @@ public:
     }
     QString errorText() const override { return m_live.m_source->errorText(); }
     int expectedPictures() const override { return m_live.m_source->expectedPictures(); }
-    QString description() const override { return m_live.m_source->description(); }
     bool knowsSignificantBits() const override { return m_live.m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_live.m_source->takeWarnings(); }
 

@@ -4,7 +4,6 @@
 #include <QObject>
 #include <QQueue>
 #include <QTimer>
-#include <memory>
 #include <optional>
 
 #include "PictureReader.h"

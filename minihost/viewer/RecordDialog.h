@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <memory>
 
 #include "IxImageDataSaver.h"
 #include "PluginHost.h"

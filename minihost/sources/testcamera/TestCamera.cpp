@@ -99,8 +99,6 @@ QString CxTestCamera::errorText() const
     return QStringLiteral("The test camera has no memory for a picture.");
 }
 
-QString CxTestCamera::description() const { return fx_DescribeFormat(m_options.format); }
-
 /// The noise of one row, put on \p count samples in pieces from random places.
 template<class Sample>
 void CxTestCamera::addNoise(CxRandom& random, quint16 const* samples, size_t count, Sample* noisy) const

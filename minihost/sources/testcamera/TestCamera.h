@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QStringList>
-#include <memory>
 #include <optional>
 
 #include "FixedMath.h"
@@ -36,7 +35,6 @@ public:
     Result next(SxPicBuf& picture) override;
     QString errorText() const override;
     int expectedPictures() const override { return m_options.frames == 0 ? -1 : m_options.frames; }
-    QString description() const override;
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
 

@@ -1,7 +1,6 @@
 #include "TestScene.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "FixedMath.h"
 #include "LedDigits.h"
