@@ -4,13 +4,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "PictureRate.h"
 #include "RateAdvice.h"
 #include "Readable.h"
 
-static double const kPicturesASecond = 30.0; // what a player assumes for these files
 static int const kMostRanges = 8;
 
-static double fx_Seconds(SxRecordSummary const& summary) { return summary.coded / kPicturesASecond; }
+static double fx_Seconds(SxRecordSummary const& summary) { return double(summary.coded) / kPicturesASecond; }
 
 static double fx_MeanBitRate(SxRecordSummary const& summary)
 {
@@ -37,9 +37,10 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
         if (!summary.skipped.isEmpty())
             coded += QStringLiteral(" (%1)").arg(fx_ReadableRanges(summary.skipped, kMostRanges));
         lines += coded;
-        lines += QStringLiteral("  %1, %2 on average, plays %3 s at 30 pictures a second")
+        lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4 pictures a second")
                      .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
-                     .arg(fx_Seconds(summary), 0, 'f', 1);
+                     .arg(fx_Seconds(summary), 0, 'f', 1)
+                     .arg(kPicturesASecond);
     } else {
         lines += QStringLiteral("  no regular file: its size and the skipped pictures are unknown");
     }

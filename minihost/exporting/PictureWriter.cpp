@@ -7,6 +7,8 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include "PictureRate.h"
+
 namespace {
 
 struct SxPictureFileKind
@@ -95,7 +97,7 @@ int CxPictureEncoder::prepare(SxPicBuf const& picture)
 
     codec->width = width;
     codec->height = height;
-    codec->time_base = {1, 30};
+    codec->time_base = {1, kPicturesASecond};
     codec->pix_fmt = isJpeg ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_RGB24;
     codec->color_range = AVCOL_RANGE_JPEG;
     if (isJpeg) {
@@ -179,9 +181,10 @@ std::optional<QByteArray> CxPictureStream::next(SxPicBuf const& picture)
     QByteArray header;
     if (m_format == Format::Y4m) {
         if (!m_hasBegun)
-            header = QStringLiteral("YUV4MPEG2 W%1 H%2 F30:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
+            header = QStringLiteral("YUV4MPEG2 W%1 H%2 F%3:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
                          .arg(picture.width)
                          .arg(picture.height)
+                         .arg(kPicturesASecond)
                          .toLatin1();
         header += "FRAME\n";
     }

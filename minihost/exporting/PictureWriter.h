@@ -39,7 +39,7 @@ class CxPictureStream
 {
 public:
     enum class Format {
-        Y4m,   ///< YUV4MPEG2, 8-bit 4:2:0, ITU-R BT.601 with video range, 30 pictures a second
+        Y4m,   ///< YUV4MPEG2, 8-bit 4:2:0, ITU-R BT.601 with video range, kPicturesASecond
         Bgra,  ///< rows of blue, green, red, 255; nothing between rows or pictures
         Rgb24, ///< rows of red, green, blue; nothing between rows or pictures
     };

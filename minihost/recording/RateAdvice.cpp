@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-static int const kPicturesASecond = 30; // the encoder's fixed rate
+#include "PictureRate.h"
 
 /// Highest bit rate of a level: MaxBR of ITU-T H.264, Table A-1, times 1200.
 static qint64 fx_HighestBitRate(int level)

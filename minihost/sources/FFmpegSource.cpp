@@ -4,13 +4,12 @@
 #include <utility>
 
 #include "PictureFormat.h"
+#include "PictureRate.h"
 
 extern "C" {
 #include <libavdevice/avdevice.h>
 #include <libavutil/log.h>
 }
-
-static int const kPicturesASecond = 30;
 
 /// What to hand to FFmpeg for one input as its user wrote it.
 struct SxFFmpegInput
@@ -254,7 +253,7 @@ bool CxFFmpegSource::decodeFrame()
     }
 }
 
-/// Microseconds from the first picture: the input's own clock, or 30 pictures a second.
+/// Microseconds from the first picture: the input's own clock, or kPicturesASecond.
 quint64 CxFFmpegSource::timestampOf(AVFrame const& frame)
 {
     quint64 const count = static_cast<quint64>(m_delivered);

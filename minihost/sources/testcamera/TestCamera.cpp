@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "PictureFormat.h"
+#include "PictureRate.h"
 
 namespace {
 
@@ -149,7 +150,7 @@ IxPictureSource::Result CxTestCamera::next(SxPicBuf& picture)
     if (!fx_PreparePicture(picture, m_options.format))
         return Result::Error;
     fill(m_scene.draw(m_frame), picture);
-    picture.timestamp = static_cast<quint64>(m_frame) * 1000000 / 30;
+    picture.timestamp = static_cast<quint64>(m_frame) * 1000000 / kPicturesASecond;
     ++m_frame;
     return Result::Picture;
 }

@@ -4,6 +4,7 @@
 
 #include "FixedMath.h"
 #include "LedDigits.h"
+#include "PictureRate.h"
 
 namespace {
 
@@ -221,7 +222,7 @@ void CxTestScene::drawCounter(int frame)
     while (number.size() > 1 && fx_LedWidth(number, height) > m_canvas.width - 2 * margin)
         number.remove(0, 1); // a tiny picture shows the last digits
 
-    qint64 const ms = qint64{frame} * 1000 / 30;
+    qint64 const ms = qint64{frame} * 1000 / kPicturesASecond;
     auto const two = [](qint64 value) { return QByteArray::number(value).rightJustified(2, '0'); };
     QByteArray const time = two(ms / 60000) + ':' + two(ms / 1000 % 60) + '.' +
                             QByteArray::number(ms % 1000).rightJustified(3, '0');

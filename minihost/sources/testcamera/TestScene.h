@@ -12,7 +12,7 @@ class CxTestScene
 public:
     CxTestScene(int width, int height); ///< 16 pixels or more each way
 
-    /// Draws picture \p frame, counted from 0 at 30 pictures a second. Valid until the next call.
+    /// Draws picture \p frame, counted from 0 at kPicturesASecond. Valid until the next call.
     SxCanvas const& draw(int frame);
 
 private:
