@@ -21,7 +21,8 @@ struct SxCodedFrame
 
 /// A raw H.264 file opened through the plug-in's loader: its frames as coded and as pictures.
 ///
-/// A plug-in must be loaded and a CxPluginMessages alive. One thread at a time.
+/// A plug-in must be loaded and a CxPluginMessages alive. The loader, whose parts know their thread, is made
+/// by open(): open, use and delete an object in one thread, which need not be the one that made it.
 class CxRecordingReader
 {
 public:

@@ -20,7 +20,8 @@
 #include <QVBoxLayout>
 
 #include "CodecOptions.h"
-#include "Timeline.h"
+#include "SameFile.h"
+#include "TimeCode.h"
 
 static QString const kFolderKey = QStringLiteral("record/folder");
 static QString const kCodecOptionsKey = QStringLiteral("record/h264");
@@ -224,8 +225,7 @@ void CxRecordDialog::updateState()
 bool CxRecordDialog::mayWrite(QString const& fileName)
 {
     QFileInfo const info(fileName);
-    if (!m_sourceFile.isEmpty() && info.exists() &&
-        info.canonicalFilePath() == QFileInfo(m_sourceFile).canonicalFilePath()) {
+    if (fx_IsSameFile(m_sourceFile, fileName)) {
         m_note->setText(tr("That is the recording being read. Please choose another name."));
         return false;
     }

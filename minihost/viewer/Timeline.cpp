@@ -6,22 +6,13 @@
 #include <cmath>
 
 #include "MousePosition.h"
+#include "TimeCode.h"
 
 static constexpr int kHandleRadius = 7;
 static constexpr int kGrooveHeight = 4;
 static constexpr int kMarkGap = 4; // between the line and the marks
 static constexpr int kMarkHeight = 6;
 static constexpr int kMarkSpacing = 3; // marks nearer than that would be one block
-
-QString fx_TimeCode(int number, double fps)
-{
-    qint64 const time = fps > 0.0 ? static_cast<qint64>(std::floor(number * 1000.0 / fps)) : 0;
-    return QStringLiteral("%1:%2:%3.%4")
-        .arg(time / 3600000)
-        .arg(time / 60000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(time / 1000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(time % 1000, 3, 10, QLatin1Char('0'));
-}
 
 CxTimeline::CxTimeline(QWidget* parent)
     : QAbstractSlider(parent)

@@ -35,6 +35,3 @@ private:
     QList<int> m_keyFrames;
     bool m_isHovered = false;
 };
-
-/// Hours, minutes, seconds and milliseconds at which picture \p number begins: "0:01:02.033".
-QString fx_TimeCode(int number, double fps);

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "Actions.h"
+#include "TimeCode.h"
 #include "Timeline.h"
 
 static constexpr int kButtonSide = 24;

@@ -7,6 +7,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
+#include <unistd.h>
 
 #include "CodecOptions.h"
 #include "support/RecordDialogUser.h"
@@ -155,10 +156,14 @@ void tst_RecordDialog::refusesSourceAsTarget()
     QVERIFY(m_viewer->open(m_recording));
     qint64 const size = QFileInfo(m_recording).size();
     CxRecordDialogUser const user(m_viewer->window);
-    user.setFile(m_recording);
-    user.click("start");
-    QVERIFY(user.dialog->isVisible());
-    QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
+    QByteArray const otherName = QFile::encodeName(m_fixture->path(QStringLiteral("hardlink.h264")));
+    QCOMPARE(link(QFile::encodeName(m_recording).constData(), otherName.constData()), 0);
+    for (QString const& fileName : {m_recording, QFile::decodeName(otherName)}) {
+        user.setFile(fileName);
+        user.click("start");
+        QVERIFY(user.dialog->isVisible());
+        QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
+    }
     QCOMPARE(QFileInfo(m_recording).size(), size);
 }
 
