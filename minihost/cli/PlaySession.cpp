@@ -66,5 +66,5 @@ CxPlaySession::CxPlaySession(SxPlayArguments const& arguments)
 
 bool CxPlaySession::open(QString& error)
 {
-    return m_host.load(m_arguments.pluginPath, error) && m_recording.open(m_arguments.file, error);
+    return m_host.load(m_arguments.pluginPath, error) && m_recording.emplace().open(m_arguments.file, error);
 }

@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QString>
+#include <optional>
 
 #include "PluginHost.h"
 #include "PluginMessages.h"
@@ -40,11 +41,11 @@ public:
     /// \return false, with \p error one sentence, when the plug-in or the recording cannot be had.
     bool open(QString& error);
 
-    CxRecordingReader& recording() { return m_recording; }
+    CxRecordingReader& recording() { return *m_recording; } ///< once open
 
 private:
     SxPlayArguments const& m_arguments;
     CxPluginMessages m_messages;
     CxPluginHost m_host;
-    CxRecordingReader m_recording; // last, so that its objects go before the plug-in finishes
+    std::optional<CxRecordingReader> m_recording; // last, so that its objects go before the plug-in finishes
 };

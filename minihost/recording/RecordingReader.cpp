@@ -86,6 +86,22 @@ static QString fx_CauseOfNoPicture(QStringList const& messages)
     return cause;
 }
 
+CxRecordingReader::CxRecordingReader()
+    : m_loader(fx_Create<IxImageDataLoader>("IxImageDataLoader", m_whyNoLoader))
+{}
+
+CxRecordingReader::CxRecordingReader(std::unique_ptr<QObject> loader)
+{
+    m_loader.as = static_cast<IxImageDataLoader*>(loader->qt_metacast("IxImageDataLoader"));
+    m_loader.object = std::move(loader);
+}
+
+void CxRecordingReader::moveToThread(QThread* thread)
+{
+    if (m_loader.object)
+        m_loader.object->moveToThread(thread);
+}
+
 bool CxRecordingReader::open(QString const& fileName, QString& error)
 {
     m_fileName = fileName;
@@ -94,9 +110,10 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
         error = QStringLiteral("%1: %2").arg(fileName, cause);
         return false;
     }
-    m_loader = fx_Create<IxImageDataLoader>("IxImageDataLoader", error);
-    if (m_loader.as == nullptr)
+    if (!m_loader.as) {
+        error = m_whyNoLoader;
         return false;
+    }
     m_accessor = static_cast<IxVideoAccessor*>(m_loader.object->qt_metacast("IxVideoAccessor"));
     if (m_accessor == nullptr) {
         error = QStringLiteral("The loaded plug-in gives no access to coded frames.");

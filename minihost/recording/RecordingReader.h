@@ -21,11 +21,16 @@ struct SxCodedFrame
 
 /// A raw H.264 file opened through the plug-in's loader: its frames as coded and as pictures.
 ///
-/// A plug-in must be loaded and a CxPluginMessages alive. The loader, whose parts know their thread, is made
-/// by open(): open, use and delete an object in one thread, which need not be the one that made it.
+/// A plug-in must be loaded and a CxPluginMessages alive. One thread at a time: made in the GUI thread, which
+/// alone may look classes up, then opened, used and deleted in one thread, after moveToThread() if another.
 class CxRecordingReader
 {
 public:
+    CxRecordingReader(); ///< reads with a loader of the loaded plug-ins
+    explicit CxRecordingReader(std::unique_ptr<QObject> loader); ///< an IxImageDataLoader and IxVideoAccessor
+
+    void moveToThread(QThread* thread); ///< before open(): what the loader makes becomes its children
+
     /// \return false, with \p error one sentence naming the file and the cause. Once for an object.
     bool open(QString const& fileName, QString& error);
 
@@ -54,6 +59,7 @@ public:
 
 private:
     QString m_fileName;
+    QString m_whyNoLoader; ///< one sentence, when there is none; filled while m_loader is made
     SxCreated<IxImageDataLoader> m_loader;
     IxVideoAccessor* m_accessor = nullptr; ///< the loader's
     std::vector<SxCodedFrame> m_frames;

@@ -2,32 +2,31 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
-#include "CxImageData.h"
 #include "PictureFormat.h"
 
-CxRecordingSource::CxRecordingSource(std::unique_ptr<QObject> loader, QString const& fileName, int first,
-                                     int last)
-    : m_loaderObject(std::move(loader))
-    , m_loader(static_cast<IxImageDataLoader*>(m_loaderObject->qt_metacast("IxImageDataLoader")))
+CxRecordingSource::CxRecordingSource(std::unique_ptr<CxRecordingReader> recording, QString fileName,
+                                     int first, int last)
+    : m_recording(std::move(recording))
+    , m_fileName(std::move(fileName))
     , m_first(first)
     , m_last(last)
     , m_next(first)
-{
-    m_loader->setInputFile(fileName);
-}
-
-CxRecordingSource::~CxRecordingSource() = default;
+{}
 
 IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
 {
     if (m_next > m_last)
         return Result::End;
-    std::unique_ptr<IxChainData> const loaded(m_loader->loadedData(m_next));
-    auto const* const data = qobject_cast<CxImageData const*>(loaded.get());
+    if (!m_isOpen && !m_recording->open(m_fileName, m_error))
+        return Result::Error;
+    m_isOpen = true;
+    QString cause;
+    std::unique_ptr<CxImageData> const data = m_recording->picture(m_next, cause);
     if (!data) {
         m_error =
-            QStringLiteral("Picture %1 of %2 cannot be decoded.").arg(m_next).arg(m_loader->inputFile());
+            QStringLiteral("Picture %1 of %2 cannot be decoded: %3.").arg(m_next).arg(m_fileName, cause);
         return Result::Error;
     }
     SxPicBuf const& source = *data->picBuf();
@@ -40,7 +39,7 @@ IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
     for (size_t y = 0; y < source.height; ++y)
         std::memcpy(picture.data + y * picture.pitch, source.data + y * source.pitch,
                     std::min(picture.pitch, source.pitch));
-    double const fps = m_loader->loadedFps();
+    double const fps = m_recording->assumedFps();
     picture.timestamp = static_cast<quint64>((m_next - m_first) * (fps > 0.0 ? 1e6 / fps : 0.0));
     ++m_next;
     return Result::Picture;

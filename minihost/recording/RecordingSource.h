@@ -1,22 +1,19 @@
 #pragma once
 
-#include <QObject>
 #include <memory>
 
-#include "IxImageDataLoader.h"
 #include "IxPictureSource.h"
+#include "RecordingReader.h"
 
 /// The pictures of a part of a recording, to be saved anew.
 class CxRecordingSource : public IxPictureSource
 {
 public:
-    /// \param loader  of the host's making; used and deleted by the thread that reads.
+    /// \param recording  not opened yet; the first next() does.
     /// \param first, last  numbers of the pictures at the ends, both included.
-    CxRecordingSource(std::unique_ptr<QObject> loader, QString const& fileName, int first, int last);
-    ~CxRecordingSource() override;
+    CxRecordingSource(std::unique_ptr<CxRecordingReader> recording, QString fileName, int first, int last);
 
-    /// Gives the loader to the thread that will read: what it makes there becomes its children.
-    void moveToThread(QThread* thread) { m_loaderObject->moveToThread(thread); }
+    void moveToThread(QThread* thread) { m_recording->moveToThread(thread); } ///< that reads and deletes this
 
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error; }
@@ -25,10 +22,11 @@ public:
     QStringList takeWarnings() override { return {}; }
 
 private:
-    std::unique_ptr<QObject> m_loaderObject;
-    IxImageDataLoader* m_loader;
+    std::unique_ptr<CxRecordingReader> m_recording;
+    QString m_fileName;
     int m_first;
     int m_last;
     int m_next;
+    bool m_isOpen = false;
     QString m_error;
 };

@@ -3,9 +3,6 @@
 #include <QMutexLocker>
 #include <algorithm>
 
-#include "IxVideoAccessor.h"
-#include "PluginMessages.h"
-
 CxPictureReader::CxPictureReader(qint64 memoryLimit, QObject* parent)
     : QThread(parent)
     , m_memoryLimit(memoryLimit)
@@ -25,12 +22,12 @@ CxPictureReader::~CxPictureReader()
     wait();
 }
 
-void CxPictureReader::open(std::unique_ptr<QObject> loader, QString const& fileName)
+void CxPictureReader::open(std::unique_ptr<CxRecordingReader> recording, QString const& fileName)
 {
-    loader->moveToThread(this);
+    recording->moveToThread(this);
     QMutexLocker const lock(&m_mutex);
-    // A loader that nobody opened yet belongs to no thread's work and may go right here.
-    m_newLoader = std::move(loader);
+    // One that has opened nothing yet belongs to no thread's work and may go right here.
+    m_newRecording = std::move(recording);
     m_newFileName = fileName;
     m_hasNewFile = true;
     m_order.reset();
@@ -40,7 +37,7 @@ void CxPictureReader::open(std::unique_ptr<QObject> loader, QString const& fileN
 void CxPictureReader::closeRecording()
 {
     QMutexLocker const lock(&m_mutex);
-    m_newLoader.reset();
+    m_newRecording.reset();
     m_hasNewFile = true;
     m_order.reset();
     m_wake.wakeOne();
@@ -57,7 +54,7 @@ int CxPictureReader::request(int number, bool isBackwards)
 void CxPictureReader::run()
 {
     for (;;) {
-        std::unique_ptr<QObject> loader;
+        std::unique_ptr<CxRecordingReader> recording;
         QString fileName;
         bool hasNewFile = false;
         std::optional<SxOrder> order;
@@ -69,54 +66,51 @@ void CxPictureReader::run()
                 break;
             hasNewFile = m_hasNewFile;
             m_hasNewFile = false;
-            loader = std::move(m_newLoader);
+            recording = std::move(m_newRecording);
             fileName = m_newFileName;
             order.swap(m_order);
         }
         if (hasNewFile)
-            openLoader(std::move(loader), fileName);
-        if (order && m_loader)
+            openFile(std::move(recording), fileName);
+        if (order && m_recording)
             fulfil(*order);
     }
     m_kept.clear();
-    m_loaderObject.reset(); // in the thread that used it
+    m_recording.reset(); // in the thread that used it
 }
 
-void CxPictureReader::openLoader(std::unique_ptr<QObject> loader, QString const& fileName)
+void CxPictureReader::openFile(std::unique_ptr<CxRecordingReader> recording, QString const& fileName)
 {
     m_kept.clear();
     m_keptBytes = 0;
-    m_loader = nullptr;
-    m_loaderObject = std::move(loader);
-    if (!m_loaderObject)
+    m_recording.reset();
+    if (!recording)
         return;
 
-    auto* const opening = static_cast<IxImageDataLoader*>(m_loaderObject->qt_metacast("IxImageDataLoader"));
-    CxPluginMessages::take(); // what follows belongs to this file
-    opening->setInputFile(fileName);
-    int const count = opening->load() ? opening->sequenceSize() : 0;
-    if (count == 0) {
-        m_loaderObject.reset();
-        emit openFailed(fileName, CxPluginMessages::take());
+    QString error;
+    if (!recording->open(fileName, error)) {
+        emit openFailed(fileName, error);
         return;
     }
-    m_loader = opening;
-    m_info = {fileName, count, opening->loadedFps(), {}};
-    if (auto* const video = static_cast<IxVideoAccessor*>(m_loaderObject->qt_metacast("IxVideoAccessor")))
-        video->keyFrames(m_info.keyFrames);
+    m_recording = std::move(recording);
+    m_info = {fileName, m_recording->frameCount(), m_recording->assumedFps(), m_recording->keyFrames()};
     emit opened(m_info);
 }
 
 void CxPictureReader::fulfil(SxOrder const& order)
 {
-    CxPluginMessages::take();
     SxShownPicture picture;
-    bool const done =
-        order.isBackwards ? readGroupUpTo(order.number, picture) : read(order.number, false, picture);
+    QString cause;
+    bool const done = order.isBackwards ? readGroupUpTo(order.number, picture, cause)
+                                        : read(order.number, false, picture, cause);
     if (done)
         emit pictureRead(order.ticket, picture);
     else if (!order.isBackwards || !isSuperseded())
-        emit pictureFailed(order.ticket, order.number, CxPluginMessages::take());
+        emit pictureFailed(order.ticket, order.number,
+                           QStringLiteral("%1: frame %2 cannot be decoded: %3.")
+                               .arg(m_info.fileName)
+                               .arg(order.number)
+                               .arg(cause));
 }
 
 bool CxPictureReader::isSuperseded()
@@ -125,20 +119,18 @@ bool CxPictureReader::isSuperseded()
     return m_quit || m_hasNewFile || m_order;
 }
 
-bool CxPictureReader::read(int number, bool isBackwards, SxShownPicture& picture)
+bool CxPictureReader::read(int number, bool isBackwards, SxShownPicture& picture, QString& cause)
 {
     auto const kept = m_kept.find(number);
     if (kept != m_kept.end()) {
         picture = kept->second;
         return true;
     }
-    std::unique_ptr<IxChainData> loaded(m_loader->loadedData(number));
+    std::unique_ptr<CxImageData> data = m_recording->picture(number, cause);
     ++m_decoded;
-    auto* const data = qobject_cast<CxImageData*>(loaded.get());
     if (!data)
         return false;
-    static_cast<void>(loaded.release()); // data owns it now
-    picture = fx_ShownPicture(number, std::unique_ptr<CxImageData>(data));
+    picture = fx_ShownPicture(number, std::move(data));
     keep(picture, isBackwards);
     return true;
 }
@@ -152,10 +144,10 @@ int CxPictureReader::groupStart(int number) const
 
 /// Decodes the group of pictures once, on the way keeping those just before \p number, as many as the
 /// memory limit allows.
-bool CxPictureReader::readGroupUpTo(int number, SxShownPicture& picture)
+bool CxPictureReader::readGroupUpTo(int number, SxShownPicture& picture, QString& cause)
 {
     if (m_kept.count(number) != 0)
-        return read(number, true, picture);
+        return read(number, true, picture, cause);
     int first = groupStart(number);
     if (!m_kept.empty()) {
         qint64 const each = std::max<qint64>(m_keptBytes / static_cast<qint64>(m_kept.size()), 1);
@@ -166,9 +158,9 @@ bool CxPictureReader::readGroupUpTo(int number, SxShownPicture& picture)
         if (isSuperseded())
             return false;
         SxShownPicture passed;
-        read(i, true, passed); // one that fails on the way does not matter here
+        read(i, true, passed, cause); // one that fails on the way does not matter here
     }
-    return read(number, true, picture);
+    return read(number, true, picture, cause);
 }
 
 /// Keeps a picture and gives up others once they are too many: those farthest from it, but on the way back

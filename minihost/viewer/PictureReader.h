@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QMutex>
-#include <QStringList>
 #include <QThread>
 #include <QWaitCondition>
 #include <atomic>
@@ -9,8 +8,8 @@
 #include <memory>
 #include <optional>
 
-#include "IxImageDataLoader.h"
 #include "OpenedRecording.h"
+#include "RecordingReader.h"
 #include "ShownPicture.h"
 
 /// Reads the pictures of one recording at a time in a thread of its own.
@@ -28,8 +27,9 @@ public:
     explicit CxPictureReader(qint64 memoryLimit = kDefaultMemory, QObject* parent = nullptr);
     ~CxPictureReader() override;
 
-    /// Opens \p fileName with a loader of the host's making; the reader deletes it in its thread.
-    void open(std::unique_ptr<QObject> loader, QString const& fileName);
+    /// Opens \p fileName with \p recording, which has opened nothing yet; it is deleted in the reader's
+    /// thread.
+    void open(std::unique_ptr<CxRecordingReader> recording, QString const& fileName);
     void closeRecording();
 
     /// Asks for one picture. \p isBackwards announces that the pictures before it come next: the group of
@@ -41,9 +41,9 @@ public:
 
 signals:
     void opened(SxOpenedRecording const& info);
-    void openFailed(QString const& fileName, QStringList const& messages);
+    void openFailed(QString const& fileName, QString const& error); ///< one sentence
     void pictureRead(int ticket, SxShownPicture const& picture);
-    void pictureFailed(int ticket, int number, QStringList const& messages);
+    void pictureFailed(int ticket, int number, QString const& error);
 
 protected:
     void run() override;
@@ -57,10 +57,10 @@ private:
         bool isBackwards = false;
     };
 
-    void openLoader(std::unique_ptr<QObject> loader, QString const& fileName);
+    void openFile(std::unique_ptr<CxRecordingReader> recording, QString const& fileName);
     void fulfil(SxOrder const& order);
-    bool read(int number, bool isBackwards, SxShownPicture& picture);
-    bool readGroupUpTo(int number, SxShownPicture& picture);
+    bool read(int number, bool isBackwards, SxShownPicture& picture, QString& cause);
+    bool readGroupUpTo(int number, SxShownPicture& picture, QString& cause);
     int groupStart(int number) const;
     void keep(SxShownPicture const& picture, bool isBackwards);
     bool isSuperseded();
@@ -70,7 +70,7 @@ private:
     QWaitCondition m_wake;
     bool m_quit = false;
     bool m_hasNewFile = false;
-    std::unique_ptr<QObject> m_newLoader; ///< null with m_hasNewFile: only close
+    std::unique_ptr<CxRecordingReader> m_newRecording; ///< null with m_hasNewFile: only close
     QString m_newFileName;
     std::optional<SxOrder> m_order;
     int m_lastTicket = 0;
@@ -78,8 +78,7 @@ private:
 
     // The thread's own
     qint64 m_memoryLimit;
-    std::unique_ptr<QObject> m_loaderObject;
-    IxImageDataLoader* m_loader = nullptr;
+    std::unique_ptr<CxRecordingReader> m_recording; ///< null unless open
     SxOpenedRecording m_info;
     std::map<int, SxShownPicture> m_kept; ///< by number
     qint64 m_keptBytes = 0;

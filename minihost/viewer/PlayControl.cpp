@@ -109,27 +109,20 @@ static QString fx_WhyNotOpened(QString const& fileName)
     return CxPlayControl::tr("“%1” is not an H.264 recording, or its beginning is damaged.").arg(name);
 }
 
-/// What the plug-in said, for the message's details.
-static QStringList fx_Details(QStringList const& messages)
-{
-    return messages.isEmpty() ? QStringList{CxPlayControl::tr("The plug-in gave no reason.")} : messages;
-}
-
-void CxPlayControl::takeOpenFailure(QString const& fileName, QStringList const& messages)
+void CxPlayControl::takeOpenFailure(QString const& fileName, QString const& error)
 {
     m_player.close();
     m_view.setPicture({});
-    m_messages.showMessage(CxMessageBar::Kind::Warning, fx_WhyNotOpened(fileName), fx_Details(messages));
+    m_messages.showMessage(CxMessageBar::Kind::Warning, fx_WhyNotOpened(fileName), {error});
     emit openFailed();
 }
 
-void CxPlayControl::takePictureFailure(int number, QStringList const& messages)
+void CxPlayControl::takePictureFailure(int number, QString const& error)
 {
     QString const text = tr("Picture %1 cannot be shown: the recording is damaged there.").arg(number);
     m_view.setNotice(text);
     m_transport.showNumber(number);
     m_messages.showMessage(CxMessageBar::Kind::Warning,
-                           text + QLatin1Char(' ') + tr("Other pictures may still be fine."),
-                           fx_Details(messages));
+                           text + QLatin1Char(' ') + tr("Other pictures may still be fine."), {error});
     emit pictureFailed();
 }

@@ -37,8 +37,8 @@ private:
     void connectTimeline();
     void askForNumber();
     void takeOpened(SxOpenedRecording const& info);
-    void takeOpenFailure(QString const& fileName, QStringList const& messages);
-    void takePictureFailure(int number, QStringList const& messages);
+    void takeOpenFailure(QString const& fileName, QString const& error);
+    void takePictureFailure(int number, QString const& error);
 
     CxActions& m_actions;
     CxPictureView& m_view;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "PluginHost.h"
-
 static constexpr qint64 kSecond = 1000000000;
 
 CxPlayer::CxPlayer(QObject* parent)
@@ -22,13 +20,7 @@ CxPlayer::CxPlayer(QObject* parent)
 void CxPlayer::open(QString const& fileName)
 {
     close();
-    QString error;
-    std::unique_ptr<QObject> loader = CxPluginHost::create("IxImageDataLoader", error);
-    if (!loader) {
-        emit openFailed(fileName, {error});
-        return;
-    }
-    m_reader.open(std::move(loader), fileName);
+    m_reader.open(std::make_unique<CxRecordingReader>(), fileName);
 }
 
 void CxPlayer::close()
@@ -172,7 +164,7 @@ void CxPlayer::show(SxShownPicture const& picture)
     emit shown(picture);
 }
 
-void CxPlayer::takeFailure(int ticket, int number, QStringList const& messages)
+void CxPlayer::takeFailure(int ticket, int number, QString const& error)
 {
     if (ticket < m_firstTicket)
         return;
@@ -180,7 +172,7 @@ void CxPlayer::takeFailure(int ticket, int number, QStringList const& messages)
     m_reached = number;
     m_aheadTicket = 0;
     setPlaying(false);
-    emit pictureFailed(number, messages);
+    emit pictureFailed(number, error);
 }
 
 void CxPlayer::measureRate()

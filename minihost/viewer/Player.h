@@ -41,16 +41,16 @@ public slots:
 
 signals:
     void opened(SxOpenedRecording const& info);
-    void openFailed(QString const& fileName, QStringList const& messages);
+    void openFailed(QString const& fileName, QString const& error); ///< one sentence
     void shown(SxShownPicture const& picture);
-    void pictureFailed(int number, QStringList const& messages);
+    void pictureFailed(int number, QString const& error);
     void playingChanged(bool isPlaying);
     void rateMeasured(double picturesPerSecond); ///< really shown during the last second; 0 while not playing
 
 private:
     void takeOpened(SxOpenedRecording const& info);
     void takePicture(int ticket, SxShownPicture const& picture);
-    void takeFailure(int ticket, int number, QStringList const& messages);
+    void takeFailure(int ticket, int number, QString const& error);
     void requestAhead();
     void showHeld();
     void show(SxShownPicture const& picture);

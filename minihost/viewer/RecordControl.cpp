@@ -53,8 +53,7 @@ void CxRecordControl::start(SxRecordChoice const& choice)
         m_live.record(m_job.get());
     } else {
         m_bar.begin(choice.request.outputFile, choice.last - choice.first + 1);
-        QString error;
-        m_job->start(std::make_unique<CxRecordingSource>(CxPluginHost::create("IxImageDataLoader", error),
+        m_job->start(std::make_unique<CxRecordingSource>(std::make_unique<CxRecordingReader>(),
                                                          m_play.player().info().fileName, choice.first,
                                                          choice.last));
     }

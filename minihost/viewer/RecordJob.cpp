@@ -21,9 +21,12 @@ CxRecordJob::~CxRecordJob()
 
 void CxRecordJob::start(std::unique_ptr<CxRecordingSource> source)
 {
-    std::shared_ptr<CxRecordingSource> const shared(std::move(source));
-    m_thread.reset(QThread::create([this, shared] { run(*shared); }));
-    shared->moveToThread(m_thread.get());
+    CxRecordingSource& moved = *source;
+    m_thread.reset(QThread::create([this, source = std::move(source)]() mutable {
+        run(*source);
+        source.reset(); // in the thread that used it
+    }));
+    moved.moveToThread(m_thread.get());
     m_thread->start();
 }
 

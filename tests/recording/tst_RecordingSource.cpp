@@ -30,8 +30,7 @@ void tst_RecordingSource::initTestCase()
 
 void tst_RecordingSource::givesPartOfRecording()
 {
-    QString error;
-    CxRecordingSource source(CxPluginHost::create("IxImageDataLoader", error), m_recording, 7, 9);
+    CxRecordingSource source(std::make_unique<CxRecordingReader>(), m_recording, 7, 9);
     QCOMPARE(source.expectedPictures(), 3);
     CxOwnedPicture picture;
     for (int number = 7; number <= 9; ++number) {
@@ -48,7 +47,8 @@ void tst_RecordingSource::givesPartOfRecording()
 void tst_RecordingSource::endsAtBrokenPicture()
 {
     SxLoaderLog log;
-    CxRecordingSource source(std::make_unique<CxFakeLoader>(log), QStringLiteral("name"), 12, 20);
+    CxRecordingSource source(std::make_unique<CxRecordingReader>(std::make_unique<CxFakeLoader>(log)),
+                             m_recording, 12, 20);
     CxOwnedPicture picture;
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Error);

@@ -42,7 +42,7 @@ public:
     double loadedFps() override { return 30.0; }
     QList<CxImageFormat> supportedImageFormats() override { return {}; }
     int framesCount() override { return 40; }
-    unsigned long frameDataSize(int) override { return 0; }
+    unsigned long frameDataSize(int) override { return 1; }
     bool frameData(int, void*, unsigned long&) override { return false; }
     int lastProcessedFrame() override { return -1; }
     void keyFrames(QList<int>& frames) override { frames = {0, 10, 20, 30}; }

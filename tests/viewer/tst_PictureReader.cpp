@@ -21,6 +21,7 @@ public:
     }
     int ask(int number, bool isBackwards = false) { return answer(reader.request(number, isBackwards)); }
 
+    QString const fileName = QCoreApplication::applicationFilePath(); ///< exists, which is all that matters
     CxPictureReader reader;
     QList<SxOpenedRecording> opened;
     QMap<int, SxShownPicture> read; ///< by ticket
@@ -42,7 +43,7 @@ CxProbe::CxProbe(SxLoaderLog& log, qint64 memory)
 bool CxProbe::open(SxLoaderLog& log)
 {
     auto const before = opened.size();
-    reader.open(std::make_unique<CxFakeLoader>(log), QStringLiteral("name"));
+    reader.open(std::make_unique<CxRecordingReader>(std::make_unique<CxFakeLoader>(log)), fileName);
     return QTest::qWaitFor([&] { return opened.size() > before; });
 }
 
@@ -67,7 +68,7 @@ void tst_PictureReader::readsInItsOwnThread()
     CxProbe probe(log);
     QCOMPARE(probe.opened.size(), 1);
     SxOpenedRecording const info = probe.opened.first();
-    QCOMPARE(info.fileName, QStringLiteral("name"));
+    QCOMPARE(info.fileName, probe.fileName);
     QCOMPARE(info.count, 40);
     QCOMPARE(info.fps, 30.0);
     QCOMPARE(info.keyFrames, (QList<int>{0, 10, 20, 30}));
@@ -116,7 +117,8 @@ void tst_PictureReader::newFileDropsRequests()
     first.entered.acquire();
     probe.reader.request(2);
     first.gate.release(2);
-    probe.reader.open(std::make_unique<CxFakeLoader>(second), QStringLiteral("name"));
+    probe.reader.open(std::make_unique<CxRecordingReader>(std::make_unique<CxFakeLoader>(second)),
+                      probe.fileName);
     QTRY_COMPARE(probe.opened.size(), 2);
     QCOMPARE(probe.ask(3), 3);
     QCOMPARE(second.take(), (QVector<int>{3}));

@@ -305,10 +305,6 @@
         <translation>„%1“ ist keine H.264-Aufnahme, oder ihr Anfang ist beschädigt.</translation>
     </message>
     <message>
-        <source>The plug-in gave no reason.</source>
-        <translation>Das Plug-in hat keinen Grund genannt.</translation>
-    </message>
-    <message>
         <source>Picture %1 cannot be shown: the recording is damaged there.</source>
         <translation>Bild %1 lässt sich nicht zeigen: Die Aufnahme ist dort beschädigt.</translation>
     </message>
