@@ -2,13 +2,6 @@
 
 #include <QString>
 
-/// What a command ends with.
-enum ExitCode {
-    kDone = 0,
-    kFailed = 1,
-    kWrongUsage = 2,
-};
-
 /// The terminal, or what stands in for it: data on standard output, messages on standard error, each
 /// message one sentence. Colour only on a terminal and without NO_COLOR.
 namespace Console {

@@ -7,55 +7,74 @@
 
 namespace {
 
+/// Sees that nothing of a file is asked for beside hashes; one sentence when it is.
+QString fx_CheckHashes(QCommandLineParser const& parser)
+{
+    if (parser.value(QStringLiteral("hash")) != QLatin1String("md5"))
+        return QStringLiteral("--hash takes md5, not '%1'.").arg(parser.value(QStringLiteral("hash")));
+    for (char const* other : {"output", "stream", "sheet", "overwrite"}) {
+        if (parser.isSet(QString::fromLatin1(other)))
+            return QStringLiteral("--hash prints hashes instead of writing pictures, so --%1 has no place.")
+                .arg(QLatin1String(other));
+    }
+    return QString();
+}
+
+/// Sees that the options fit a stream; one sentence when they do not.
+QString fx_CheckStream(QCommandLineParser const& parser, SxExportArguments const& parsed)
+{
+    QString const& output = parsed.request.output;
+    bool const isStdout = output == QLatin1String("-");
+    QString const suffix = QFileInfo(output).suffix().toLower();
+    if (parser.isSet(QStringLiteral("sheet")))
+        return isStdout ? QStringLiteral("--sheet needs a file as --output.")
+                        : QStringLiteral("--sheet makes one picture, so --stream has no place.");
+    if (!isStdout && CxPictureEncoder::suffixes().contains(suffix))
+        return QStringLiteral("'%1' is a picture's name; --stream puts all frames behind each other.")
+            .arg(output);
+    if (suffix == QLatin1String("y4m") && parsed.request.stream != CxPictureStream::Format::Y4m)
+        return QStringLiteral("'%1' must hold y4m, not what --stream asks for.").arg(output);
+    if (isStdout && parsed.common.run.json)
+        return QStringLiteral("--json and the pictures cannot both go to standard output.");
+    return QString();
+}
+
+/// Sees that the output can be the name of pictures or a sheet; one sentence when it cannot.
+QString fx_CheckFileName(SxExportRequest const& request)
+{
+    if (!CxPictureEncoder::suffixes().contains(QFileInfo(request.output).suffix().toLower()))
+        return QStringLiteral("'%1' must end in one of %2.")
+            .arg(request.output,
+                 QStringLiteral(".") + CxPictureEncoder::suffixes().join(QStringLiteral(", .")));
+    if (!fx_FileNameOf(request.output, 0))
+        return QStringLiteral("'%1' has a percent sign that is neither a place for the frame number, as in "
+                              "frame_%05d.png, nor doubled.")
+            .arg(request.output);
+    if (request.kind == SxExportRequest::Kind::Sheet && fx_HasPlaceForNumber(request.output))
+        return QStringLiteral("A contact sheet is one picture: '%1' has no use for a frame number.")
+            .arg(request.output);
+    return QString();
+}
+
 /// Decides what is written, and sees that the options fit together; one sentence when they do not.
 QString fx_ChooseKind(QCommandLineParser const& parser, SxExportArguments& parsed)
 {
-    parsed.request.output = parser.value(QStringLiteral("output"));
+    SxExportRequest& request = parsed.request;
+    request.output = parser.value(QStringLiteral("output"));
     if (parser.isSet(QStringLiteral("hash"))) {
-        parsed.request.kind = SxExportRequest::Kind::Hashes;
-        if (parser.value(QStringLiteral("hash")) != QLatin1String("md5"))
-            return QStringLiteral("--hash takes md5, not '%1'.").arg(parser.value(QStringLiteral("hash")));
-        for (char const* other : {"output", "stream", "sheet", "overwrite"}) {
-            if (parser.isSet(QString::fromLatin1(other)))
-                return QStringLiteral(
-                           "--hash prints hashes instead of writing pictures, so --%1 has no place.")
-                    .arg(QLatin1String(other));
-        }
-        return QString();
+        request.kind = SxExportRequest::Kind::Hashes;
+        return fx_CheckHashes(parser);
     }
-    if (parsed.request.output.isEmpty())
+    if (request.output.isEmpty())
         return QStringLiteral("No --output is given.");
-    bool const isStdout = parsed.request.output == QLatin1String("-");
-    QString const suffix = QFileInfo(parsed.request.output).suffix().toLower();
-    if (isStdout || parser.isSet(QStringLiteral("stream")) || suffix == QLatin1String("y4m")) {
-        parsed.request.kind = SxExportRequest::Kind::Stream;
-        if (parser.isSet(QStringLiteral("sheet")))
-            return isStdout ? QStringLiteral("--sheet needs a file as --output.")
-                            : QStringLiteral("--sheet makes one picture, so --stream has no place.");
-        if (!isStdout && CxPictureEncoder::suffixes().contains(suffix))
-            return QStringLiteral("'%1' is a picture's name; --stream puts all frames behind each other.")
-                .arg(parsed.request.output);
-        if (suffix == QLatin1String("y4m") && parsed.request.stream != CxPictureStream::Format::Y4m)
-            return QStringLiteral("'%1' must hold y4m, not what --stream asks for.")
-                .arg(parsed.request.output);
-        if (isStdout && parsed.common.json)
-            return QStringLiteral("--json and the pictures cannot both go to standard output.");
-        return QString();
+    if (request.output == QLatin1String("-") || parser.isSet(QStringLiteral("stream")) ||
+        QFileInfo(request.output).suffix().toLower() == QLatin1String("y4m")) {
+        request.kind = SxExportRequest::Kind::Stream;
+        return fx_CheckStream(parser, parsed);
     }
     if (parser.isSet(QStringLiteral("sheet")))
-        parsed.request.kind = SxExportRequest::Kind::Sheet;
-    if (!CxPictureEncoder::suffixes().contains(suffix))
-        return QStringLiteral("'%1' must end in one of %2.")
-            .arg(parsed.request.output,
-                 QStringLiteral(".") + CxPictureEncoder::suffixes().join(QStringLiteral(", .")));
-    if (!fx_FileNameOf(parsed.request.output, 0))
-        return QStringLiteral("'%1' has a percent sign that is neither a place for the frame number, as in "
-                              "frame_%05d.png, nor doubled.")
-            .arg(parsed.request.output);
-    if (parsed.request.kind == SxExportRequest::Kind::Sheet && fx_HasPlaceForNumber(parsed.request.output))
-        return QStringLiteral("A contact sheet is one picture: '%1' has no use for a frame number.")
-            .arg(parsed.request.output);
-    return QString();
+        request.kind = SxExportRequest::Kind::Sheet;
+    return fx_CheckFileName(request);
 }
 
 QString fx_ReadValues(QCommandLineParser const& parser, SxExportArguments& parsed)
@@ -83,22 +102,41 @@ QString fx_ReadValues(QCommandLineParser const& parser, SxExportArguments& parse
     return error;
 }
 
+QVector<SxOption> fx_Options()
+{
+    QVector<SxOption> const own{
+        {"frames", 0, "SPEC",
+         QStringLiteral("4711, 10-20, 20-10, 10- (to the end), 0-300:30 (every 30th), key,\n"
+                        "all, or several of them with commas between; frames count from 0")},
+        {"output", 'o', "P",
+         QStringLiteral("a file name ending in .%1, with %d\n"
+                        "or %05d for the frame number; a name ending in .y4m for one\n"
+                        "stream; - for standard output")
+             .arg(CxPictureEncoder::suffixes().join(QStringLiteral(", .")))},
+        {"stream", 0, "F",
+         QStringLiteral("all frames behind each other, as standard output gets them:\n%1 (y4m)")
+             .arg(CxPictureStream::formatNames().join(QStringLiteral(", ")))},
+        {"sheet", 0, "COLUMNS", QStringLiteral("all frames on one picture, COLUMNS in a row, numbers below")},
+        {"hash", 0, "md5",
+         QStringLiteral("instead of pictures a line for each frame: its number and the MD5\n"
+                        "of its rows as blue, green, red, 255, without gaps between rows")},
+        {"overwrite", 0, nullptr, QStringLiteral("replace files that exist")},
+    };
+    return own + fx_RunOptions(QStringLiteral("what was written as JSON on standard output"));
+}
+
 } // namespace
 
 bool fx_ParseExportArguments(QStringList const& arguments, SxExportArguments& parsed, QString& error)
 {
     QCommandLineParser parser;
-    fx_DeclarePlayOptions(parser);
-    for (char const* name : {"frames", "hash", "stream", "sheet"})
-        parser.addOption({QString::fromLatin1(name), QString(), QStringLiteral("value")});
-    parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QString(), QStringLiteral("value")});
-    parser.addOption(QCommandLineOption(QStringLiteral("overwrite")));
+    fx_AddOptions(parser, fx_Options());
     if (!fx_ParsePlayArguments(parser, arguments, parsed.common, error))
         return false;
-    if (parsed.common.help)
+    if (parsed.common.run.help)
         return true;
     parsed.request.recording = parsed.common.file;
-    parsed.request.printsHashes = !parsed.common.json;
+    parsed.request.printsHashes = !parsed.common.run.json;
     parsed.request.overwrite = parser.isSet(QStringLiteral("overwrite"));
     error = fx_ReadValues(parser, parsed);
     if (error.isEmpty())
@@ -118,20 +156,6 @@ QString fx_ExportHelp()
                "  minihost export test.h264 --frames 299-0 --hash md5         what is in them\n"
                "\n"
                "Usage: minihost export FILE --frames SPEC --output PATTERN|- [options]\n"
-               "\n"
-               "  --frames SPEC       4711, 10-20, 20-10, 10- (to the end), 0-300:30 (every 30th), key,\n"
-               "                      all, or several of them with commas between; frames count from 0\n"
-               "  -o, --output P      a file name ending in .%1, with %d\n"
-               "                      or %05d for the frame number; a name ending in .y4m for one\n"
-               "                      stream; - for standard output\n"
-               "  --stream F          all frames behind each other, as standard output gets them:\n"
-               "                      %2 (y4m)\n"
-               "  --sheet COLUMNS     all frames on one picture, COLUMNS in a row, numbers below\n"
-               "  --hash md5          instead of pictures a line for each frame: its number and the MD5\n"
-               "                      of its rows as blue, green, red, 255, without gaps between rows\n"
-               "  --overwrite         replace files that exist\n"
-               "  --json              what was written as JSON on standard output\n")
-               .arg(CxPictureEncoder::suffixes().join(QStringLiteral(", .")),
-                    CxPictureStream::formatNames().join(QStringLiteral(", "))) +
-           fx_PlayOptionsHelp() + QStringLiteral("\nExit code: 0 done, 1 failed, 2 wrong usage.");
+               "\n") +
+           fx_OptionsHelp(fx_Options()) + QStringLiteral("\nExit code: 0 done, 1 failed, 2 wrong usage.");
 }

@@ -5,7 +5,7 @@
 
 #include "ExportRequest.h"
 #include "FrameSelection.h"
-#include "PlaySession.h"
+#include "PlayCommand.h"
 
 /// An `export` command line, checked as far as it can be without opening anything.
 struct SxExportArguments

@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "ExitCode.h"
 #include "ExportArguments.h"
 #include "ExportSink.h"
 #include "Interrupt.h"
@@ -84,33 +85,27 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     QString error;
     std::optional<QVector<int>> const frames =
         arguments.frames->frames(recording.frameCount(), recording.keyFrames(), error);
-    if (!frames || frames->isEmpty()) {
-        Console::error(QStringLiteral("%1: %2").arg(
+    if (!frames || frames->isEmpty())
+        return fx_Failed(QStringLiteral("%1: %2").arg(
             recording.fileName(), frames ? QStringLiteral("the recording has no key frames.") : error));
-        return kFailed;
-    }
     if (arguments.request.kind == SxExportRequest::Kind::Files &&
         frames->count(frames->first()) != frames->size() && !fx_HasPlaceForNumber(arguments.request.output))
         return fx_WrongUsage(QStringLiteral("export"),
                              QStringLiteral("'%1' needs a place for the frame number, as in frame_%05d.png.")
                                  .arg(arguments.request.output));
     std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(arguments.request, *frames, error);
-    if (!sink) {
-        Console::error(error);
-        return kFailed;
-    }
+    if (!sink)
+        return fx_Failed(error);
 
     Outcome const outcome =
         fx_Feed(recording, *frames, *sink, arguments.request.kind == SxExportRequest::Kind::Hashes, error);
     Console::transient(QString());
     if (outcome == Outcome::ReaderGone)
         return kDone; // "| head" has seen enough
-    if (arguments.common.json)
+    if (arguments.common.run.json)
         Console::data(fx_Json(arguments, *sink, error));
-    if (outcome == Outcome::Failed) {
-        Console::error(error);
-        return kFailed;
-    }
+    if (outcome == Outcome::Failed)
+        return fx_Failed(error);
     if (!sink->exported().target.isEmpty())
         Console::message(fx_Summary(arguments.request.kind, sink->exported()));
     return kDone;
@@ -124,14 +119,10 @@ int fx_RunExport(QStringList const& arguments)
     QString error;
     if (!fx_ParseExportArguments(arguments, parsed, error))
         return fx_WrongUsage(QStringLiteral("export"), error);
-    if (parsed.common.help) {
+    if (parsed.common.run.help) {
         Console::data(fx_ExportHelp());
         return kDone;
     }
-    CxPlaySession session(parsed.common);
-    if (!session.open(error)) {
-        Console::error(error);
-        return kFailed;
-    }
-    return fx_Export(session.recording(), parsed);
+    return fx_RunOnRecording(parsed.common,
+                             [&](CxRecordingReader& recording) { return fx_Export(recording, parsed); });
 }

@@ -6,7 +6,9 @@
 #include "Commands.h"
 #include "Console.h"
 #include "EncoderOptions.h"
-#include "PlaySession.h"
+#include "ExitCode.h"
+#include "PictureRate.h"
+#include "PlayCommand.h"
 #include "Readable.h"
 
 namespace {
@@ -26,6 +28,13 @@ struct SxRecordingInfo
     double meanBitRate = 0;
 };
 
+QVector<SxOption> fx_Options()
+{
+    QVector<SxOption> const own{
+        {"frames", 0, nullptr, QStringLiteral("number, offset and size of every frame; which are keys")}};
+    return own + fx_RunOptions(QStringLiteral("as JSON"));
+}
+
 QString fx_Help()
 {
     return QStringLiteral("Tells what a raw H.264 recording holds.\n"
@@ -35,13 +44,12 @@ QString fx_Help()
                           "  minihost info --json test.h264     the same for a program\n"
                           "\n"
                           "Usage: minihost info [options] FILE\n"
-                          "\n"
-                          "  --frames            number, offset and size of every frame; which are keys\n"
-                          "  --json              as JSON\n") +
-           fx_PlayOptionsHelp() +
+                          "\n") +
+           fx_OptionsHelp(fx_Options()) +
            QStringLiteral("\n"
-                          "A raw stream carries no frame rate: durations and bit rates assume 30 pictures a\n"
-                          "second. Exit code: 0 done, 1 failed, 2 wrong usage.");
+                          "A raw stream carries no frame rate: durations and bit rates assume %1 pictures a\n"
+                          "second. Exit code: 0 done, 1 failed, 2 wrong usage.")
+               .arg(kPicturesASecond);
 }
 
 /// Profile and level as the first sequence parameter set names them: profile_idc, constraint flags,
@@ -190,32 +198,31 @@ QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info,
     return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
 }
 
+int fx_Tell(CxRecordingReader& recording, bool asJson, bool withFrames)
+{
+    SxRecordingInfo const info = fx_Collect(recording);
+    if (asJson)
+        Console::data(fx_Json(recording, info, withFrames));
+    else
+        Console::data(fx_Text(recording, info) + (withFrames ? fx_FrameLines(recording) : QString()));
+    return kDone;
+}
+
 } // namespace
 
 int fx_RunInfo(QStringList const& arguments)
 {
     QCommandLineParser parser;
-    fx_DeclarePlayOptions(parser);
-    parser.addOption(QCommandLineOption(QStringLiteral("frames")));
+    fx_AddOptions(parser, fx_Options());
     SxPlayArguments parsed;
     QString error;
     if (!fx_ParsePlayArguments(parser, arguments, parsed, error))
         return fx_WrongUsage(QStringLiteral("info"), error);
-    if (parsed.help) {
+    if (parsed.run.help) {
         Console::data(fx_Help());
         return kDone;
     }
-    CxPlaySession session(parsed);
-    if (!session.open(error)) {
-        Console::error(error);
-        return kFailed;
-    }
-    CxRecordingReader& recording = session.recording();
-    SxRecordingInfo const info = fx_Collect(recording);
-    bool const withFrames = parser.isSet(QStringLiteral("frames"));
-    if (parsed.json)
-        Console::data(fx_Json(recording, info, withFrames));
-    else
-        Console::data(fx_Text(recording, info) + (withFrames ? fx_FrameLines(recording) : QString()));
-    return kDone;
+    return fx_RunOnRecording(parsed, [&](CxRecordingReader& recording) {
+        return fx_Tell(recording, parsed.run.json, parser.isSet(QStringLiteral("frames")));
+    });
 }

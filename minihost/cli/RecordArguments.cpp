@@ -1,6 +1,5 @@
 #include "RecordArguments.h"
 
-#include <QCommandLineParser>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -76,19 +75,54 @@ private:
     QString& m_error;
 };
 
-void fx_DeclareOptions(QCommandLineParser& parser)
+QVector<SxOption> fx_SourceOptions()
 {
-    static char const* const kWithValue[] = {
-        "quality", "keyframe-rate", "complexity", "profile",      "level",        "size",       "frames",
-        "seed",    "format",        "bits",       "input-format", "input-option", "plugin-path"};
-    for (char const* name : kWithValue)
-        parser.addOption({QString::fromLatin1(name), QString(), QStringLiteral("value")});
-    for (char const* name : {"overwrite", "json"})
-        parser.addOption(QCommandLineOption(QString::fromLatin1(name)));
-    for (char const* name : {"quiet", "verbose", "help"}) {
-        QString const option = QString::fromLatin1(name);
-        parser.addOption(QCommandLineOption(QStringList{option.left(1), option}));
-    }
+    return {
+        {"frames", 0, "N", QStringLiteral("end after N pictures; 0 for no limit (camera: 300, else 0)")},
+        {"bits", 0, "N",
+         QStringLiteral("significant bits of 16-bit pictures that do not say, %1 to %2 (16)")
+             .arg(kBitsMin)
+             .arg(kBitsMax)},
+        {"input-format", 0, "F",
+         QStringLiteral("FFmpeg's reader for sources that do not say what they are: rawvideo")},
+        {"input-option", 0, "O=V",
+         QStringLiteral("an option of that reader or device, again for each:\n"
+                        "video_size=1280x720, pixel_format=bgra, framerate=30")},
+        {"size", 0, "WxH", QStringLiteral("test camera: picture size (1280x720)")},
+        {"format", 0, "F",
+         QStringLiteral("test camera (bgr24):\n") + fx_TestCameraFormats().join(QLatin1Char(' '))},
+        {"seed", 0, "N", QStringLiteral("test camera: seed of its noise (1)")},
+    };
+}
+
+QVector<SxOption> fx_EncodingOptions()
+{
+    SxEncoderOptions const defaults;
+    return {
+        {"quality", 0, "N",
+         QStringLiteral("%1 to %2: more bits, fewer skipped pictures (%3)")
+             .arg(SxEncoderOptions::kQualityMin)
+             .arg(SxEncoderOptions::kQualityMax)
+             .arg(defaults.quality)},
+        {"keyframe-rate", 0, "N",
+         QStringLiteral("a key frame every N pictures, %1 to %2 (%3)")
+             .arg(SxEncoderOptions::kKeyFrameRateMin)
+             .arg(SxEncoderOptions::kKeyFrameRateMax)
+             .arg(defaults.keyFrameRate)},
+        {"complexity", 0, "C",
+         QStringLiteral("%1 (medium)").arg(fx_ComplexityNames().join(QLatin1Char(' ')))},
+        {"profile", 0, "P",
+         QStringLiteral("%1 (%2)").arg(fx_ProfileNames().join(QLatin1Char(' ')),
+                                       fx_ProfileName(defaults.profile))},
+        {"level", 0, "L",
+         QStringLiteral("(%1) %2").arg(fx_LevelName(defaults.level), fx_LevelNames().join(QLatin1Char(' ')))},
+    };
+}
+
+QVector<SxOption> fx_OutputOptions()
+{
+    QVector<SxOption> const own{{"overwrite", 0, nullptr, QStringLiteral("replace OUTPUT if it exists")}};
+    return own + fx_RunOptions(QStringLiteral("summary as JSON on standard output"));
 }
 
 /// How the sources are to be read; one sentence when that makes no sense.
@@ -159,17 +193,11 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
 bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error)
 {
     QCommandLineParser parser;
-    fx_DeclareOptions(parser);
-    bool const isParsed = parser.parse(arguments);
-    parsed.help = parser.isSet(QStringLiteral("help"));
-    if (parsed.help)
-        return true;
-    if (!isParsed) {
-        error = parser.errorText();
-        if (!error.endsWith(QLatin1Char('.')))
-            error += QLatin1Char('.');
+    fx_AddOptions(parser, fx_SourceOptions() + fx_EncodingOptions() + fx_OutputOptions());
+    if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
-    }
+    if (parsed.run.help)
+        return true;
 
     CxOptionReader reader(parser, error);
     SxEncoderOptions& encoder = parsed.request.encoder;
@@ -191,10 +219,6 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     if (parser.isSet(QStringLiteral("frames")))
         parsed.camera.frames = parsed.request.maxPictures;
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
-    parsed.json = parser.isSet(QStringLiteral("json"));
-    parsed.quiet = parser.isSet(QStringLiteral("quiet"));
-    parsed.verbose = parser.isSet(QStringLiteral("verbose"));
-    parsed.pluginPath = parser.value(QStringLiteral("plugin-path"));
     error = fx_TakePositionals(parser, parsed);
     if (error.isEmpty())
         error = fx_TakeInputOptions(parser, parsed.input);
@@ -219,32 +243,10 @@ QString fx_RecordHelp()
                "SOURCE is camera:, picture files (PNG, JPEG, BMP, PNM, TIFF with 8 or 16 bits), a\n"
                "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
                "\n"
-               "What to record\n"
-               "  --frames N          end after N pictures; 0 for no limit (camera: 300, else 0)\n"
-               "  --bits N            significant bits of 16-bit pictures that do not say, 8 to 16 (16)\n"
-               "  --input-format F    FFmpeg's reader for sources that do not say what they are: rawvideo\n"
-               "  --input-option O=V  an option of that reader or device, again for each:\n"
-               "                      video_size=1280x720, pixel_format=bgra, framerate=30\n"
-               "  --size WxH          test camera: picture size (1280x720)\n"
-               "  --format F          test camera (bgr24):\n"
-               "                      %1\n"
-               "  --seed N            test camera: seed of its noise (1)\n"
-               "How to encode\n"
-               "  --quality N         1 to 10: more bits, fewer skipped pictures (5)\n"
-               "  --keyframe-rate N   a key frame every N pictures, 1 to 100 (5)\n"
-               "  --complexity C      %2 (medium)\n"
-               "  --profile P         %3 (baseline)\n"
-               "  --level L           (5.2) %4\n"
-               "How to run\n"
-               "  --overwrite         replace OUTPUT if it exists\n"
-               "  --json              summary as JSON on standard output\n"
-               "  -q, --quiet         only warnings and errors\n"
-               "  -v, --verbose       also the raw messages of the plug-in and of FFmpeg\n"
-               "  --plugin-path P     the plug-in's file or folder (MINIHOST_PLUGIN_PATH, else\n"
-               "                      beside this program)\n"
-               "  -h, --help          this text\n"
-               "\n"
-               "Ctrl-C ends a recording cleanly. Exit code: 0 done, 1 failed, 2 wrong usage.")
-        .arg(fx_TestCameraFormats().join(QLatin1Char(' ')), fx_ComplexityNames().join(QLatin1Char(' ')),
-             fx_ProfileNames().join(QLatin1Char(' ')), fx_LevelNames().join(QLatin1Char(' ')));
+               "What to record\n") +
+           fx_OptionsHelp(fx_SourceOptions()) + QStringLiteral("How to encode\n") +
+           fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +
+           fx_OptionsHelp(fx_OutputOptions()) +
+           QStringLiteral("\n"
+                          "Ctrl-C ends a recording cleanly. Exit code: 0 done, 1 failed, 2 wrong usage.");
 }

@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include "FFmpegSource.h"
+#include "Options.h"
 #include "Recorder.h"
 #include "TestCamera.h"
 
@@ -16,11 +17,7 @@ struct SxRecordArguments
     int bits = 0; ///< 0: not given
     SxFFmpegOptions input;
     bool overwrite = false;
-    bool json = false;
-    bool quiet = false;
-    bool verbose = false;
-    bool help = false;
-    QString pluginPath;
+    SxRunOptions run;
 };
 
 /// Reads the arguments after "record". \return false, with \p error one sentence, when they make no sense.

@@ -3,14 +3,14 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "ExitCode.h"
 #include "FFmpegSource.h"
 #include "Interrupt.h"
-#include "PluginHost.h"
-#include "PluginMessages.h"
 #include "ProgressLine.h"
 #include "RecordArguments.h"
 #include "RecordReport.h"
 #include "SameFile.h"
+#include "Session.h"
 
 namespace {
 
@@ -165,12 +165,10 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
     watcher.onEnd(summary);
     if (summary.given > 0)
         Console::message(fx_RecordSummaryText(arguments.request, summary));
-    if (arguments.json)
+    if (arguments.run.json)
         Console::data(fx_RecordSummaryJson(arguments.request, summary, watcher.warnings()));
-    if (!summary.error.isEmpty()) {
-        Console::error(summary.error);
-        return kFailed;
-    }
+    if (!summary.error.isEmpty())
+        return fx_Failed(summary.error);
     if (summary.given == 0)
         Console::message(QStringLiteral("Stopped before the first picture; nothing was recorded."));
     return kDone;
@@ -182,28 +180,21 @@ int fx_RunRecord(QStringList const& arguments)
 {
     SxRecordArguments parsed;
     QString error;
-    if (!fx_ParseRecordArguments(arguments, parsed, error)) {
-        Console::error(error + QStringLiteral(" See minihost record --help."));
-        return kWrongUsage;
-    }
-    if (parsed.help) {
+    if (!fx_ParseRecordArguments(arguments, parsed, error))
+        return fx_WrongUsage(QStringLiteral("record"), error);
+    if (parsed.run.help) {
         Console::data(fx_RecordHelp());
         return kDone;
     }
-    Console::setQuiet(parsed.quiet);
-    CxFFmpegSource::setLogShown(parsed.verbose);
-    if (!parsed.verbose)
+    CxSession session(parsed.run);
+    if (!parsed.run.verbose)
         Console::hideLibraryOutput();
 
     error = fx_SourceObstacle(parsed);
     if (error.isEmpty())
         error = fx_OutputObstacle(parsed);
-    CxPluginMessages const messages(parsed.verbose);
-    CxPluginHost host;
-    if (!error.isEmpty() || !host.load(parsed.pluginPath, error)) {
-        Console::error(error);
-        return kFailed;
-    }
+    if (!error.isEmpty() || !session.load(error))
+        return fx_Failed(error);
     parsed.request.stop = &fx_CatchInterrupts();
     return fx_RecordAndReport(parsed);
 }

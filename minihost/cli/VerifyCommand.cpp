@@ -4,8 +4,9 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "ExitCode.h"
 #include "Interrupt.h"
-#include "PlaySession.h"
+#include "PlayCommand.h"
 #include "ProgressLine.h"
 #include "Readable.h"
 
@@ -22,6 +23,11 @@ struct SxFindings
     bool wasStopped = false;
 };
 
+QVector<SxOption> fx_Options()
+{
+    return fx_RunOptions(QStringLiteral("what was found as JSON on standard output"));
+}
+
 QString fx_Help()
 {
     return QStringLiteral(
@@ -32,9 +38,8 @@ QString fx_Help()
                "  for f in *.h264; do minihost verify -q \"$f\"; done   only what is wrong\n"
                "\n"
                "Usage: minihost verify [options] FILE\n"
-               "\n"
-               "  --json              what was found as JSON on standard output\n") +
-           fx_PlayOptionsHelp() +
+               "\n") +
+           fx_OptionsHelp(fx_Options()) +
            QStringLiteral("\nExit code: 0 every frame decodes, 1 a frame fails, 2 wrong usage.");
 }
 
@@ -161,10 +166,8 @@ int fx_Verify(CxRecordingReader& recording, bool asJson)
         Console::data(fx_Json(recording, found, complaint, caution));
     if (!caution.isEmpty())
         Console::warning(QStringLiteral("%1: %2").arg(recording.fileName(), caution));
-    if (!complaint.isEmpty()) {
-        Console::error(complaint);
-        return kFailed;
-    }
+    if (!complaint.isEmpty())
+        return fx_Failed(complaint);
     QString const decoded = found.decoded == 1 ? QStringLiteral("its one frame decodes")
                                                : QStringLiteral("all %1 frames decode").arg(found.decoded);
     Console::message(recording.fileName() +
@@ -180,19 +183,15 @@ int fx_Verify(CxRecordingReader& recording, bool asJson)
 int fx_RunVerify(QStringList const& arguments)
 {
     QCommandLineParser parser;
-    fx_DeclarePlayOptions(parser);
+    fx_AddOptions(parser, fx_Options());
     SxPlayArguments parsed;
     QString error;
     if (!fx_ParsePlayArguments(parser, arguments, parsed, error))
         return fx_WrongUsage(QStringLiteral("verify"), error);
-    if (parsed.help) {
+    if (parsed.run.help) {
         Console::data(fx_Help());
         return kDone;
     }
-    CxPlaySession session(parsed);
-    if (!session.open(error)) {
-        Console::error(error);
-        return kFailed;
-    }
-    return fx_Verify(session.recording(), parsed.json);
+    return fx_RunOnRecording(
+        parsed, [&](CxRecordingReader& recording) { return fx_Verify(recording, parsed.run.json); });
 }

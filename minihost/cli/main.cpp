@@ -4,60 +4,74 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "ExitCode.h"
 #include "Viewer.h"
+
+/// What `help view` does; main() runs the viewer itself.
+static int fx_HelpOnView(QStringList const&)
+{
+    Console::data(fx_ViewerHelp());
+    return kDone;
+}
+
+struct SxCommand
+{
+    char const* name;
+    char const* summary;
+    int (*run)(QStringList const& arguments);
+};
+
+static constexpr SxCommand kCommands[] = {
+    {"record", "pictures into a raw H.264 file", fx_RunRecord},
+    {"info", "what a recording holds: size, frames, duration, bit rate", fx_RunInfo},
+    {"export", "frames of a recording as pictures, a contact sheet, a stream, hashes", fx_RunExport},
+    {"view", "a window to watch, play and record in", fx_HelpOnView},
+    {"verify", "decode a recording and report the first frame that fails", fx_RunVerify},
+};
 
 static QString fx_Help()
 {
-    return QStringLiteral(
-        "Runs the H.264 codec plug-in without its camera viewer.\n"
-        "\n"
-        "  minihost record camera: test.h264    record the built-in test camera\n"
-        "  minihost record clip.mp4 clip.h264   record what a video shows\n"
-        "\n"
-        "Usage: minihost COMMAND [arguments]\n"
-        "\n"
-        "  record     pictures into a raw H.264 file\n"
-        "  info       what a recording holds: size, frames, duration, bit rate\n"
-        "  export     frames of a recording as pictures, a contact sheet, a stream, hashes\n"
-        "  view       a window to watch, play and record in\n"
-        "  verify     decode a recording and report the first frame that fails\n"
-        "  help C     how to use command C, as C --help\n"
-        "  --version  version of this program\n"
-        "\n"
-        "Exit code: 0 done, 1 failed, 2 wrong usage.");
+    QString commands;
+    for (SxCommand const& command : kCommands)
+        commands += QStringLiteral("  %1%2\n")
+                        .arg(QLatin1String(command.name), -11)
+                        .arg(QLatin1String(command.summary));
+    return QStringLiteral("Runs the H.264 codec plug-in without its camera viewer.\n"
+                          "\n"
+                          "  minihost record camera: test.h264    record the built-in test camera\n"
+                          "  minihost record clip.mp4 clip.h264   record what a video shows\n"
+                          "\n"
+                          "Usage: minihost COMMAND [arguments]\n"
+                          "\n") +
+           commands +
+           QStringLiteral("  help C     how to use command C, as C --help\n"
+                          "  --version  version of this program\n"
+                          "\n"
+                          "Exit code: 0 done, 1 failed, 2 wrong usage.");
 }
 
 static int fx_Dispatch(QStringList arguments)
 {
-    QString command = arguments.isEmpty() ? QString() : arguments.first();
-    if (command == QLatin1String("help") && arguments.size() > 1) {
-        command = arguments[1];
-        arguments = QStringList{command, QStringLiteral("--help")};
+    QString name = arguments.isEmpty() ? QString() : arguments.first();
+    if (name == QLatin1String("help") && arguments.size() > 1) {
+        name = arguments[1];
+        arguments = QStringList{name, QStringLiteral("--help")};
     }
-    if (command == QLatin1String("view")) { // only "help view": main() runs the viewer
-        Console::data(fx_ViewerHelp());
-        return kDone;
+    for (SxCommand const& command : kCommands) {
+        if (name == QLatin1String(command.name))
+            return command.run(arguments);
     }
-    if (command == QLatin1String("record"))
-        return fx_RunRecord(arguments);
-    if (command == QLatin1String("info"))
-        return fx_RunInfo(arguments);
-    if (command == QLatin1String("export"))
-        return fx_RunExport(arguments);
-    if (command == QLatin1String("verify"))
-        return fx_RunVerify(arguments);
-    if (command == QLatin1String("--help") || command == QLatin1String("-h") ||
-        command == QLatin1String("help")) {
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("help")) {
         Console::data(fx_Help());
         return kDone;
     }
-    if (command == QLatin1String("--version")) {
+    if (name == QLatin1String("--version")) {
         Console::data(QStringLiteral("minihost " MINIHOST_VERSION));
         return kDone;
     }
-    Console::error(command.isEmpty()
+    Console::error(name.isEmpty()
                        ? QStringLiteral("No command is given. See minihost --help.")
-                       : QStringLiteral("There is no command '%1'. See minihost --help.").arg(command));
+                       : QStringLiteral("There is no command '%1'. See minihost --help.").arg(name));
     return kWrongUsage;
 }
 

@@ -1,0 +1,62 @@
+#include "Options.h"
+
+static constexpr int kLeftColumn = 20; // characters, for the option and its value
+
+void fx_AddOptions(QCommandLineParser& parser, QVector<SxOption> const& options)
+{
+    for (SxOption const& option : options) {
+        QStringList names{QString::fromLatin1(option.name)};
+        if (option.letter != 0)
+            names.prepend(QString(QLatin1Char(option.letter)));
+        parser.addOption({names, option.description, QString::fromLatin1(option.value)});
+    }
+}
+
+QString fx_OptionsHelp(QVector<SxOption> const& options)
+{
+    QString help;
+    for (SxOption const& option : options) {
+        QString left = QStringLiteral("--") + QLatin1String(option.name);
+        if (option.letter != 0)
+            left.prepend(QStringLiteral("-%1, ").arg(QLatin1Char(option.letter)));
+        if (option.value)
+            left += QLatin1Char(' ') + QLatin1String(option.value);
+        for (QString const& line : option.description.split(QLatin1Char('\n'))) {
+            help += QStringLiteral("  %1%2\n").arg(left, -kLeftColumn).arg(line);
+            left.clear();
+        }
+    }
+    return help;
+}
+
+QVector<SxOption> fx_RunOptions(QString const& json)
+{
+    return {
+        {"json", 0, nullptr, json},
+        {"quiet", 'q', nullptr, QStringLiteral("only warnings and errors")},
+        {"verbose", 'v', nullptr, QStringLiteral("also the raw messages of the plug-in and of FFmpeg")},
+        {"plugin-path", 0, "P",
+         QStringLiteral("the plug-in's file or folder (MINIHOST_PLUGIN_PATH, else\nbeside this program)")},
+        {"help", 'h', nullptr, QStringLiteral("this text")},
+    };
+}
+
+bool fx_ParseOptions(QCommandLineParser& parser, QStringList const& arguments, SxRunOptions& parsed,
+                     QString& error)
+{
+    bool const isParsed = parser.parse(arguments);
+    parsed.help = parser.isSet(QStringLiteral("help"));
+    if (parsed.help)
+        return true;
+    if (!isParsed) {
+        error = parser.errorText();
+        if (!error.endsWith(QLatin1Char('.')))
+            error += QLatin1Char('.');
+        return false;
+    }
+    parsed.json = parser.isSet(QStringLiteral("json"));
+    parsed.quiet = parser.isSet(QStringLiteral("quiet"));
+    parsed.verbose = parser.isSet(QStringLiteral("verbose"));
+    parsed.pluginPath = parser.value(QStringLiteral("plugin-path"));
+    return true;
+}

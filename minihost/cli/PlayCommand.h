@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+
+#include "Options.h"
+#include "RecordingReader.h"
+
+/// What the commands that read a recording have in common on their command lines.
+struct SxPlayArguments
+{
+    SxRunOptions run;
+    QString file;
+};
+
+/// Reads \p arguments with \p parser, which knows fx_RunOptions() and the command's own. \return false, with
+/// \p error one sentence, when they make no sense. With help asked for nothing else is looked at.
+bool fx_ParsePlayArguments(QCommandLineParser& parser, QStringList const& arguments, SxPlayArguments& parsed,
+                           QString& error);
+
+/// Opens plug-in and recording and has \p work done with it. \return what \p work returned, or the exit code
+/// of what could not be opened, which is then told.
+int fx_RunOnRecording(SxPlayArguments const& arguments,
+                      std::function<int(CxRecordingReader& recording)> const& work);
