@@ -5,6 +5,18 @@
 
 namespace {
 
+struct SxKey
+{
+    char const* name;
+    int SxEncoderOptions::*option;
+};
+
+SxKey const kKeys[] = {{"h264_quality", &SxEncoderOptions::quality},
+                       {"h264_keyframerate", &SxEncoderOptions::keyFrameRate},
+                       {"h264_complexity", &SxEncoderOptions::complexity},
+                       {"h264_profile_idc", &SxEncoderOptions::profile},
+                       {"h264_level_idc", &SxEncoderOptions::level}};
+
 struct SxNamed
 {
     char const* name;
@@ -53,11 +65,18 @@ std::optional<int> fx_Number(SxNamed const (&table)[count], QString const& name)
 
 QMap<QString, QVariant> SxEncoderOptions::toMap() const
 {
-    return {{QStringLiteral("h264_quality"), quality},
-            {QStringLiteral("h264_keyframerate"), keyFrameRate},
-            {QStringLiteral("h264_complexity"), complexity},
-            {QStringLiteral("h264_profile_idc"), profile},
-            {QStringLiteral("h264_level_idc"), level}};
+    QMap<QString, QVariant> map;
+    for (SxKey const& key : kKeys)
+        map.insert(QString::fromLatin1(key.name), this->*key.option);
+    return map;
+}
+
+SxEncoderOptions SxEncoderOptions::fromMap(QMap<QString, QVariant> const& map)
+{
+    SxEncoderOptions options;
+    for (SxKey const& key : kKeys)
+        options.*key.option = map.value(QString::fromLatin1(key.name), options.*key.option).toInt();
+    return options;
 }
 
 QStringList fx_ComplexityNames() { return fx_Names(kComplexities); }

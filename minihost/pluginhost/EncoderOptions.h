@@ -7,7 +7,8 @@
 #include <optional>
 
 /// What a user may choose for the H.264 encoder, checked here because the encoder checks nothing.
-/// The initial values are the encoder's own defaults.
+/// Defaults, ranges, names and keys are copies of the plug-in's: nothing passes the border between it and a
+/// host but the map.
 struct SxEncoderOptions
 {
     int quality = 5;      ///< kQualityMin to kQualityMax; more bits a second with each step
@@ -16,17 +17,20 @@ struct SxEncoderOptions
     int profile = 66;     ///< profile_idc
     int level = 52;       ///< level_idc; 9 stands for level 1b
 
-    static int const kQualityMin = 1;
-    static int const kQualityMax = 10;
-    static int const kKeyFrameRateMin = 1;
-    static int const kKeyFrameRateMax = 100;
+    static constexpr int kQualityMin = 1;
+    static constexpr int kQualityMax = 10;
+    static constexpr int kKeyFrameRateMin = 1;
+    static constexpr int kKeyFrameRateMax = 100;
 
     /// The options under the keys that the encoder reads.
     QMap<QString, QVariant> toMap() const;
+
+    /// Back from there; what \p map lacks keeps its default.
+    static SxEncoderOptions fromMap(QMap<QString, QVariant> const& map);
 };
 
 /// FourCC of H.264, the "H" in the lowest byte: under this code the host keeps the encoder's options.
-unsigned int const kFourCCH264 = 0x34363248;
+constexpr unsigned int kFourCCH264 = 0x34363248;
 
 /// Names as a person writes them, in the order in which a list shows them.
 QStringList fx_ComplexityNames();

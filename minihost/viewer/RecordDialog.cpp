@@ -26,23 +26,6 @@
 static QString const kFolderKey = QStringLiteral("record/folder");
 static QString const kCodecOptionsKey = QStringLiteral("record/h264");
 
-/// The recorder's form of what a panel said; a key that is missing keeps the encoder's default.
-static SxEncoderOptions fx_EncoderOptions(QMap<QString, QVariant> const& map)
-{
-    SxEncoderOptions options;
-    QMap<QString, QVariant> const defaults = options.toMap();
-    auto const value = [&](char const* key) {
-        QString const name = QLatin1String(key);
-        return map.value(name, defaults.value(name)).toInt();
-    };
-    options.quality = value("h264_quality");
-    options.keyFrameRate = value("h264_keyframerate");
-    options.complexity = value("h264_complexity");
-    options.profile = value("h264_profile_idc");
-    options.level = value("h264_level_idc");
-    return options;
-}
-
 /// "H.264 file (*.h264)" -> "h264"; empty when the format names no pattern.
 static QString fx_Suffix(QString const& description)
 {
@@ -247,7 +230,7 @@ void CxRecordDialog::collect()
     unsigned int fourCC = 0;
     QMap<QString, QVariant> const options = m_saver.as->codecOptionsFromWigetInSaveDlg(m_saverWidget, fourCC);
     fx_SetCodecOptions(fourCC, options);
-    m_choice.request.encoder = fx_EncoderOptions(options);
+    m_choice.request.encoder = SxEncoderOptions::fromMap(options);
     m_choice.request.maxPictures = m_limit ? m_limit->value() : 0;
     if (m_first) {
         m_choice.first = m_first->value();
