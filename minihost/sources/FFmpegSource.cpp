@@ -1,60 +1,14 @@
 #include "FFmpegSource.h"
 
-#include <QFileInfo>
 #include <utility>
 
+#include "FFmpegInput.h"
 #include "PictureFormat.h"
 #include "PictureRate.h"
 
 extern "C" {
 #include <libavdevice/avdevice.h>
 #include <libavutil/log.h>
-}
-
-/// What to hand to FFmpeg for one input as its user wrote it.
-struct SxFFmpegInput
-{
-    QByteArray url;
-    AVInputFormat const* format = nullptr; ///< null: find out
-};
-
-static bool fx_IsDevice(AVInputFormat const* format)
-{
-    return format != nullptr && (format->flags & AVFMT_NOFILE) != 0;
-}
-
-/// \param format  name of the reader that the user chose; empty: find out.
-static SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format)
-{
-    SxFFmpegInput result;
-    if (!format.isEmpty())
-        result.format = av_find_input_format(format.toLatin1().constData());
-    if (input == QLatin1String("-")) {
-        result.url = "pipe:0";
-        return result;
-    }
-    if (QFileInfo::exists(input) && !fx_IsDevice(result.format)) {
-        result.url = "file:" + input.toLocal8Bit(); // a colon in its name would look like a protocol
-        return result;
-    }
-    auto const colon = input.indexOf(QLatin1Char(':'));
-    if (colon > 0) {
-        AVInputFormat const* const device = av_find_input_format(input.left(colon).toLatin1().constData());
-        if (fx_IsDevice(device) && (result.format == nullptr || result.format == device)) {
-            result.format = device;
-            result.url = input.mid(colon + 1).toLocal8Bit();
-            return result;
-        }
-    }
-    result.url = input.toLocal8Bit();
-    return result;
-}
-
-/// True for FFmpeg's readers of single pictures: "png_pipe", "jpeg_pipe", "image2".
-static bool fx_IsStillFormat(AVInputFormat const& format)
-{
-    QByteArray const name(format.name);
-    return name.endsWith("_pipe") || name == "image2";
 }
 
 static int fx_IsInterrupted(void* stop)
@@ -110,11 +64,11 @@ bool CxFFmpegSource::fail(QString const& cause)
 bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
 {
     AVFormatContext* format = avformat_alloc_context();
-    if (format == nullptr || !m_frame || !m_packet) {
+    if (!format || !m_frame || !m_packet) {
         avformat_free_context(format);
         return fail(QStringLiteral("out of memory"));
     }
-    if (m_stop != nullptr)
+    if (m_stop)
         format->interrupt_callback = {fx_IsInterrupted, const_cast<std::atomic<bool>*>(m_stop)};
 
     // A per cent sign in a picture's name is no pattern for more names; other readers ignore this.
@@ -128,7 +82,7 @@ bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
     if (error < 0) {
         if (isStopped())
             return false; // the context is freed already
-        if (error == AVERROR(EINVAL) && input.format != nullptr)
+        if (error == AVERROR(EINVAL) && input.format)
             return fail(
                 QStringLiteral("FFmpeg's reader '%1' refuses these options or needs more, such as the size "
                                "of raw pictures; ffmpeg -h demuxer=%1 lists them")
@@ -138,7 +92,7 @@ bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
     m_format.reset(format);
     for (QString const& name : m_options.options.keys()) {
         QByteArray const key = name.toLocal8Bit();
-        if (av_dict_get(unused.get(), key.constData(), nullptr, 0) != nullptr && key != "pattern_type")
+        if (av_dict_get(unused.get(), key.constData(), nullptr, 0) && key != "pattern_type")
             return fail(
                 QStringLiteral("FFmpeg's reader '%1' has no option '%2'; ffmpeg -h demuxer=%1 lists "
                                "those it has")

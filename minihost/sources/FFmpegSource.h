@@ -48,7 +48,7 @@ private:
     void closeInput();
     bool decodeFrame();
     bool fail(QString const& cause);
-    bool isStopped() const { return m_stop != nullptr && m_stop->load(); }
+    bool isStopped() const { return m_stop && m_stop->load(); }
     void expect(AVStream const& stream);
     quint64 timestampOf(AVFrame const& frame);
     void applyBits(SxPicBuf& picture);

@@ -1,0 +1,37 @@
+#include "FFmpegInput.h"
+
+#include <QFileInfo>
+
+static bool fx_IsDevice(AVInputFormat const* format) { return format && (format->flags & AVFMT_NOFILE) != 0; }
+
+SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format)
+{
+    SxFFmpegInput result;
+    if (!format.isEmpty())
+        result.format = av_find_input_format(format.toLatin1().constData());
+    if (input == QLatin1String("-")) {
+        result.url = "pipe:0";
+        return result;
+    }
+    if (QFileInfo::exists(input) && !fx_IsDevice(result.format)) {
+        result.url = "file:" + input.toLocal8Bit(); // a colon in its name would look like a protocol
+        return result;
+    }
+    auto const colon = input.indexOf(QLatin1Char(':'));
+    if (colon > 0) {
+        AVInputFormat const* const device = av_find_input_format(input.left(colon).toLatin1().constData());
+        if (fx_IsDevice(device) && (!result.format || result.format == device)) {
+            result.format = device;
+            result.url = input.mid(colon + 1).toLocal8Bit();
+            return result;
+        }
+    }
+    result.url = input.toLocal8Bit();
+    return result;
+}
+
+bool fx_IsStillFormat(AVInputFormat const& format)
+{
+    QByteArray const name(format.name);
+    return name.endsWith("_pipe") || name == "image2";
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include "FFmpegHandles.h"
+
+/// What to hand to FFmpeg for one input as its user wrote it.
+struct SxFFmpegInput
+{
+    QByteArray url;
+    AVInputFormat const* format = nullptr; ///< null: find out
+};
+
+/// \param input  a file, "-" for standard input, a URL, or DEVICE:NAME.
+/// \param format  name of the reader that the user chose; empty: find out.
+SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format);
+
+/// True for FFmpeg's readers of single pictures: "png_pipe", "jpeg_pipe", "image2".
+bool fx_IsStillFormat(AVInputFormat const& format);
