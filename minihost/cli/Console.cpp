@@ -50,7 +50,7 @@ void Console::hideLibraryOutput()
 #if !defined(__SANITIZE_ADDRESS__) && !MINIHOST_CLANG_ASAN
     int const kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
     FILE* const messages = kept < 0 ? nullptr : fdopen(kept, "w");
-    if (messages == nullptr)
+    if (!messages)
         return; // without standard error there is nothing to keep clean
     s_messages = messages;
     if (int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC); nowhere >= 0) {

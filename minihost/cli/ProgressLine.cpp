@@ -6,8 +6,8 @@
 #include "Console.h"
 #include "Readable.h"
 
-static int const kBarWidth = 20;
-static qint64 const kRedrawMs = 100;
+static constexpr int kBarWidth = 20;
+static constexpr qint64 kRedrawMs = 100;
 
 CxProgressLine::CxProgressLine(int total)
     : m_total(total)

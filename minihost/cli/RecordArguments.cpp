@@ -7,8 +7,8 @@ namespace {
 
 QString const kCamera = QStringLiteral("camera:");
 
-int const kBitsMin = 8;
-int const kBitsMax = 16;
+constexpr int kBitsMin = 8;
+constexpr int kBitsMax = 16;
 
 /// Reads options out of a parsed command line and keeps the first complaint.
 class CxOptionReader

@@ -14,8 +14,8 @@
 
 namespace {
 
-int const kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
-int const kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
+constexpr int kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
+constexpr int kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
 
 /// What stands in the way of reading the sources, one sentence; empty when nothing is known to.
 QString fx_SourceObstacle(SxRecordArguments const& arguments)

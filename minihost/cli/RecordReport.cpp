@@ -8,7 +8,7 @@
 #include "RateAdvice.h"
 #include "Readable.h"
 
-static int const kMostRanges = 8;
+static constexpr int kMostRanges = 8;
 
 static double fx_Seconds(SxRecordSummary const& summary) { return double(summary.coded) / kPicturesASecond; }
 

@@ -6,11 +6,11 @@
 #include "LedDigits.h"
 #include "PictureFormat.h"
 
-static int const kWidestTile = 320;
-static int const kGap = 8;             // around every tile
-static int const kDigitHeight = 14;    // of the numbers
-static int const kLongestSide = 65500; // JPEG's limit, and a size that programs still open
-static qint64 const kMostPixels = 100 * 1000 * 1000;
+static constexpr int kWidestTile = 320;
+static constexpr int kGap = 8;             // around every tile
+static constexpr int kDigitHeight = 14;    // of the numbers
+static constexpr int kLongestSide = 65500; // JPEG's limit, and a size that programs still open
+static constexpr qint64 kMostPixels = 100 * 1000 * 1000;
 
 CxContactSheet::CxContactSheet(int columns, int count)
     : m_columns(std::min(columns, count))

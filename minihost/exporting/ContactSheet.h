@@ -7,7 +7,7 @@
 class CxContactSheet
 {
 public:
-    static int const kMostColumns = 100;
+    static constexpr int kMostColumns = 100;
 
     /// \param columns  tiles in a row, 1 to kMostColumns
     /// \param count    pictures to come, 1 or more

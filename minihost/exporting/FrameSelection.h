@@ -34,7 +34,7 @@ private:
         qint64 last = 0; ///< kToTheEnd: the last frame
         qint64 step = 1;
     };
-    static qint64 const kToTheEnd = -1;
+    static constexpr qint64 kToTheEnd = -1;
 
     static std::optional<SxItem> parseItem(QString const& text, QString& error);
 

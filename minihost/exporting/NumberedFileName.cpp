@@ -2,7 +2,7 @@
 
 #include <QRegularExpression>
 
-static int const kMostDigits = 20;
+static constexpr int kMostDigits = 20;
 
 std::optional<QString> fx_FileNameOf(QString const& pattern, int frame)
 {

@@ -33,7 +33,7 @@ SxStreamName const kStreams[] = {{"y4m", CxPictureStream::Format::Y4m},
                                  {"bgra", CxPictureStream::Format::Bgra},
                                  {"rgb24", CxPictureStream::Format::Rgb24}};
 
-int const kJpegQuality = 2; // FFmpeg's scale, on which 1 is best and 31 worst
+constexpr int kJpegQuality = 2; // FFmpeg's scale, on which 1 is best and 31 worst
 
 } // namespace
 
@@ -47,7 +47,7 @@ static SwsContext* fx_ScalerFromRGB32(SwsContext* cached, SxPicBuf const& pictur
     SwsContext* const scaler =
         sws_getCachedContext(cached, width, height, AV_PIX_FMT_BGR0, width, height, target,
                              SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr);
-    if (scaler != nullptr) {
+    if (scaler) {
         int const* const matrix = sws_getCoefficients(SWS_CS_ITU601);
         sws_setColorspaceDetails(scaler, matrix, 1, matrix, isFullRange ? 1 : 0, 0, 1 << 16, 1 << 16);
     }
@@ -86,7 +86,7 @@ int CxPictureEncoder::prepare(SxPicBuf const& picture)
     if (m_codec && m_codec->width == width && m_codec->height == height)
         return 0;
     AVCodec const* const encoder = avcodec_find_encoder(m_codecId);
-    if (encoder == nullptr)
+    if (!encoder)
         return AVERROR_ENCODER_NOT_FOUND;
     bool const isJpeg = m_codecId == AV_CODEC_ID_MJPEG;
     CodecContextPtr codec(avcodec_alloc_context3(encoder));

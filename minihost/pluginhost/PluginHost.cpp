@@ -51,13 +51,13 @@ bool CxPluginHost::loadFile(QString const& fileName, QString& error)
     QPluginLoader loader(fileName);
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
     QObject* const instance = loader.instance();
-    if (instance == nullptr) {
+    if (!instance) {
         // Qt's text names the file and the linker's reason.
         error = QStringLiteral("%1: the plug-in cannot be loaded: %2").arg(fileName, loader.errorString());
         return false;
     }
     auto* const plugin = qobject_cast<CxPlugin*>(instance);
-    if (plugin == nullptr) {
+    if (!plugin) {
         error = QStringLiteral("%1: the library is a Qt plug-in, but none for this host.").arg(fileName);
         return false;
     }
@@ -75,7 +75,7 @@ std::unique_ptr<QObject> CxPluginHost::create(char const* interfaceName, QString
     QString const wanted = QString::fromLatin1(interfaceName);
     for (SxRegisteredClass const& entry : fx_RegisteredClasses(wanted)) {
         std::unique_ptr<QObject> object(entry.metaObject->newInstance());
-        if (object && object->qt_metacast(interfaceName) != nullptr)
+        if (object && object->qt_metacast(interfaceName))
             return object;
     }
     error = QStringLiteral("No loaded plug-in provides an %1.").arg(wanted);

@@ -19,7 +19,7 @@
 
 namespace {
 
-quint32 const kSmallestSide = 16; // one macroblock: the encoder takes no less
+constexpr quint32 kSmallestSide = 16; // one macroblock: the encoder takes no less
 
 /// A picture lent to the saver for one call; its pixels stay the recorder's, to be filled again.
 class CxLentPicture : public CxImageData
@@ -88,7 +88,7 @@ QString CxRecording::outputError(QStringList const& messages) const
     QString what =
         messages.isEmpty() ? QStringLiteral("The picture was refused without a reason.") : messages.last();
     QString why = messages.size() > 1 ? messages.first() : QString();
-    if (why.isEmpty() && m_file != nullptr && m_file->error() != QFileDevice::NoError)
+    if (why.isEmpty() && m_file && m_file->error() != QFileDevice::NoError)
         why = m_file->errorString();
     if (why == QLatin1String("Unknown error")) // Qt's text where a write ended halfway
         why.clear();
@@ -105,7 +105,7 @@ QString CxRecording::outputError(QStringList const& messages) const
 /// Fetches the next picture; false at the end, when stopped and on errors.
 bool CxRecording::nextPicture()
 {
-    if (m_request.stop != nullptr && m_request.stop->load()) {
+    if (m_request.stop && m_request.stop->load()) {
         m_summary.wasStopped = true;
         return false;
     }
@@ -113,7 +113,7 @@ bool CxRecording::nextPicture()
     case IxPictureSource::Result::Picture:
         break;
     case IxPictureSource::Result::End:
-        m_summary.wasStopped = m_request.stop != nullptr && m_request.stop->load();
+        m_summary.wasStopped = m_request.stop && m_request.stop->load();
         return false;
     case IxPictureSource::Result::Error:
         fail(m_source.errorText());
@@ -177,7 +177,7 @@ bool CxRecording::start()
 {
     QString error;
     m_saver = fx_Create<IxImageDataSaver>("IxImageDataSaver", error);
-    if (m_saver.as == nullptr) {
+    if (!m_saver.as) {
         fail(error);
         return false;
     }
@@ -225,7 +225,7 @@ bool CxRecording::saveOne()
         fail(outputError(CxPluginMessages::take()));
         return false;
     }
-    m_summary.sizesKnown = m_file != nullptr && !m_file->isSequential();
+    m_summary.sizesKnown = m_file && !m_file->isSequential();
     if (!m_summary.sizesKnown) {
         ++m_summary.coded;
         return true;

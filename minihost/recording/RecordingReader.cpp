@@ -115,7 +115,7 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
         return false;
     }
     m_accessor = static_cast<IxVideoAccessor*>(m_loader.object->qt_metacast("IxVideoAccessor"));
-    if (m_accessor == nullptr) {
+    if (!m_accessor) {
         error = QStringLiteral("The loaded plug-in gives no access to coded frames.");
         return false;
     }
@@ -156,7 +156,7 @@ std::unique_ptr<CxImageData> CxRecordingReader::picture(int frame, QString& erro
     std::unique_ptr<CxImageData> image(qobject_cast<CxImageData*>(data));
     if (!image)
         delete data;
-    if (!image || image->picBuf()->data == nullptr) {
+    if (!image || !image->picBuf()->data) {
         error = fx_CauseOfNoPicture(CxPluginMessages::take());
         return nullptr;
     }

@@ -113,7 +113,7 @@ bool CxFFmpegConverter::convert(AVFrame const& frame, SxPicBuf& picture)
 {
     auto const source = static_cast<AVPixelFormat>(frame.format);
     AVPixFmtDescriptor const* const format = av_pix_fmt_desc_get(source);
-    if (format == nullptr || frame.width <= 0 || frame.height <= 0)
+    if (!format || frame.width <= 0 || frame.height <= 0)
         return false;
     auto const width = static_cast<quint32>(frame.width);
     auto const height = static_cast<quint32>(frame.height);

@@ -4,8 +4,8 @@
 
 #include "CxPicBufAPI.h"
 
-static quint32 const kByteSamples = 2;
-static quint32 const kWordSamples = 4;
+static constexpr quint32 kByteSamples = 2;
+static constexpr quint32 kWordSamples = 4;
 
 CxOwnedPicture::~CxOwnedPicture() { CxPicBufAPI::FreePicBuf(m_picture, true); }
 
@@ -25,9 +25,9 @@ bool fx_IsWordFormat(SxPicBufInfo const& format) { return format.sampleType == k
 
 bool fx_PreparePicture(SxPicBuf& picture, SxPicBufInfo const& format)
 {
-    bool const fits = picture.data != nullptr && picture.width == format.width &&
-                      picture.height == format.height && picture.components == format.components &&
-                      picture.sampleType == format.sampleType && picture.layout == format.layout;
+    bool const fits = picture.data && picture.width == format.width && picture.height == format.height &&
+                      picture.components == format.components && picture.sampleType == format.sampleType &&
+                      picture.layout == format.layout;
     if (fits) {
         SxPicBufInfo kept = format;
         kept.pitch = picture.pitch;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-static int const kHalfTurn = 32768;
+static constexpr int kHalfTurn = 32768;
 
 int fx_Sine(int angle)
 {

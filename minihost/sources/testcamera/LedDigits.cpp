@@ -8,7 +8,7 @@ namespace {
 /// Bit n: segment n of a to g is lit (a the top, then clockwise, g the middle).
 unsigned const kSegmentsOf[10] = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
 
-int const kOffCover = 20; // of 256: a segment that is off
+constexpr int kOffCover = 20; // of 256: a segment that is off
 
 /// Measures of a digit of one height.
 struct SxLedShape

@@ -17,9 +17,9 @@ struct SxNamedFormat
 SxNamedFormat const kFormats[] = {{"mono8", 1, 8}, {"mono10", 1, 10}, {"mono12", 1, 12}, {"mono16", 1, 16},
                                   {"bgr24", 3, 8}, {"bgr32", 4, 8},   {"bgr48", 3, 16},  {"bgr64", 4, 16}};
 
-size_t const kNoiseSamples = 1 << 16;
-size_t const kNoisePiece = 2048; // samples that follow each other in the table
-int const kSampleMax = 65535;
+constexpr size_t kNoiseSamples = 1 << 16;
+constexpr size_t kNoisePiece = 2048; // samples that follow each other in the table
+constexpr int kSampleMax = 65535;
 
 /// Noise that is nearly Gaussian, with a standard deviation of 1.1 steps of an 8-bit sample.
 std::vector<qint16> fx_Noise(quint64 seed)

@@ -16,8 +16,8 @@ struct SxTestCameraOptions
     quint64 seed = 1;    ///< of the noise
     SxPicBufInfo format; ///< components, sample type and bits; 8-bit blue-green-red when left empty
 
-    static quint32 const kSmallestSide = 16;
-    static quint32 const kLargestSide = 8192;
+    static constexpr quint32 kSmallestSide = 16;
+    static constexpr quint32 kLargestSide = 8192;
 };
 
 QStringList fx_TestCameraFormats(); ///< "mono8", "mono10", ... "bgr64"

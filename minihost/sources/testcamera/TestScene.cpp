@@ -8,7 +8,7 @@
 
 namespace {
 
-int const kTableSize = 4096; // entries for one turn
+constexpr int kTableSize = 4096; // entries for one turn
 
 int fx_Part(int whole, int percent) { return static_cast<int>(static_cast<qint64>(whole) * percent / 100); }
 
