@@ -161,6 +161,8 @@ bool CxH264VideoSaver::save(IxChainData const* data, int)
         return false;
     }
     SxPicBuf const* picture = image->picBuf();
+    if (!picture)
+        return false;
     // An open file without an encoder is what a failed open() left behind: it cannot go on.
     if ((!m_file.isOpen() && !open()) || !m_encoder) {
         TVP_CRITICAL("CxH264VideoSaver::save(): %1",
@@ -170,7 +172,7 @@ bool CxH264VideoSaver::save(IxChainData const* data, int)
 
     m_encoder->queryOuputFormat(*picture, m_outputFormat);
     if (picture->width != m_outputFormat.width || picture->height != m_outputFormat.height) {
-        if (!scale(*picture))
+        if (!picture->data || !scale(*picture))
             return false;
         picture = &m_resized;
     }
@@ -181,6 +183,9 @@ bool CxH264VideoSaver::save(IxChainData const* data, int)
                      QStringLiteral("Cannot alloc buffer of size %1.").arg(size));
         return true; // Deliberate: a picture without any size is nothing to write.
     }
+    // The first picture that reaches the encoder decides the recording's size: not one without pixels.
+    if (!picture->data)
+        return false;
     uchar* const buffer = allocBuffer(size);
     if (!buffer)
         return false;

@@ -31,8 +31,8 @@ public:
     /// for less. \p index is ignored.
     ///
     /// True also for a picture that the encoder skipped, with nothing written, and for one without
-    /// any size. False, reported but for null data and failed memory or scaling: the picture is not
-    /// in the file and took no number.
+    /// any size. False, reported but for null data, a picture that is null or has a size but no
+    /// pixels, and failed memory or scaling: the picture is not in the file and took no number.
     bool save(IxChainData const* data, int index) override;
 
     QList<CxImageFormat> supportedImageFormats() override;

@@ -131,6 +131,10 @@ private slots:
     void noEncoderAndNoFile();
     void encoderCannotTellASize();
     void pictureWithoutSize();
+    void nullPicture();
+    void pictureWithoutPixels_data();
+    void pictureWithoutPixels();
+    void firstPictureWithoutPixels();
     void encoderFails();
     void writeFails();
     void lastBytesCannotBeWritten();
@@ -429,6 +433,112 @@ void tst_H264VideoSaver::pictureWithoutSize()
     saver.setOutputFile(path());
     QVERIFY(saver.save(&data, 0));
     QCOMPARE(m_messages->takeTexts(), fx_SaveText("Cannot alloc buffer of size 0."));
+}
+
+namespace {
+
+/// Chain data that has no picture, as a host's own class may.
+class CxNoPictureData : public CxImageData
+{
+    Q_OBJECT
+
+public:
+    SxPicBuf const* picBuf() const override { return nullptr; }
+};
+
+} // namespace
+
+void tst_H264VideoSaver::nullPicture()
+{
+    CxNoPictureData const nothing;
+    CxTestPicture const picture(16, 16);
+    CxPictureData const data(picture.buf);
+    {
+        CxH264VideoSaver saver;
+        QVERIFY(!saver.save(&nothing, 0));
+        QCOMPARE(m_messages->takeTexts(), fx_SaveText("Filename is empty."));
+        saver.setOutputFile(path());
+        QVERIFY(!saver.save(&nothing, 0));
+        QVERIFY(!QFile::exists(path())); // nothing to open a file for
+
+        QVERIFY(saver.save(&data, 1));
+        QVERIFY(!saver.save(&nothing, 2));
+        s_script.encode = [](QByteArray&) { return false; };
+        QVERIFY(!saver.save(&data, 3));
+        QCOMPARE(m_messages->takeTexts(), fx_SaveText("Error when encoding the frame 1."));
+    }
+    QCOMPARE(fx_Read(path()), QByteArray("frame0"));
+}
+
+void tst_H264VideoSaver::pictureWithoutPixels_data()
+{
+    QTest::addColumn<bool>("isScaled");
+    QTest::addColumn<unsigned long>("maxEncodedSize");
+    QTest::addColumn<bool>("result");
+    QTest::addColumn<QStringList>("messages");
+    QTest::newRow("at the encoder's size") << false << 1000ul << false << QStringList();
+    QTest::newRow("to be scaled") << true << 1000ul << false << QStringList();
+    QTest::newRow("without an encoded size")
+        << false << 0ul << true << fx_SaveText("Cannot alloc buffer of size 0.");
+    QTest::newRow("to be scaled, without an encoded size") << true << 0ul << false << QStringList();
+}
+
+void tst_H264VideoSaver::pictureWithoutPixels()
+{
+    QFETCH(bool, isScaled);
+    QFETCH(unsigned long, maxEncodedSize);
+    CxTestPicture const picture(64, 48);
+    CxPictureData const data(picture.buf);
+    SxPicBuf empty = picture.buf;
+    empty.data = nullptr;
+    CxPictureData const emptyData(empty);
+    auto const half = [](SxPicBufInfo& format) { format.width /= 2; };
+    {
+        CxH264VideoSaver saver;
+        saver.setOutputFile(path());
+        QVERIFY(saver.save(&data, 0));
+
+        if (isScaled)
+            s_script.changeFormat = half;
+        s_script.maxEncodedSize = maxEncodedSize;
+        QTEST(saver.save(&emptyData, 1), "result");
+        QTEST(m_messages->takeTexts(), "messages");
+        QCOMPARE(s_script.calls.size(), size_t(1)); // encode() did not see it
+
+        // The saver goes on, and with its next number.
+        s_script.maxEncodedSize = 1000;
+        s_script.encode = [](QByteArray&) { return false; };
+        QVERIFY(!saver.save(&data, 2));
+        QCOMPARE(m_messages->takeTexts(), fx_SaveText("Error when encoding the frame 1."));
+        s_script.encode = nullptr;
+        QVERIFY(saver.save(&data, 3));
+    }
+    QCOMPARE(fx_Read(path()), QByteArray("frame0frame2"));
+}
+
+/// The recording gets the size of the first picture that has pixels.
+void tst_H264VideoSaver::firstPictureWithoutPixels()
+{
+    fx_UnregisterClasses(nullptr);
+    fx_Register(CxOpenH264Encoder::staticMetaObject);
+    CxTestPicture picture(320, 240);
+    picture.fillSmooth(0);
+    CxPictureData const data(picture.buf);
+    SxPicBuf empty = picture.buf;
+    empty.data = nullptr;
+    empty.width = 160;
+    CxPictureData const emptyData(empty);
+    {
+        CxH264VideoSaver saver;
+        saver.setOutputFile(path());
+        QVERIFY(!saver.save(&emptyData, 0));
+        QVERIFY(saver.save(&data, 1));
+    }
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path(), error);
+    QCOMPARE(error, QString());
+    QCOMPARE(decoded.size(), size_t(1));
+    QCOMPARE(QSize(decoded[0].width, decoded[0].height), QSize(320, 240));
 }
 
 void tst_H264VideoSaver::encoderFails()
