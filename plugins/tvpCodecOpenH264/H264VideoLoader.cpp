@@ -75,10 +75,10 @@ bool CxH264VideoLoader::frameData(int frame, void* buffer, unsigned long& size)
 /// Row length of RGB32 pictures in bytes, as the host's allocator rounds it.
 static quint32 fx_Pitch(quint32 width) { return (width * 4 + 255) & ~255u; }
 
-/// Indexes the mapped file and takes the picture size from its first sequence parameter set.
-bool CxH264VideoLoader::index()
+/// Indexes the \p size bytes that are mapped and takes the picture size from their first sequence
+/// parameter set.
+bool CxH264VideoLoader::index(size_t size)
 {
-    size_t const size = static_cast<size_t>(m_file.size());
     if (!fx_BeginsWithStartCode(m_data, size))
         return false;
 
@@ -113,8 +113,9 @@ bool CxH264VideoLoader::open()
                      QStringLiteral("Cannot open the '%1'").arg(m_inputFile));
         return false;
     }
-    m_data = m_file.map(0, m_file.size());
-    if (!m_data || !index()) {
+    qint64 const size = m_file.size(); // asked once: a file being recorded grows behind its mapping
+    m_data = m_file.map(0, size);
+    if (!m_data || !index(static_cast<size_t>(size))) {
         close();
         return false;
     }

@@ -15,8 +15,12 @@ class CxOpenH264Decoder;
 /// frames in one pass and serves any of them decoded, or coded for a decoder.
 ///
 /// Opens lazily at the first question that needs the file. A host opens one file once per object:
-/// close() keeps the index, and opening again appends to it. The file may shrink or vanish while
-/// open; reads then fail. One thread at a time.
+/// close() keeps the index, and opening again appends to it. One thread at a time.
+///
+/// A recording in progress opens with what it holds at that moment; what is appended later takes another
+/// loader. The file may shrink or vanish while it is open: reads then fail. But it must not be cut while
+/// open() itself runs: the scan reads a mapping, and touching bytes that were taken from under it raises
+/// SIGBUS, which ends the process. A host whose files are truncated in place by others opens a copy.
 class CxH264VideoLoader : public QObject, public IxImageDataLoader, public IxVideoAccessor
 {
     Q_OBJECT
@@ -57,7 +61,7 @@ public:
 private:
     using SxIndexEntry = SxFrameRange; ///< one for each frame, in file order
 
-    bool index();
+    bool index(size_t size);
 
     QString m_inputFile;
     QFile m_file;

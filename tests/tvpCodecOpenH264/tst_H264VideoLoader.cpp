@@ -1,10 +1,17 @@
 #include <QtTest>
 
 #include <QPointer>
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <functional>
 #include <memory>
 #include <random>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 #ifdef __SANITIZE_ADDRESS__
 extern "C" size_t __sanitizer_get_current_allocated_bytes(); // GCC comes without the header
 #else
@@ -17,6 +24,18 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes(); // GCC comes withou
 #include "support/CodedStream.h"
 #include "support/MessageRecorder.h"
 #include "support/SpsWriter.h"
+
+/// What happens right behind the next mapping, between a loader's questions to the file system.
+static std::function<void()> s_behindMapping;
+
+/// Qt's mappings come by here: a program's own symbols go before those of its libraries.
+extern "C" void* mmap64(void* address, size_t length, int protection, int flags, int file, off64_t offset)
+{
+    long const mapped = syscall(SYS_mmap, address, length, protection, flags, file, offset);
+    if (std::function<void()> const then = std::exchange(s_behindMapping, nullptr))
+        then();
+    return reinterpret_cast<void*>(mapped);
+}
 
 static constexpr int kFrames = 12;
 static constexpr int kWidth = 80;
@@ -112,6 +131,8 @@ private slots:
     void openTwice();
     void decoderLivesWhileOpen();
     void everyOrderOfOpenCloseDelete();
+    void fileGrowsBehindItsMapping();
+    void besideAWriter();
     void shrunkFile_data();
     void shrunkFile();
     void vanishedFile();
@@ -729,6 +750,112 @@ void tst_H264VideoLoader::everyOrderOfOpenCloseDelete()
         }
         QCOMPARE(loader.findChildren<CxOpenH264Decoder*>().size(), isOpen ? 1 : 0);
     }
+}
+
+void tst_H264VideoLoader::fileGrowsBehindItsMapping()
+{
+    QString const name = write(m_stream.bytes(), QStringLiteral("growing.h264"));
+    bool hasGrown = false;
+    s_behindMapping = [&] {
+        QFile file(name);
+        hasGrown = file.open(QIODevice::Append) && file.write(QByteArray(1 << 20, '\x42')) == 1 << 20;
+    };
+    CxH264VideoLoader loader;
+    loader.setInputFile(name);
+    QVERIFY(loader.load());
+    QVERIFY(hasGrown);
+    QCOMPARE(loader.sequenceSize(), kFrames);
+    // The last frame ends where the file ended when it was mapped.
+    QCOMPARE(loader.frameDataSize(kFrames - 1), static_cast<unsigned long>(m_stream.frames.last().size()));
+    QCOMPARE(fx_Load(loader, kFrames - 1), m_pictures.last());
+}
+
+namespace {
+
+/// Another process that writes frames to a file, over and over in small pieces, until it is told to end.
+class CxWriter
+{
+public:
+    CxWriter(QString const& fileName, QByteArray const& first, QByteArray const& round)
+    {
+        int ready[2];
+        if (pipe(ready) != 0)
+            return;
+        QByteArray const name = QFile::encodeName(fileName);
+        m_process = fork();
+        if (m_process == 0) {
+            int const file = open(name.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            ssize_t written = ::write(file, first.constData(), static_cast<size_t>(first.size()));
+            written += ::write(ready[1], "", 1);
+            for (int rounds = 0; rounds < kMostRounds && written > 0; ++rounds)
+                for (int at = 0; at < round.size(); at += kPiece)
+                    written +=
+                        ::write(file, round.constData() + at,
+                                static_cast<size_t>(qMin(kPiece, static_cast<int>(round.size()) - at)));
+            _exit(0);
+        }
+        ::close(ready[1]);
+        char byte = 0;
+        m_isWriting = m_process > 0 && ::read(ready[0], &byte, 1) == 1;
+        ::close(ready[0]);
+    }
+    ~CxWriter()
+    {
+        if (m_process <= 0)
+            return;
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+    }
+    bool isWriting() const { return m_isWriting; }
+
+private:
+    Q_DISABLE_COPY(CxWriter)
+    static constexpr int kPiece = 37; // ends anywhere in a frame
+    static constexpr int kMostRounds = 2000;
+
+    pid_t m_process = -1;
+    bool m_isWriting = false;
+};
+
+} // namespace
+
+/// A recording in progress: it opens with what is there, up to the middle of its last frame.
+void tst_H264VideoLoader::besideAWriter()
+{
+    QByteArray const round = m_stream.bytes();
+    qint64 largest = 0;
+    for (QByteArray const& frame : m_stream.frames)
+        largest = qMax(largest, static_cast<qint64>(frame.size()));
+    qint64 grown = 0;
+    for (int i = 0; i < 100; ++i) {
+        QString const name = m_folder.filePath(QStringLiteral("recording%1.h264").arg(i));
+        CxWriter const writer(name, m_stream.frames.first(), round);
+        QVERIFY(writer.isWriting());
+        qint64 const before = QFileInfo(name).size();
+        CxH264VideoLoader loader;
+        loader.setInputFile(name);
+        QVERIFY(loader.load());
+        qint64 const after = QFileInfo(name).size();
+        grown += after > before ? 1 : 0;
+
+        // The first frame, then rounds; a start code whose unit is still to come stays with the last.
+        int const count = loader.sequenceSize();
+        qint64 indexed = 0;
+        for (int frame = 0; frame < count; ++frame) {
+            auto const size = static_cast<qint64>(loader.frameDataSize(frame));
+            qint64 const whole = m_stream.frames.at(frame == 0 ? 0 : (frame - 1) % kFrames).size();
+            QVERIFY(frame == count - 1 ? size <= whole + 8 : size == whole);
+            indexed += size;
+        }
+        QVERIFY(indexed <= after);
+        QVERIFY(indexed >= before - largest - 8);
+        QCOMPARE(fx_Load(loader, 0), m_pictures.first());
+        if (count > 4)
+            QCOMPARE(fx_Load(loader, 3), m_pictures.at(2));
+    }
+    QVERIFY(grown > 0); // at least once the file grew while it was opened
+    for (QString const& name : QDir(m_folder.path()).entryList({QStringLiteral("recording*")}))
+        QFile::remove(m_folder.filePath(name));
 }
 
 void tst_H264VideoLoader::shrunkFile_data()
