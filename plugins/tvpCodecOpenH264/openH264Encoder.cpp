@@ -4,7 +4,6 @@
 #include <cstring>
 #include <locale>
 #include <sstream>
-#include <type_traits>
 
 #include "CriticalMessage.h"
 #include "FourCC.h"
@@ -12,6 +11,20 @@
 #include "RGB32Format.h"
 #include "openH264Levels.h"
 #include "openH264Panel.h"
+
+/// The level that an option stands for; those outside the enumeration have the limits of none.
+static ELevelIdc fx_Level(int option)
+{
+    return option >= 0 && option <= LEVEL_5_2 ? static_cast<ELevelIdc>(option) : LEVEL_UNKNOWN;
+}
+
+/// Gives a field of the library's an option as it is, also where its enumeration has no such number.
+template<typename Enumeration>
+static void fx_SetNumber(Enumeration& field, int option)
+{
+    static_assert(sizeof(Enumeration) == sizeof(int), "an option is an int");
+    std::memcpy(&field, &option, sizeof field);
+}
 
 // The real rate of a recording is not known when it starts, so the rate control plans for this one.
 static constexpr float kFrameRate = 30.0f;
@@ -56,8 +69,7 @@ unsigned int CxOpenH264Encoder::bitrate(SxPicBufInfo const& format) const
     // Sums are made unsigned, where 32-bit arithmetic wraps for sizes and qualities that make no
     // sense, and read back as signed.
     quint32 const size = static_cast<quint32>(GetIYUVSize(format));
-    qint32 const maxRate =
-        static_cast<qint32>(fx_GetMaxBitRateForLevel(static_cast<ELevelIdc>(m_options.level)));
+    qint32 const maxRate = static_cast<qint32>(fx_GetMaxBitRateForLevel(fx_Level(m_options.level)));
     qint32 const cap = std::min(static_cast<qint32>(size * 30u), maxRate);
     qint32 const base = static_cast<qint32>(size) / 4;
     if (cap < base)
@@ -75,7 +87,7 @@ void CxOpenH264Encoder::queryOuputFormat(SxPicBufInfo const& input, SxPicBufInfo
     SxPicBufInfo format = input; // aside, since the host may pass one record as both
     fx_SetRGB32(format);
 
-    QSize const box = fx_GetMaxResolutionForLevel(static_cast<ELevelIdc>(m_options.level));
+    QSize const box = fx_GetMaxResolutionForLevel(fx_Level(m_options.level));
     int const width = static_cast<int>(input.width);
     int const height = static_cast<int>(input.height);
     if (width > box.width() || height > box.height()) {
@@ -106,7 +118,7 @@ bool CxOpenH264Encoder::createEncoder(SxPicBufInfo const& format)
     }
 
     quint32 const targetRate = bitrate(format);
-    quint32 const maxRate = fx_GetMaxBitRateForLevel(static_cast<ELevelIdc>(m_options.level));
+    quint32 const maxRate = fx_GetMaxBitRateForLevel(fx_Level(m_options.level));
     encoder->GetDefaultParams(&m_params);
     // Deliberate: the screen-content mode, which keeps sharp edges.
     m_params.iUsageType = SCREEN_CONTENT_REAL_TIME;
@@ -115,7 +127,7 @@ bool CxOpenH264Encoder::createEncoder(SxPicBufInfo const& format)
     m_params.fMaxFrameRate = kFrameRate;
     m_params.iTargetBitrate = static_cast<int>(targetRate);
     m_params.iRCMode = RC_BITRATE_MODE;
-    m_params.iComplexityMode = static_cast<ECOMPLEXITY_MODE>(m_options.complexity);
+    fx_SetNumber(m_params.iComplexityMode, m_options.complexity);
     m_params.bEnableFrameSkip = true;
     m_params.iMaxBitrate = static_cast<int>(maxRate);
     SSpatialLayerConfig& layer = m_params.sSpatialLayers[0];
@@ -124,8 +136,8 @@ bool CxOpenH264Encoder::createEncoder(SxPicBufInfo const& format)
     layer.fFrameRate = m_params.fMaxFrameRate;
     layer.iSpatialBitrate = m_params.iTargetBitrate;
     layer.iMaxSpatialBitrate = m_params.iMaxBitrate;
-    layer.uiProfileIdc = static_cast<EProfileIdc>(m_options.profile);
-    layer.uiLevelIdc = static_cast<ELevelIdc>(m_options.level);
+    fx_SetNumber(layer.uiProfileIdc, m_options.profile);
+    fx_SetNumber(layer.uiLevelIdc, m_options.level);
     layer.sSliceArgument.uiSliceMode = SM_SINGLE_SLICE;
 
     int const initError = encoder->InitializeExt(&m_params);
@@ -254,10 +266,11 @@ bool CxOpenH264Encoder::encode(SxPicBuf const& picture, void* out, unsigned long
 }
 
 /// The number in a field that an option fills, which may be none that the library's enumeration has.
+/// Signed, as options are, whatever the compiler chose for the enumeration.
 template<typename Enumeration>
-static std::underlying_type_t<Enumeration> fx_Number(Enumeration const& field)
+static int fx_Number(Enumeration const& field)
 {
-    std::underlying_type_t<Enumeration> number;
+    int number;
     std::memcpy(&number, &field, sizeof number);
     return number;
 }

@@ -45,6 +45,7 @@ private slots:
     void initFailure_data();
     void initFailure();
     void initFailureWithSenselessOptions();
+    void dumpOfNegativeOptions();
     void initFailureOfTheLibrary();
     void messageNamesItsPlace();
     void dump_data();
@@ -274,6 +275,8 @@ void tst_openH264Encoder::bitrate_data()
     QTest::newRow("cap as large as the base") << 640u << 320u << 10 << 5 << 76800u;
     QTest::newRow("level between") << 1920u << 1080u << 45 << 5 << 41904000u;
     QTest::newRow("level above") << 4096u << 2304u << 60 << 10 << 288000000u;
+    QTest::newRow("level far above") << 1920u << 1080u << std::numeric_limits<int>::max() << 5 << 41904000u;
+    QTest::newRow("level far below") << 1920u << 1080u << std::numeric_limits<int>::min() << 5 << 41904000u;
     QTest::newRow("nothing") << 0u << 0u << 52 << 5 << 0u;
     // Sizes that 32 bits don't hold: a negative base, and a cap that wraps to a negative value.
     QTest::newRow("negative base") << 40000u << 60000u << 52 << 5 << 31476764u;
@@ -322,6 +325,8 @@ void tst_openH264Encoder::queryOuputFormat_data()
     QTest::newRow("large at 5.1") << 51 << 5120u << 2880u << 4096u << 2304u;
     QTest::newRow("4K at no level") << 60 << 4096u << 2160u << 1920u << 1012u;
     QTest::newRow("4K at a negative level") << -1 << 4096u << 2160u << 1920u << 1012u;
+    QTest::newRow("4K at a level far above")
+        << std::numeric_limits<int>::max() << 4096u << 2160u << 1920u << 1012u;
     QTest::newRow("portrait") << 40 << 1080u << 1920u << 606u << 1080u;
     QTest::newRow("only the height too large") << 31 << 100u << 800u << 90u << 720u;
     QTest::newRow("only the width too large") << 31 << 2560u << 100u << 1280u << 50u;
@@ -603,10 +608,24 @@ void tst_openH264Encoder::initFailureWithSenselessOptions()
     QVERIFY(!fx_Encode(encoder, picture.buf).isOk);
     QStringList const messages = m_messages->takeTexts();
     QCOMPARE(messages.size(), 2);
-    // Signed or unsigned is the compiler's choice for enumerations of another library; the bits are ours.
     QVERIFY2(messages[1].contains(QStringLiteral("  Complexity=99  ")), qPrintable(messages[1]));
     QVERIFY2(messages[1].contains(QStringLiteral("  Profile=1000  ")), qPrintable(messages[1]));
+    QVERIFY2(messages[1].contains(QStringLiteral("  Level=-7  ")), qPrintable(messages[1]));
     QVERIFY2(messages[1].contains(QStringLiteral("TargetBitrate=-14080  ")), qPrintable(messages[1]));
+}
+
+void tst_openH264Encoder::dumpOfNegativeOptions()
+{
+    CxTestPicture const picture(64, 48);
+    CxOpenH264Encoder encoder;
+    encoder.setEncoderOptions({{"h264_complexity", -1},
+                               {"h264_profile_idc", -2},
+                               {"h264_level_idc", std::numeric_limits<int>::min()}});
+    fx_OpenH264Double().initError = 1;
+    QVERIFY(!fx_Encode(encoder, picture.buf).isOk);
+    QString const text = m_messages->takeTexts().value(1);
+    QVERIFY2(text.contains(QStringLiteral("  Complexity=-1  ")), qPrintable(text));
+    QVERIFY2(text.contains(QStringLiteral("  Profile=-2  Level=-2147483648  ")), qPrintable(text));
 }
 
 void tst_openH264Encoder::initFailureOfTheLibrary()
