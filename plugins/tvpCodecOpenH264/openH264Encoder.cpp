@@ -29,6 +29,11 @@ static void fx_SetNumber(Enumeration& field, int option)
 // The real rate of a recording is not known when it starts, so the rate control plans for this one.
 static constexpr float kFrameRate = 30.0f;
 
+CxOpenH264Encoder::~CxOpenH264Encoder()
+{
+    m_encoder.reset(); // before the planes, which the last EncodeFrame() gave it
+}
+
 QString CxOpenH264Encoder::name() { return QStringLiteral("OpenH264"); }
 
 unsigned int CxOpenH264Encoder::fourCC() { return kFourCCH264; }

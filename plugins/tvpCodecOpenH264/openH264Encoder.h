@@ -31,6 +31,7 @@ class CxOpenH264Encoder : public QObject, public IxVideoEncoder
 
 public:
     Q_INVOKABLE CxOpenH264Encoder() {} // the host creates us through the meta-object
+    ~CxOpenH264Encoder() override;
 
     QString name() override;        ///< "OpenH264"
     unsigned int fourCC() override; ///< "H264"

@@ -79,6 +79,7 @@ private slots:
     void overflow_data();
     void overflow();
     void destruction();
+    void planesOutliveTheLibrarysEncoder();
 
     void libraryCodesPictures();
     void librarySizes_data();
@@ -1209,6 +1210,35 @@ void tst_openH264Encoder::destruction()
     }
     QCOMPARE(fx_OpenH264Double().destroyed, 1);
     QCOMPARE(fx_OpenH264Double().uninitialized, 0);
+}
+
+/// A block of memory, and how many of OpenH264's encoders were gone when it was freed.
+static void const* s_watchedBlock = nullptr;
+static int s_destroyedWhenFreed = -1;
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are those that the linker's --wrap makes.
+extern "C" {
+void __real_free(void* block);
+void __wrap_free(void* block);
+}
+void __wrap_free(void* block)
+{
+    if (block && block == s_watchedBlock)
+        s_destroyedWhenFreed = fx_OpenH264Double().destroyed;
+    __real_free(block);
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+void tst_openH264Encoder::planesOutliveTheLibrarysEncoder()
+{
+    CxTestPicture const picture(16, 16);
+    {
+        CxOpenH264Encoder encoder;
+        QVERIFY(fx_Encode(encoder, picture.buf).isOk);
+        s_watchedBlock = fx_OpenH264Double().pictures.back().header.pData[0];
+    }
+    s_watchedBlock = nullptr;
+    QCOMPARE(s_destroyedWhenFreed, 1);
 }
 
 /// The types of the NAL units of an access unit with four-byte start codes.
