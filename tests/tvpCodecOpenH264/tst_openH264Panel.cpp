@@ -12,6 +12,7 @@
 #include <QTranslator>
 
 #include "openH264Encoder.h"
+#include "support/OpenH264EncoderDouble.h"
 
 namespace {
 
@@ -110,7 +111,8 @@ private slots:
     void showsEncoderOptions();
     void clampsOutOfRange();
     void replacesUnknownValues();
-    void unknownLevelIsReplacedInEncoder();
+    void unknownValuesAreReplacedInEncoder_data();
+    void unknownValuesAreReplacedInEncoder();
     void level1b();
     void clickShowsAdvanced();
     void keyShowsAdvanced();
@@ -440,25 +442,41 @@ void tst_openH264Panel::replacesUnknownValues()
     QCOMPARE(options.level, 52);
 }
 
-void tst_openH264Panel::unknownLevelIsReplacedInEncoder()
+void tst_openH264Panel::unknownValuesAreReplacedInEncoder_data()
 {
-    SxPicBufInfo format;
-    format.width = 1920;
-    format.height = 1080;
-    format.components = 4;
-    QMap<QString, QVariant> const best{{"h264_quality", 10}}; // the bit rate is the level's limit
-    CxOpenH264Encoder normal;
-    normal.setEncoderOptions(best);
-    CxOpenH264Encoder encoder;
-    encoder.setEncoderOptions(best);
-    encoder.setEncoderOptions({{"h264_level_idc", 9}});
-    QVERIFY(encoder.bitrate(format) != normal.bitrate(format));
-    QWidget parent;
-    encoder.widgetForSaveDlg(&parent);
-    QVERIFY(encoder.bitrate(format) != normal.bitrate(format)); // a level of the list stays
-    encoder.setEncoderOptions({{"h264_level_idc", 14}});
-    encoder.widgetForSaveDlg(&parent);
-    QCOMPARE(encoder.bitrate(format), normal.bitrate(format));
+    QTest::addColumn<int>("complexity");
+    QTest::addColumn<int>("profile");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<QVector<int>>("expected");
+    QTest::newRow("all zero") << 0 << 0 << 0 << QVector<int>{0, 66, 52}; // low is a complexity
+    QTest::newRow("level between two") << 2 << 100 << 14 << QVector<int>{2, 100, 52};
+    QTest::newRow("above") << 3 << 245 << 53 << QVector<int>{1, 66, 52};
+    QTest::newRow("negative") << -1 << -66 << -52 << QVector<int>{1, 66, 52};
+    QTest::newRow("all known") << 0 << 77 << 9 << QVector<int>{0, 77, 9};
+}
+
+/// What the library is then given, not only what the panel shows.
+void tst_openH264Panel::unknownValuesAreReplacedInEncoder()
+{
+    QFETCH(int, complexity);
+    QFETCH(int, profile);
+    QFETCH(int, level);
+    fx_OpenH264Double() = SxOpenH264Double();
+    CxTestPicture const picture(64, 48);
+    QByteArray out(64 * 48 * 2, '\0');
+    unsigned long size = static_cast<unsigned long>(out.size());
+    {
+        CxOpenH264Encoder encoder;
+        encoder.setEncoderOptions(
+            {{"h264_complexity", complexity}, {"h264_profile_idc", profile}, {"h264_level_idc", level}});
+        QWidget parent;
+        encoder.widgetForSaveDlg(&parent);
+        QVERIFY(encoder.encode(picture.buf, out.data(), size, nullptr));
+    }
+    QCOMPARE(fx_OpenH264Double().params.size(), size_t(1));
+    SEncParamExt const& params = fx_OpenH264Double().params.front();
+    SSpatialLayerConfig const& layer = params.sSpatialLayers[0];
+    QTEST((QVector<int>{params.iComplexityMode, layer.uiProfileIdc, layer.uiLevelIdc}), "expected");
 }
 
 void tst_openH264Panel::level1b()
