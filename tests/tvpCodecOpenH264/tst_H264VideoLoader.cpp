@@ -23,18 +23,22 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes(); // GCC comes withou
 #include "openH264Decoder.h"
 #include "support/CodedStream.h"
 #include "support/MessageRecorder.h"
+#include "support/ReferenceScan.h"
 #include "support/SpsWriter.h"
 
 /// What happens right behind the next mapping, between a loader's questions to the file system.
-static std::function<void()> s_behindMapping;
+static std::function<void(void* mapped)> s_behindMapping;
+static size_t s_roomBehindMapping = 0; ///< bytes of address space that the next mapping gets on top
 
 /// Qt's mappings come by here: a program's own symbols go before those of its libraries.
 extern "C" void* mmap64(void* address, size_t length, int protection, int flags, int file, off64_t offset)
 {
-    long const mapped = syscall(SYS_mmap, address, length, protection, flags, file, offset);
-    if (std::function<void()> const then = std::exchange(s_behindMapping, nullptr))
-        then();
-    return reinterpret_cast<void*>(mapped);
+    size_t const all = length + std::exchange(s_roomBehindMapping, 0);
+    void* const mapped =
+        reinterpret_cast<void*>(syscall(SYS_mmap, address, all, protection, flags, file, offset));
+    if (auto const then = std::exchange(s_behindMapping, nullptr))
+        then(mapped);
+    return mapped;
 }
 
 static constexpr int kFrames = 12;
@@ -113,6 +117,13 @@ private slots:
     void keyFramesAreShared();
     void rules_data();
     void rules();
+    void strangeFile_data();
+    void strangeFile();
+    void everyShortFile_data();
+    void everyShortFile();
+    void startCodeAcrossEveryPageEdge();
+    void spsAtTheEndOfThePage();
+    void manyTinyFrames();
     void frameData();
     void frameDataWithoutFile();
     void pictures();
@@ -141,6 +152,7 @@ private slots:
     void memoryStaysFlat();
 
 private:
+    void checkIndex(QByteArray const& bytes);
     QString write(QByteArray const& bytes, QString const& name = QStringLiteral("stream.h264"));
 
     QTemporaryDir m_folder;
@@ -409,6 +421,155 @@ void tst_H264VideoLoader::rules()
     for (int frame = loader.sequenceSize() - 1; frame >= 0; --frame)
         QVERIFY(fx_Load(loader, frame).isEmpty());
     QCOMPARE(loader.lastProcessedFrame(), -1);
+}
+
+/// Opens a file of these bytes and compares its index with the plain scan; then asks for pictures, of which
+/// nothing is known but that they may be refused.
+void tst_H264VideoLoader::checkIndex(QByteArray const& bytes)
+{
+    Bytes const plain(bytes.begin(), bytes.end());
+    bool const begins = plain.size() >= 4 && fx_ReferenceStartCode(plain, 0) != 0;
+    SxScan const scan = begins ? fx_ReferenceScan(plain) : SxScan();
+    bool const opens = scan.hasSps && !scan.frames.empty();
+
+    CxMessageRecorder messages;
+    CxH264VideoLoader loader;
+    loader.setInputFile(write(bytes, QStringLiteral("strange.h264")));
+    QCOMPARE(loader.load(), opens);
+    int const count = loader.sequenceSize();
+    QCOMPARE(count, opens ? static_cast<int>(scan.frames.size()) : 0);
+    QList<int> keys;
+    for (int frame = 0; frame < count; ++frame) {
+        SxFrameRange const& expected = scan.frames[static_cast<size_t>(frame)];
+        if (loader.frameDataSize(frame) != expected.size)
+            QCOMPARE(loader.frameDataSize(frame), static_cast<unsigned long>(expected.size));
+        if (expected.key)
+            keys.append(frame);
+    }
+    QCOMPARE(fx_KeyFrames(loader), keys);
+    for (int const frame : {0, count / 2, count - 1})
+        fx_Load(loader, frame);
+}
+
+void tst_H264VideoLoader::strangeFile_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    int const kSize = 100000;
+    QByteArray const sps = fx_SpsUnit(5, 3);
+    auto const repeated = [](QByteArray const& piece) {
+        return piece.repeated(kSize / static_cast<int>(piece.size()));
+    };
+    QTest::newRow("only zeros") << QByteArray(kSize, '\0');
+    QTest::newRow("only ones") << QByteArray(kSize, '\1');
+    QTest::newRow("only start codes") << repeated(QByteArray::fromHex("000001"));
+    QTest::newRow("only start codes of four bytes") << repeated(QByteArray::fromHex("00000001"));
+    QTest::newRow("an SPS, then zeros") << sps + QByteArray(kSize, '\0');
+    QTest::newRow("an SPS, then start codes") << sps + repeated(QByteArray::fromHex("000001"));
+    QTest::newRow("an SPS without an end") << sps + QByteArray(kSize, '\xFF');
+    QTest::newRow("only SPS header bytes") << repeated(QByteArray::fromHex("00000167"));
+    QTest::newRow("only slice header bytes") << sps + repeated(QByteArray::fromHex("00000161"));
+    QTest::newRow("only IDR header bytes") << sps + repeated(QByteArray::fromHex("00000165"));
+    std::minstd_rand random(3);
+    for (char const* alphabet : {"00000161", "0000016167656803", "00010203040506070809616567686a"}) {
+        QByteArray const letters = QByteArray::fromHex(alphabet);
+        QByteArray bytes = sps;
+        while (bytes.size() < kSize)
+            bytes.append(letters.at(static_cast<int>(random() % static_cast<unsigned>(letters.size()))));
+        QTest::addRow("random bytes of %s", alphabet) << bytes;
+    }
+}
+
+void tst_H264VideoLoader::strangeFile()
+{
+    QFETCH(QByteArray, bytes);
+    checkIndex(bytes);
+}
+
+void tst_H264VideoLoader::everyShortFile_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QByteArray const sps = fx_SpsUnit(5, 3);
+    QTest::newRow("of our stream") << m_stream.bytes();
+    QTest::newRow("of slices ahead of an SPS") << fx_Unit(0x61, "\x01\x02\x03\x04") + sps + m_stream.bytes();
+    QTest::newRow("of zeros") << QByteArray(64, '\0');
+    QTest::newRow("of start codes") << QByteArray::fromHex("000001").repeated(22);
+    QTest::newRow("of SPS headers") << QByteArray::fromHex("00000167").repeated(16);
+}
+
+void tst_H264VideoLoader::everyShortFile()
+{
+    QFETCH(QByteArray, bytes);
+    for (int size = 1; size <= 64; ++size) {
+        checkIndex(bytes.left(size));
+        if (QTest::currentTestFailed())
+            QFAIL(qPrintable(QStringLiteral("of %1 bytes").arg(size)));
+    }
+}
+
+void tst_H264VideoLoader::startCodeAcrossEveryPageEdge()
+{
+    QByteArray const sps = fx_SpsUnit(5, 3);
+    for (int const edge : {4096, 8192, 16384, 65536}) {
+        for (int const length : {3, 4}) {
+            for (int at = edge - 8; at <= edge + 1; ++at) {
+                QByteArray bytes = sps + QByteArray(at - static_cast<int>(sps.size()), '\x55');
+                bytes += QByteArray::fromHex("00000001").right(length) + QByteArray("\x61\x01\x02\x03", 4);
+                checkIndex(bytes);
+                checkIndex(bytes + QByteArray(edge, '\x55')); // the last page is a whole one
+                if (QTest::currentTestFailed())
+                    QFAIL(qPrintable(QStringLiteral("of %1 bytes, at %2").arg(length).arg(at)));
+            }
+        }
+    }
+}
+
+/// The mapping ends with the set: whatever its codes say, nothing is read behind it.
+void tst_H264VideoLoader::spsAtTheEndOfThePage()
+{
+    int const page = static_cast<int>(sysconf(_SC_PAGESIZE));
+    QByteArray const whole = fx_SpsUnit(5, 3);
+    QList<QByteArray> sets;
+    for (int size = 5 + 3; size <= whole.size(); ++size) // the first that the scan looks at, to all
+        sets.append(whole.left(size));
+    sets.append(fx_Unit(0x67, QByteArray(3, '\0')));
+    sets.append(fx_Unit(0x67, QByteArray::fromHex("640029") + QByteArray(20, '\0')));
+    sets.append(fx_Unit(0x67, QByteArray::fromHex("42001FA000")));
+    for (QByteArray const& set : sets) {
+        QByteArray const slice = fx_Unit(0x61, QByteArray(page - static_cast<int>(set.size()) - 5, '\x55'));
+        QByteArray const bytes = slice + set;
+        QCOMPARE(static_cast<int>(bytes.size()), page);
+        // The page behind the mapping cannot be read, as at the end of what a process has.
+        bool isGuarded = false;
+        s_behindMapping = [&](void* mapped) {
+            isGuarded =
+                mprotect(static_cast<char*>(mapped) + page, static_cast<size_t>(page), PROT_NONE) == 0;
+        };
+        s_roomBehindMapping = static_cast<size_t>(page);
+        checkIndex(bytes);
+        QVERIFY(isGuarded);
+        if (QTest::currentTestFailed())
+            return;
+    }
+}
+
+void tst_H264VideoLoader::manyTinyFrames()
+{
+    int const kCount = 100000;
+    QByteArray const sps = fx_SpsUnit(5, 3);
+    CxH264VideoLoader loader;
+    loader.setInputFile(
+        write(sps + QByteArray::fromHex("0000016155").repeated(kCount), QStringLiteral("tiny.h264")));
+    QVERIFY(loader.load());
+    // The last one is too short to be looked at and stays with the one before.
+    QCOMPARE(loader.sequenceSize(), kCount);
+    QCOMPARE(loader.frameDataSize(0), static_cast<unsigned long>(sps.size()));
+    for (int const frame : {1, 2, kCount / 2, kCount - 2})
+        QCOMPARE(loader.frameDataSize(frame), 5ul);
+    QCOMPARE(loader.frameDataSize(kCount - 1), 10ul);
+    QCOMPARE(fx_KeyFrames(loader), QList<int>{0});
+    CxMessageRecorder messages;
+    for (int const frame : {kCount - 1, kCount / 2, 1})
+        QVERIFY(fx_Load(loader, frame).isEmpty());
 }
 
 /// The result says only whether there is a buffer; success shows in the size.
@@ -756,7 +917,7 @@ void tst_H264VideoLoader::fileGrowsBehindItsMapping()
 {
     QString const name = write(m_stream.bytes(), QStringLiteral("growing.h264"));
     bool hasGrown = false;
-    s_behindMapping = [&] {
+    s_behindMapping = [&](void*) {
         QFile file(name);
         hasGrown = file.open(QIODevice::Append) && file.write(QByteArray(1 << 20, '\x42')) == 1 << 20;
     };
