@@ -1,0 +1,79 @@
+// Writes what the fuzzers start from: seeds FOLDER.
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <cstdio>
+
+#include "support/CodedStream.h"
+#include "support/SpsWriter.h"
+
+static QDir s_folder;
+static bool s_isWritten = true;
+
+static void fx_Write(QString const& target, QString const& name, QByteArray const& bytes)
+{
+    s_isWritten = s_isWritten && s_folder.mkpath(target);
+    QFile file(s_folder.filePath(target + QLatin1Char('/') + name));
+    s_isWritten = s_isWritten && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+/// An input of its own for CxFuzzInput::split().
+static QByteArray fx_Part(QByteArray const& bytes) { return static_cast<char>(bytes.size()) + bytes; }
+
+static void fx_WriteSets()
+{
+    SxSps sps;
+    auto const write = [&sps](char const* name) {
+        std::vector<uchar> const bytes = fx_WriteSps(sps);
+        fx_Write(QStringLiteral("sps"), QLatin1String(name),
+                 QByteArray(reinterpret_cast<char const*>(bytes.data()), static_cast<int>(bytes.size())));
+    };
+    write("baseline");
+    sps.frame_mbs_only_flag = false;
+    sps.frame_cropping_flag = true;
+    sps.bottom = 4;
+    write("field");
+    sps.pic_order_cnt_type = 1;
+    sps.num_ref_frames_in_pic_order_cnt_cycle = sps.offsets = 20;
+    write("cycle");
+    sps = SxSps();
+    sps.profile_idc = 100;
+    sps.seq_scaling_matrix_present_flag = true;
+    write("high");
+}
+
+static void fx_WriteStreams()
+{
+    for (int const profile : {66, 77, 100}) {
+        QString const name = QStringLiteral("profile%1").arg(profile);
+        QByteArray const stream =
+            fx_CodeStream(8, 48, 32, {{"h264_profile_idc", profile}, {"h264_keyframerate", 4}}).bytes();
+        fx_Write(QStringLiteral("annexb"), name, stream);
+        QByteArray const none(1, '\0');
+        fx_Write(QStringLiteral("decoder"), name, none + none + stream);
+        // Pictures of the caller's and back and forth; an accessor that lies now and then.
+        QByteArray const choices = QByteArray::fromHex("0004040404050706030005000202060105040300");
+        fx_Write(QStringLiteral("decoder"), name + QStringLiteral("-lies"),
+                 fx_Part(choices) + fx_Part(QByteArray(40, '\0') + QByteArray::fromHex("03020001000400050006")) +
+                     stream);
+        fx_Write(QStringLiteral("loader"), name, none + stream);
+        // Opened, played, cut, appended to, closed and opened again.
+        QByteArray const session = QByteArray::fromHex(
+            "02000c000c010c030500ff0f06010700400c000c0108000400000001090020ff0c010100000003000c020a0101000a000200");
+        fx_Write(QStringLiteral("loader"), name + QStringLiteral("-session"), fx_Part(session) + stream);
+    }
+}
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s FOLDER\n", argv[0]);
+        return 2;
+    }
+    s_folder = QDir(QString::fromLocal8Bit(argv[1]));
+    fx_WriteSets();
+    fx_WriteStreams();
+    if (!s_isWritten)
+        std::printf("The seeds cannot be written to '%s'.\n", argv[1]); // standard error is OpenH264's
+    return s_isWritten ? 0 : 1;
+}
