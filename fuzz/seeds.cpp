@@ -64,6 +64,32 @@ static void fx_WriteStreams()
     }
 }
 
+static void fx_WriteRecords()
+{
+    for (char packing = 0; packing < 6; ++packing) {
+        QByteArray const odd = QByteArray::fromHex("01") + packing + QByteArray::fromHex("072107130700050505070707");
+        QByteArray const even = QByteArray::fromHex("01") + packing + QByteArray::fromHex("072007100700050505070707");
+        fx_Write(QStringLiteral("conversions"), QStringLiteral("odd%1").arg(int(packing)), odd + QByteArray(60, '\x5C'));
+        fx_Write(QStringLiteral("conversions"), QStringLiteral("even%1").arg(int(packing)), even + QByteArray(60, '\x5C'));
+    }
+    fx_Write(QStringLiteral("conversions"), QStringLiteral("rgb32"),
+             QByteArray::fromHex("0000231103020100") + QByteArray(90, '\xB7'));
+    fx_Write(QStringLiteral("conversions"), QStringLiteral("rgb32-large"),
+             QByteArray::fromHex("0001402041") + QByteArray(90, '\x36'));
+
+    fx_Write(QStringLiteral("options"), QStringLiteral("none"), QByteArray(32, '\0'));
+    fx_Write(QStringLiteral("options"), QStringLiteral("usual"),
+             QByteArray::fromHex("1f0107010301010100010b3f2f") + QByteArray(24, '\1'));
+    fx_Write(QStringLiteral("options"), QStringLiteral("other"),
+             QByteArray::fromHex("7f0001ffffff7f000700060400050008001f1f") + QByteArray(24, '\3'));
+    fx_Write(QStringLiteral("saver"), QStringLiteral("camera"),
+             QByteArray::fromHex("00") + QByteArray(8 * 75, '\x0B'));
+    fx_Write(QStringLiteral("saver"), QStringLiteral("level"),
+             QByteArray::fromHex("100101") + QByteArray(8 * 75, '\x10'));
+    fx_Write(QStringLiteral("saver"), QStringLiteral("sizes"),
+             QByteArray::fromHex("0901050103") + QByteArray(8 * 75, '\x44'));
+}
+
 int main(int argc, char** argv)
 {
     if (argc != 2) {
@@ -73,6 +99,7 @@ int main(int argc, char** argv)
     s_folder = QDir(QString::fromLocal8Bit(argv[1]));
     fx_WriteSets();
     fx_WriteStreams();
+    fx_WriteRecords();
     if (!s_isWritten)
         std::printf("The seeds cannot be written to '%s'.\n", argv[1]); // standard error is OpenH264's
     return s_isWritten ? 0 : 1;
