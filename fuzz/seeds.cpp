@@ -90,6 +90,21 @@ static void fx_WriteRecords()
              QByteArray::fromHex("0901050103") + QByteArray(8 * 75, '\x44'));
 }
 
+static void fx_WriteLines()
+{
+    auto const write = [](char const* name, char kind, char const* line) {
+        fx_Write(QStringLiteral("arguments"), QLatin1String(name), QByteArray(1, kind) + '\x1E' + line);
+    };
+    write("frames", 0, "0,10-20,20-10,10-,0-300:30,key,all");
+    write("name", 1, "frame_%05d of 100%%.png");
+    write("record", 2, "--quality\n8\n--keyframe-rate=5\n--level\n3.1\n--profile\nhigh\n--size\n64x48\n--frames\n9\ncamera:\nout.h264");
+    write("record-files", 2, "--bits\n12\n--input-option\nvideo_size=64x48\n--json\na.png\n-\nout.h264");
+    write("export", 3, "in.h264\n--frames\n0-9:3\n-o\nframe_%05d.png\n--overwrite");
+    write("export-sheet", 3, "in.h264\n--frames=all\n--sheet\n4\n--output\nsheet.png");
+    write("export-hash", 3, "in.h264\n--frames\nkey\n--hash\nmd5\n--json");
+    write("export-stream", 3, "in.h264\n--frames\n9-0\n--stream\nbgr24\n-o\n-");
+}
+
 int main(int argc, char** argv)
 {
     if (argc != 2) {
@@ -100,6 +115,7 @@ int main(int argc, char** argv)
     fx_WriteSets();
     fx_WriteStreams();
     fx_WriteRecords();
+    fx_WriteLines();
     if (!s_isWritten)
         std::printf("The seeds cannot be written to '%s'.\n", argv[1]); // standard error is OpenH264's
     return s_isWritten ? 0 : 1;
