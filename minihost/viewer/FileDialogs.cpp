@@ -52,17 +52,19 @@ QString CxFileDialogs::sourceToOpen(QWidget* parent)
     return name;
 }
 
-QString CxFileDialogs::pictureToSave(QWidget* parent, QString const& base, int number)
+QFileDialog* CxFileDialogs::pictureToSave(QWidget* parent, QString const& base, int number)
 {
     QDir const folder(fx_Folder(kPictureFolderKey, QStandardPaths::PicturesLocation));
-    QString const suggested =
-        folder.filePath(QStringLiteral("%1_%2.png").arg(base).arg(number, 5, 10, QLatin1Char('0')));
-    QString fileName =
-        QFileDialog::getSaveFileName(parent, tr("Save Picture"), suggested, tr("PNG picture (*.png)"));
-    if (fileName.isEmpty())
-        return {};
-    if (QFileInfo(fileName).suffix().isEmpty())
-        fileName += QStringLiteral(".png");
-    QSettings().setValue(kPictureFolderKey, QFileInfo(fileName).absolutePath());
-    return fileName;
+    auto* const dialog =
+        new QFileDialog(parent, tr("Save Picture"), folder.path(), tr("PNG picture (*.png)"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setObjectName(QStringLiteral("pictureDialog"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setDefaultSuffix(QStringLiteral("png")); // before it asks whether to replace a file
+    dialog->selectFile(QStringLiteral("%1_%2.png").arg(base).arg(number, 5, 10, QLatin1Char('0')));
+    QObject::connect(dialog, &QFileDialog::fileSelected, [](QString const& fileName) {
+        QSettings().setValue(kPictureFolderKey, QFileInfo(fileName).absolutePath());
+    });
+    return dialog;
 }

@@ -2,10 +2,11 @@
 
 #include <QCoreApplication>
 
+class QFileDialog;
 class QWidget;
 
 /// Asks for the file or source to open and for the file to save a picture to. Every answer is remembered, so
-/// that the next question begins there, and is empty when the user changed his mind.
+/// that the next question begins there, and is empty, or never comes, when the user changed his mind.
 class CxFileDialogs
 {
     Q_DECLARE_TR_FUNCTIONS(CxFileDialogs)
@@ -14,6 +15,7 @@ public:
     static QString recordingToOpen(QWidget* parent);
     static QString sourceToOpen(QWidget* parent);
 
-    /// Suggests "<base>_<number>.png".
-    static QString pictureToSave(QWidget* parent, QString const& base, int number);
+    /// A dialog to be opened, which asks without stopping the window and deletes itself. Suggests
+    /// "<base>_<number>.png"; the answer is its fileSelected().
+    static QFileDialog* pictureToSave(QWidget* parent, QString const& base, int number);
 };

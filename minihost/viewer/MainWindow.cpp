@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -18,6 +19,7 @@
 #include "FileDialogs.h"
 #include "HelpWindow.h"
 #include "MessageBar.h"
+#include "PictureFile.h"
 #include "PictureView.h"
 #include "RecentFiles.h"
 #include "RecordBar.h"
@@ -247,23 +249,27 @@ void CxMainWindow::updateActions()
         action->setEnabled(!m_record.isRunning());
 }
 
+/// Saves the picture shown now, whatever is shown once the file has a name.
 void CxMainWindow::askForPictureFile()
 {
+    SxShownPicture const picture = m_view->picture();
     QString const base =
         player().isOpen() ? QFileInfo(player().info().fileName).completeBaseName() : tr("live");
-    QString const fileName = CxFileDialogs::pictureToSave(this, base, m_view->picture().number);
-    if (!fileName.isEmpty())
-        savePictureAs(fileName);
+    QFileDialog* const dialog = CxFileDialogs::pictureToSave(this, base, picture.number);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, picture](QString const& fileName) { savePicture(picture, fileName); });
+    dialog->open();
 }
 
-bool CxMainWindow::savePictureAs(QString const& fileName)
+void CxMainWindow::savePicture(SxShownPicture const& picture, QString const& fileName)
 {
-    if (m_view->picture().image.save(fileName))
-        return true;
-    m_messageBar->showMessage(
-        CxMessageBar::Kind::Warning,
-        tr("The picture could not be saved to “%1”.").arg(QDir::toNativeSeparators(fileName)));
-    return false;
+    QString error;
+    if (CxPictureFile::save(picture.image, fileName, error))
+        return;
+    m_messageBar->showMessage(CxMessageBar::Kind::Warning,
+                              tr("Picture %1 could not be saved to “%2”: %3.")
+                                  .arg(picture.number)
+                                  .arg(QDir::toNativeSeparators(fileName), error));
 }
 
 // ---- Events

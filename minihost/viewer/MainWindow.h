@@ -31,8 +31,6 @@ public:
     /// Begins a recording of what is open; one at a time.
     void startRecording(SxRecordChoice const& choice) { m_record.start(choice); }
 
-    bool savePictureAs(QString const& fileName); ///< PNG or what the suffix says; failure is shown
-
     CxPlayer& player() { return m_play.player(); }
 
 protected:
@@ -52,6 +50,7 @@ private:
     void setFullScreen(bool isFullScreen);
     void updateActions();
     void askForPictureFile();
+    void savePicture(SxShownPicture const& picture, QString const& fileName);
 
     CxPluginHost const& m_plugins;
     CxActions* m_actions;

@@ -6,13 +6,49 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
+#include <csignal>
+#include <sys/resource.h>
 
 #include "support/ViewerWindow.h"
+
+/// Where the dialog of Save Picture takes the name; null when there is no dialog.
+static QLineEdit* fx_PictureNameEdit(CxMainWindow const& window)
+{
+    auto const* const dialog = window.findChild<QFileDialog*>(QStringLiteral("pictureDialog"));
+    return dialog ? dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")) : nullptr;
+}
+
+static void fx_Enter(QLineEdit* edit, QString const& text)
+{
+    edit->selectAll();
+    QTest::keyClicks(edit, text);
+    QTest::keyClick(edit, Qt::Key_Return);
+}
+
+/// While it lives no file grows beyond \p bytes, as on a full disk.
+class CxFileSizeLimit
+{
+public:
+    explicit CxFileSizeLimit(rlim_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit const limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~CxFileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before{};
+};
 
 class tst_MainWindow : public QObject
 {
@@ -26,8 +62,10 @@ private slots:
     void opensRecording();
     void opensWhatIsDropped();
     void fullScreenHidesAllButThePicture();
-    void savesPictureShown();
-    void saysThatPictureIsNotSaved();
+    void savesPictureOfTheKeyPress();
+    void failedSavingKeepsOldPicture();
+    void saysWhyPictureIsNotSaved_data();
+    void saysWhyPictureIsNotSaved();
     void copiesPictureShown();
     void everyControlHasAName();
 
@@ -102,23 +140,74 @@ void tst_MainWindow::fullScreenHidesAllButThePicture()
     QVERIFY(viewer.window.isVisible());
 }
 
-void tst_MainWindow::savesPictureShown()
+void tst_MainWindow::savesPictureOfTheKeyPress()
 {
     CxViewerWindow viewer(*m_fixture);
     QVERIFY(viewer.open(m_recording));
-    viewer.window.player().seek(12);
-    QTRY_COMPARE(viewer.window.player().shownNumber(), 12);
-    QString const file = m_fixture->path(QStringLiteral("picture.png"));
-    QVERIFY(viewer.window.savePictureAs(file));
-    QCOMPARE(QImage(file).convertToFormat(QImage::Format_RGB32), CxViewerFixture::decoded(m_recording, 12));
+    viewer.key(Qt::Key_Space);
+    QTRY_VERIFY(viewer.view->picture().number >= 3);
+    int const number = viewer.view->picture().number;
+    viewer.key(Qt::Key_S, Qt::ControlModifier);
+    auto* const edit = fx_PictureNameEdit(viewer.window);
+    QVERIFY(edit);
+    QCOMPARE(edit->text(), QStringLiteral("clip_%1.png").arg(number, 5, 10, QLatin1Char('0')));
+    QTRY_VERIFY(viewer.view->picture().number > number + 2); // it plays on behind the dialog
+    QString const file = m_fixture->path(QStringLiteral("picture"));
+    fx_Enter(edit, file);
+    QCOMPARE(QImage(file + ".png").convertToFormat(QImage::Format_RGB32),
+             CxViewerFixture::decoded(m_recording, number));
 }
 
-void tst_MainWindow::saysThatPictureIsNotSaved()
+void tst_MainWindow::failedSavingKeepsOldPicture()
 {
     CxViewerWindow viewer(*m_fixture);
     QVERIFY(viewer.open(m_recording));
-    QVERIFY(!viewer.window.savePictureAs(m_fixture->path(QStringLiteral("no/such/folder.png"))));
-    QVERIFY(viewer.bar->text().contains(QStringLiteral("could not be saved")));
+    QString const fileName = m_fixture->path(QStringLiteral("old.png"));
+    QFile old(fileName);
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    QCOMPARE(old.write("old"), qint64{3});
+    old.close();
+    viewer.key(Qt::Key_S, Qt::ControlModifier);
+    auto* const edit = fx_PictureNameEdit(viewer.window);
+    QVERIFY(edit);
+    QTimer::singleShot(0, &viewer.window, [] { // what asks whether to replace it runs a loop of its own
+        auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
+    });
+    {
+        CxFileSizeLimit const limit(4096);
+        fx_Enter(edit, fileName);
+    }
+    QTRY_VERIFY(!viewer.bar->text().isEmpty());
+    QVERIFY2(viewer.bar->text().contains(QStringLiteral("File too large")), qPrintable(viewer.bar->text()));
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("old"));
+}
+
+void tst_MainWindow::saysWhyPictureIsNotSaved_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("no folder") << "no/such/folder.png"
+                               << "No such file or directory";
+    QTest::newRow("no format") << "picture.xyz"
+                               << "there is no picture format “xyz”; “png” always works";
+}
+
+void tst_MainWindow::saysWhyPictureIsNotSaved()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, reason);
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_S, Qt::ControlModifier);
+    auto* const edit = fx_PictureNameEdit(viewer.window);
+    QVERIFY(edit);
+    QString const fileName = m_fixture->path(name);
+    fx_Enter(edit, fileName);
+    QCOMPARE(viewer.bar->text(),
+             QStringLiteral("Picture 0 could not be saved to “%1”: %2.").arg(fileName, reason));
+    QVERIFY(!QFile::exists(fileName));
 }
 
 void tst_MainWindow::copiesPictureShown()

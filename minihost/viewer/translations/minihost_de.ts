@@ -239,8 +239,8 @@
         <translation>A&amp;usschnitt speichern …</translation>
     </message>
     <message>
-        <source>The picture could not be saved to “%1”.</source>
-        <translation>Das Bild ließ sich nicht in „%1“ speichern.</translation>
+        <source>Picture %1 could not be saved to “%2”: %3.</source>
+        <translation>Bild %1 ließ sich nicht in „%2“ speichern: %3.</translation>
     </message>
     <message>
         <source>Recording</source>
@@ -268,6 +268,13 @@
     <message>
         <source>Details of the message</source>
         <translation>Einzelheiten der Meldung</translation>
+    </message>
+</context>
+<context>
+    <name>CxPictureFile</name>
+    <message>
+        <source>there is no picture format “%1”; “png” always works</source>
+        <translation>ein Bildformat „%1“ gibt es nicht; „png“ geht immer</translation>
     </message>
 </context>
 <context>
