@@ -132,6 +132,7 @@ void CxMainWindow::connectControls()
     });
     connect(&m_play, &CxPlayControl::pictureFailed, this, &CxMainWindow::updateActions);
     connect(&m_play.player(), &CxPlayer::rateMeasured, m_status, &CxStatusBar::showRate);
+    connect(&m_play, &CxPlayControl::brokenFound, m_status, &CxStatusBar::showBroken);
     connect(&m_live, &CxLiveControl::ended, this, &CxMainWindow::updateActions);
     connect(&m_record, &CxRecordControl::runningChanged, this, &CxMainWindow::updateActions);
     connect(&m_record, &CxRecordControl::openRequested, this, &CxMainWindow::openRecording);

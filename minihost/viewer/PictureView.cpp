@@ -51,16 +51,21 @@ void CxPictureView::sharpen()
 void CxPictureView::setPicture(SxShownPicture const& picture)
 {
     bool const isFirst = m_picture.image.isNull();
-    bool const isSameSize = picture.image.size() == m_picture.image.size();
+    bool const isNone = picture.image.isNull();
+    bool const isNewSize = !isNone && picture.image.size() != m_size;
     m_picture = picture;
     m_notice.clear();
-    if (!isSameSize) {
+    if (isNewSize) {
+        m_size = picture.image.size();
+        m_offset = {};
+    }
+    if (isNewSize || (isFirst && !isNone)) {
         if (m_isFitted)
             m_scale = fittingScale();
-        m_offset = {};
         keepInside();
-        emit zoomChanged(zoom());
     }
+    if (isNewSize || isFirst != isNone)
+        emit zoomChanged(zoom());
     repaintSoon();
     point(m_mouse);
     if (m_picture.data)

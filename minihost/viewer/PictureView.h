@@ -16,8 +16,9 @@ class CxPictureView : public QWidget
 public:
     explicit CxPictureView(QWidget* parent = nullptr);
 
-    void setPicture(SxShownPicture const& picture); ///< keeps zoom and place while the size stays
-    void setNotice(QString const& text);            ///< text in place of a picture
+    /// Keeps zoom and place while the size stays, past pictures that are missing, too.
+    void setPicture(SxShownPicture const& picture);
+    void setNotice(QString const& text); ///< text in place of a picture
     SxShownPicture const& picture() const { return m_picture; }
 
     bool isFitted() const { return m_isFitted; }
@@ -63,6 +64,7 @@ private:
     void sharpen();
 
     SxShownPicture m_picture;
+    QSize m_size; ///< of the last picture that was none of the missing
     QString m_notice;
     bool m_isFitted = true;
     double m_scale = 1.0;    ///< widget units for each pixel of the picture

@@ -29,10 +29,7 @@ void CxPlayControl::connectPlayer()
     connect(&m_player, &CxPlayer::opened, this, &CxPlayControl::takeOpened);
     connect(&m_player, &CxPlayer::openFailed, this, &CxPlayControl::takeOpenFailure);
     connect(&m_player, &CxPlayer::pictureFailed, this, &CxPlayControl::takePictureFailure);
-    connect(&m_player, &CxPlayer::shown, this, [this](SxShownPicture const& picture) {
-        m_view.setPicture(picture);
-        m_transport.showNumber(picture.number);
-    });
+    connect(&m_player, &CxPlayer::shown, this, &CxPlayControl::takePicture);
     connect(&m_player, &CxPlayer::playingChanged, &m_actions, &CxActions::showPlaying);
 }
 
@@ -75,6 +72,7 @@ void CxPlayControl::close()
 {
     m_player.close();
     m_transport.setRecording({});
+    m_broken.clear();
 }
 
 void CxPlayControl::askForNumber()
@@ -117,12 +115,35 @@ void CxPlayControl::takeOpenFailure(QString const& fileName, QString const& erro
     emit openFailed();
 }
 
+void CxPlayControl::takePicture(SxShownPicture const& picture)
+{
+    m_view.setPicture(picture);
+    m_transport.showNumber(picture.number);
+    bool const isOver = !m_isMessageOfPlaying || !m_player.isPlaying();
+    if (isOver && !m_pictureMessage.isEmpty()) {
+        if (m_messages.text() == m_pictureMessage) // and none that came later
+            m_messages.dismiss();
+        m_pictureMessage.clear();
+    }
+}
+
+/// Says what is wrong with the picture; while playing only for the first, since others soon follow.
 void CxPlayControl::takePictureFailure(int number, QString const& error)
 {
+    bool const isFirst = m_broken.isEmpty();
+    m_broken.insert(number);
     QString const text = tr("Picture %1 cannot be shown: the recording is damaged there.").arg(number);
     m_view.setNotice(text);
     m_transport.showNumber(number);
-    m_messages.showMessage(CxMessageBar::Kind::Warning,
-                           text + QLatin1Char(' ') + tr("Other pictures may still be fine."), {error});
+    m_transport.timeline()->markBroken(number);
+    if (isFirst || !m_player.isPlaying()) {
+        m_isMessageOfPlaying = m_player.isPlaying();
+        m_pictureMessage =
+            text + QLatin1Char(' ') +
+            (m_isMessageOfPlaying ? tr("Playing goes on; the timeline marks broken pictures red.")
+                                  : tr("Other pictures may still be fine."));
+        m_messages.showMessage(CxMessageBar::Kind::Warning, m_pictureMessage, {error});
+    }
+    emit brokenFound(static_cast<int>(m_broken.size()));
     emit pictureFailed();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
 
 #include "Player.h"
 
@@ -28,8 +29,9 @@ public:
 
 signals:
     void opened(SxOpenedRecording const& info);
-    void openFailed();    ///< the reason is shown
-    void pictureFailed(); ///< likewise; the view is empty
+    void openFailed();              ///< the reason is shown
+    void pictureFailed();           ///< likewise; the view is empty
+    void brokenFound(int pictures); ///< so many until now
 
 private:
     void connectPlayer();
@@ -38,6 +40,7 @@ private:
     void askForNumber();
     void takeOpened(SxOpenedRecording const& info);
     void takeOpenFailure(QString const& fileName, QString const& error);
+    void takePicture(SxShownPicture const& picture);
     void takePictureFailure(int number, QString const& error);
 
     CxActions& m_actions;
@@ -47,4 +50,7 @@ private:
     QWidget& m_window; ///< of its questions
     CxPlayer m_player;
     bool m_resumesAfterDrag = false;
+    QSet<int> m_broken;                ///< numbers of the pictures found broken
+    QString m_pictureMessage;          ///< in the bar, about a broken picture
+    bool m_isMessageOfPlaying = false; ///< it came up on the way, to be read while playing goes on
 };

@@ -130,15 +130,24 @@ void CxPlayer::requestAhead()
     m_aheadTicket = m_reader.request(next);
 }
 
-void CxPlayer::takePicture(int ticket, SxShownPicture const& picture)
+void CxPlayer::takePicture(int ticket, SxShownPicture const& picture) { take(ticket, {picture, {}}); }
+
+void CxPlayer::takeFailure(int ticket, int number, QString const& error)
+{
+    SxShownPicture broken;
+    broken.number = number;
+    take(ticket, {broken, error});
+}
+
+void CxPlayer::take(int ticket, SxAnswer const& answer)
 {
     if (ticket < m_firstTicket)
         return;
     if (!m_isPlaying) {
-        show(picture);
+        show(answer);
         return;
     }
-    m_held = picture;
+    m_held = answer;
     qint64 const wait = m_due - m_clock.nsecsElapsed();
     if (wait > 0)
         m_timer.start(static_cast<int>((wait + 999999) / 1000000));
@@ -148,31 +157,25 @@ void CxPlayer::takePicture(int ticket, SxShownPicture const& picture)
 
 void CxPlayer::showHeld()
 {
-    SxShownPicture const picture = *m_held;
+    SxAnswer const answer = *m_held;
     m_held.reset();
     m_aheadTicket = 0;
     // Late by less than a picture is caught up with; later than that, the clock waits.
     m_due = std::max(m_due + interval(), m_clock.nsecsElapsed());
-    show(picture);
-    measureRate();
+    show(answer);
+    if (answer.picture.data)
+        measureRate();
     requestAhead();
 }
 
-void CxPlayer::show(SxShownPicture const& picture)
+void CxPlayer::show(SxAnswer const& answer)
 {
-    m_shown = m_reached = picture.number;
-    emit shown(picture);
-}
-
-void CxPlayer::takeFailure(int ticket, int number, QString const& error)
-{
-    if (ticket < m_firstTicket)
-        return;
-    m_shown = -1;
-    m_reached = number;
-    m_aheadTicket = 0;
-    setPlaying(false);
-    emit pictureFailed(number, error);
+    m_reached = answer.picture.number;
+    m_shown = answer.picture.data ? m_reached : -1;
+    if (answer.picture.data)
+        emit shown(answer.picture);
+    else
+        emit pictureFailed(m_reached, answer.error);
 }
 
 void CxPlayer::measureRate()

@@ -10,8 +10,9 @@
 
 /// Plays one recording: decides which picture comes next and when. GUI thread.
 ///
-/// Every picture is played; where decoding is slower than the clock, playing is slower too. Only shown()
-/// says which picture is on the screen; it comes with the picture.
+/// Every picture is played; where decoding is slower than the clock, playing is slower too. A broken one
+/// takes its time like any other, and playing goes on behind it. Only shown() says which picture is on the
+/// screen; it comes with the picture.
 class CxPlayer : public QObject
 {
     Q_OBJECT
@@ -49,11 +50,19 @@ signals:
 
 private:
     void takeOpened(SxOpenedRecording const& info);
+    /// What the reader gave for a number.
+    struct SxAnswer
+    {
+        SxShownPicture picture; ///< without data when it is broken
+        QString error;          ///< why it is
+    };
+
     void takePicture(int ticket, SxShownPicture const& picture);
     void takeFailure(int ticket, int number, QString const& error);
+    void take(int ticket, SxAnswer const& answer);
     void requestAhead();
     void showHeld();
-    void show(SxShownPicture const& picture);
+    void show(SxAnswer const& answer);
     void measureRate();
     qint64 interval() const { return static_cast<qint64>(1e9 / (m_info.fps * m_speed)); }
 
@@ -67,9 +76,9 @@ private:
     bool m_isPlaying = false;
     bool m_isLooping = false;
     double m_speed = 1.0;
-    int m_aheadTicket = 0;                ///< of the picture that playing waits for; 0 for none
-    bool m_isSeeking = false;             ///< that picture was asked for by the user, not by the clock
-    std::optional<SxShownPicture> m_held; ///< read and waiting for its time
+    int m_aheadTicket = 0;          ///< of the picture that playing waits for; 0 for none
+    bool m_isSeeking = false;       ///< that picture was asked for by the user, not by the clock
+    std::optional<SxAnswer> m_held; ///< read and waiting for its time
     QElapsedTimer m_clock;
     qint64 m_due = 0; ///< nanoseconds of m_clock at which the next picture is shown
     QTimer m_timer;

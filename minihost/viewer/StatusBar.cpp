@@ -12,19 +12,22 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
     , m_format(new QLabel(this))
     , m_zoom(new QLabel(this))
     , m_rate(new QLabel(this))
+    , m_broken(new QLabel(this))
 {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // its texts may not widen the window
     m_pixel->setObjectName(QStringLiteral("pixel"));
     m_format->setObjectName(QStringLiteral("format"));
     m_zoom->setObjectName(QStringLiteral("zoom"));
     m_rate->setObjectName(QStringLiteral("rate"));
+    m_broken->setObjectName(QStringLiteral("broken"));
+    m_broken->setToolTip(tr("Pictures found broken so far; the timeline marks them red"));
     m_pixel->setToolTip(tr("Place and value of the pixel under the mouse"));
     m_format->setToolTip(tr("Size of the picture"));
     m_zoom->setToolTip(tr("Zoom: screen pixels for each pixel of the picture"));
     m_rate->setToolTip(tr("Pictures really shown each second"));
     m_pixel->setMinimumWidth(1); // gives way to the texts beside it
     addWidget(m_pixel, 1);
-    for (QLabel* const label : {m_rate, m_format, m_zoom})
+    for (QLabel* const label : {m_broken, m_rate, m_format, m_zoom})
         addPermanentWidget(label);
 
     connect(&view, &CxPictureView::pixelPointed, this, &CxStatusBar::showPixel);
@@ -34,7 +37,7 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
 
 void CxStatusBar::clearTexts()
 {
-    for (QLabel* const label : {m_pixel, m_format, m_zoom, m_rate})
+    for (QLabel* const label : {m_pixel, m_format, m_zoom, m_rate, m_broken})
         label->clear();
 }
 
@@ -43,6 +46,11 @@ void CxStatusBar::showRate(double picturesPerSecond)
     m_rate->setText(picturesPerSecond > 0.0
                         ? tr("%1 pictures/s").arg(locale().toString(picturesPerSecond, 'f', 1))
                         : QString());
+}
+
+void CxStatusBar::showBroken(int pictures)
+{
+    m_broken->setText(tr("%n broken picture(s)", nullptr, pictures));
 }
 
 void CxStatusBar::showPixel(QPoint const& position)

@@ -8,7 +8,7 @@ class CxPictureView;
 class QLabel;
 
 /// What there is to know of the picture in the view: the pixel under the mouse, format, zoom, and how many
-/// pictures a second are shown.
+/// pictures a second are shown; and how many were found broken.
 class CxStatusBar : public QStatusBar
 {
     Q_OBJECT
@@ -18,6 +18,7 @@ public:
 
     void clearTexts();
     void showRate(double picturesPerSecond); ///< 0 while not playing
+    void showBroken(int pictures);           ///< found broken so far
 
 private:
     void showPixel(QPoint const& position);
@@ -29,4 +30,5 @@ private:
     QLabel* m_format;
     QLabel* m_zoom;
     QLabel* m_rate;
+    QLabel* m_broken;
 };

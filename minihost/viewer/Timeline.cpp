@@ -12,7 +12,10 @@ static constexpr int kHandleRadius = 7;
 static constexpr int kGrooveHeight = 4;
 static constexpr int kMarkGap = 4; // between the line and the marks
 static constexpr int kMarkHeight = 6;
+static constexpr int kBrokenWidth = 3; // at least, to be seen
 static constexpr int kMarkSpacing = 3; // marks nearer than that would be one block
+
+static QColor const kBrokenColour(0xd9, 0x2d, 0x20); // told from the line on any palette
 
 CxTimeline::CxTimeline(QWidget* parent)
     : QAbstractSlider(parent)
@@ -30,10 +33,17 @@ void CxTimeline::setRecording(int count, double fps, QList<int> const& keyFrames
     QSignalBlocker const blocker(this);
     m_fps = fps;
     m_keyFrames = keyFrames;
+    m_broken.clear();
     setRange(0, std::max(count - 1, 0));
     setPageStep(std::max(count / 20, 1));
     setValue(0);
     setEnabled(count > 0);
+    update();
+}
+
+void CxTimeline::markBroken(int number)
+{
+    m_broken.insert(number);
     update();
 }
 
@@ -84,6 +94,20 @@ void CxTimeline::paintKeyFrames(QPainter& painter) const
     }
 }
 
+void CxTimeline::paintBroken(QPainter& painter) const
+{
+    QRectF const line = groove().adjusted(0.0, -1.0, 0.0, 1.0);
+    double const width = std::max<double>(line.width() / std::max(maximum(), 1), kBrokenWidth);
+    double last = -1.0;
+    for (int const number : m_broken) {
+        double const x = positionOf(number);
+        if (x - last < 0.5) // the same place on the screen
+            continue;
+        last = x;
+        painter.fillRect(QRectF(x - width / 2.0, line.top(), width, line.height()), kBrokenColour);
+    }
+}
+
 void CxTimeline::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
@@ -109,6 +133,7 @@ void CxTimeline::paintEvent(QPaintEvent*)
     painter.setPen(Qt::NoPen);
     painter.setBrush(colours.color(QPalette::Highlight));
     painter.drawRoundedRect(played, kGrooveHeight / 2.0, kGrooveHeight / 2.0);
+    paintBroken(painter);
 
     bool const isActive = m_isHovered || isSliderDown();
     QPointF const centre(x, whole.center().y());
@@ -142,6 +167,8 @@ void CxTimeline::mouseMoveEvent(QMouseEvent* event)
     QString text = tr("%1 · %2").arg(number).arg(fx_TimeCode(number, m_fps));
     if (std::binary_search(m_keyFrames.begin(), m_keyFrames.end(), number))
         text = tr("%1 · key frame").arg(text);
+    if (m_broken.count(number) != 0)
+        text = tr("%1 · broken").arg(text);
     QToolTip::showText(mapToGlobal(event->pos()) + QPoint(0, -2 * height()), text, this);
     update();
 }

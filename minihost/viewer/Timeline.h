@@ -2,8 +2,10 @@
 
 #include <QAbstractSlider>
 #include <QList>
+#include <set>
 
-/// The recording as a line: where the picture shown lies, and where its key frames are. A slider whose
+/// The recording as a line: where the picture shown lies, where its key frames are, and in red which pictures
+/// were found broken. A slider whose
 /// value is the picture's number; a click goes to that place, and dragging reports every place passed.
 class CxTimeline : public QAbstractSlider
 {
@@ -13,6 +15,7 @@ public:
     explicit CxTimeline(QWidget* parent = nullptr);
 
     void setRecording(int count, double fps, QList<int> const& keyFrames); ///< no pictures: an empty line
+    void markBroken(int number);                                           ///< until the next setRecording()
     void setShownNumber(int number); ///< moves the handle, unless the user holds it, without valueChanged()
 
     QSize sizeHint() const override;
@@ -30,8 +33,10 @@ private:
     double positionOf(int number) const;
     int numberAt(double x) const;
     void paintKeyFrames(QPainter& painter) const;
+    void paintBroken(QPainter& painter) const;
 
     double m_fps = 0.0;
     QList<int> m_keyFrames;
+    std::set<int> m_broken;
     bool m_isHovered = false;
 };

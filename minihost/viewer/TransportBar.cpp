@@ -24,7 +24,8 @@ CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
 {
     m_timeline->setObjectName(QStringLiteral("timeline"));
     m_timeline->setAccessibleName(tr("Timeline"));
-    m_timeline->setAccessibleDescription(tr("Number of the picture shown; marks below show key frames"));
+    m_timeline->setAccessibleDescription(
+        tr("Number of the picture shown; marks below show key frames, red ones broken pictures"));
 
     auto* const row = new QHBoxLayout;
     row->setSpacing(2);

@@ -32,6 +32,19 @@ QString CxViewerFixture::record(QString const& name, int pictures, SxEncoderOpti
     return summary.error.isEmpty() && summary.coded == pictures ? request.outputFile : QString();
 }
 
+QString CxViewerFixture::damage(QString const& recording, QString const& name)
+{
+    QFile source(recording);
+    QFile target(path(name));
+    if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly))
+        return {};
+    QByteArray bytes = source.readAll();
+    auto const from = bytes.indexOf(QByteArray("\0\0\0\1\x67", 5), bytes.size() / 2) + 60;
+    for (auto i = from; i < from + 400; ++i)
+        bytes[i] = '\x55';
+    return target.write(bytes) == bytes.size() ? target.fileName() : QString();
+}
+
 static SxCreated<IxImageDataLoader> fx_Loader(QString const& fileName)
 {
     QString error;

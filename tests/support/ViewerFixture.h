@@ -23,6 +23,9 @@ public:
     /// Records \p pictures of the test camera with small pictures. Empty when that failed.
     QString record(QString const& name, int pictures, SxEncoderOptions const& options = {});
 
+    /// Copies \p recording; where slices of the second half stood is then nothing that a decoder knows.
+    QString damage(QString const& recording, QString const& name);
+
     static QImage decoded(QString const& fileName, int number); ///< by a loader of its own
     static QVector<int> keyFrames(QString const& fileName);
     static int pictures(QString const& fileName);

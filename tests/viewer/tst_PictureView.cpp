@@ -20,6 +20,7 @@ private slots:
     void dragPans();
     void keysPan();
     void keepsPlaceWhileSizeStays();
+    void keepsPlacePastMissingPicture();
     void paintsPicture();
     void restingPictureIsAveraged();
     void paintsNotice();
@@ -153,6 +154,26 @@ void tst_PictureView::keepsPlaceWhileSizeStays()
     QCOMPARE(view.zoom(), 3.0);
     QCOMPARE(view.pixelAt({0, 0}), before);
     QCOMPARE(view.picture().number, 1);
+}
+
+void tst_PictureView::keepsPlacePastMissingPicture()
+{
+    CxPictureView view;
+    view.resize(400, 300);
+    SxShownPicture const picture = fx_PatternPicture(fx_PackedFormat(1000, 1000, 1, 8));
+    view.setPicture(picture);
+    view.setZoom(2.0, {});
+    QPoint const place = view.pixelAt({10, 10});
+    view.setNotice(QStringLiteral("broken"));
+    view.setPicture(picture);
+    QCOMPARE(view.zoom(), 2.0);
+    QCOMPARE(view.pixelAt({10, 10}), place);
+    // What is fitted follows the window meanwhile.
+    view.fit();
+    view.setNotice(QStringLiteral("broken"));
+    view.resize(200, 300);
+    view.setPicture(picture);
+    QCOMPARE(view.zoom(), 0.2);
 }
 
 void tst_PictureView::paintsPicture()

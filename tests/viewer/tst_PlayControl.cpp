@@ -10,6 +10,21 @@
 #include "support/Mouse.h"
 #include "support/ViewerWindow.h"
 
+/// Steps from the middle on until a picture is broken; its number, or -1 when none is.
+static int fx_GoToFirstBroken(CxViewerWindow& viewer)
+{
+    QSignalSpy failed(&viewer.window.player(), &CxPlayer::pictureFailed);
+    for (int number = 15; number < 39; ++number) {
+        QTest::mouseClick(viewer.timeline, Qt::LeftButton, {}, viewer.placeOf(number));
+        if (!QTest::qWaitFor(
+                [&] { return viewer.window.player().shownNumber() == number || !failed.isEmpty(); }))
+            return -1;
+        if (!failed.isEmpty())
+            return number;
+    }
+    return -1;
+}
+
 class tst_PlayControl : public QObject
 {
     Q_OBJECT
@@ -28,10 +43,13 @@ private slots:
     void saysWhyFileDoesNotOpen_data();
     void saysWhyFileDoesNotOpen();
     void damagedPictureIsNamedAndNotShown();
+    void playsPastDamagedPictures();
+    void messageOfAnotherKindStays();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
     QString m_recording;
+    QString m_damaged; ///< the same with broken pictures behind the first half
 };
 
 void tst_PlayControl::initTestCase()
@@ -40,6 +58,8 @@ void tst_PlayControl::initTestCase()
     QVERIFY2(m_fixture->error.isEmpty(), qPrintable(m_fixture->error));
     m_recording = m_fixture->record(QStringLiteral("clip.h264"), 40);
     QVERIFY(!m_recording.isEmpty());
+    m_damaged = m_fixture->damage(m_recording, QStringLiteral("damaged.h264"));
+    QVERIFY(!m_damaged.isEmpty());
 }
 
 void tst_PlayControl::clickOnTimelineShowsItsPicture()
@@ -179,7 +199,9 @@ void tst_PlayControl::saysWhyFileDoesNotOpen()
     QTRY_VERIFY(!viewer.bar->text().isEmpty());
     QVERIFY2(viewer.bar->text().contains(words), qPrintable(viewer.bar->text()));
     QVERIFY(viewer.bar->isVisible());
-    QVERIFY(!viewer.bar->details().isEmpty());
+    QVERIFY2(
+        viewer.bar->details().contains(QStringLiteral("(decoder code ")), // as the command line explains it
+        qPrintable(viewer.bar->details()));
     QVERIFY(viewer.child<QWidget>("startPage")->isVisible());
 
     auto* const details = viewer.child<QPushButton>("messageDetails");
@@ -192,36 +214,67 @@ void tst_PlayControl::saysWhyFileDoesNotOpen()
 
 void tst_PlayControl::damagedPictureIsNamedAndNotShown()
 {
-    QFile source(m_recording);
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QByteArray bytes = source.readAll();
-    // Where the slices of the second half stood is now nothing that a decoder knows.
-    auto const from = bytes.indexOf(QByteArray("\0\0\0\1\x67", 5), bytes.size() / 2) + 60;
-    for (auto i = from; i < from + 400; ++i)
-        bytes[i] = '\x55';
-    QString const fileName = m_fixture->path(QStringLiteral("damaged.h264"));
-    QFile target(fileName);
-    QVERIFY(target.open(QIODevice::WriteOnly));
-    target.write(bytes);
-    target.close();
-
     CxViewerWindow viewer(*m_fixture);
-    QVERIFY(viewer.open(fileName));
-    viewer.key(Qt::Key_Space);
-    QTRY_VERIFY(!viewer.bar->text().isEmpty());
-    QVERIFY(!viewer.window.player().isPlaying());
-    QVERIFY2(viewer.bar->text().contains(QStringLiteral("cannot be shown")), qPrintable(viewer.bar->text()));
-    QVERIFY2(
-        viewer.bar->details().contains(QStringLiteral("(decoder code ")), // as the command line explains it
-        qPrintable(viewer.bar->details()));
+    QVERIFY(viewer.open(m_damaged));
+    int const broken = fx_GoToFirstBroken(viewer);
+    QVERIFY(broken > 0);
+    QVERIFY2(viewer.bar->text().contains(QStringLiteral("Picture %1 cannot be shown").arg(broken)),
+             qPrintable(viewer.bar->text()));
+    QVERIFY(!viewer.bar->details().isEmpty());
     QVERIFY(viewer.view->picture().image.isNull()); // no picture under a number that is not its own
-    int const broken = viewer.timeline->value();
     QCOMPARE(viewer.text("number"), QStringLiteral("Picture %1 of 0–39").arg(broken));
     viewer.key(Qt::Key_Left);
     QTRY_COMPARE(viewer.window.player().shownNumber(), broken - 1);
     QVERIFY(!viewer.view->picture().image.isNull());
-    viewer.key(Qt::Key_End); // beyond the damage
+    QVERIFY(!viewer.bar->isVisible()); // gone with its picture
+    viewer.key(Qt::Key_End);           // beyond the damage
     QTRY_COMPARE(viewer.window.player().shownNumber(), 39);
+}
+
+void tst_PlayControl::playsPastDamagedPictures()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_damaged));
+    QSignalSpy shown(&viewer.window.player(), &CxPlayer::shown),
+        failed(&viewer.window.player(), &CxPlayer::pictureFailed);
+    QVERIFY(viewer.text("broken").isEmpty());
+    viewer.key(Qt::Key_Space);
+    QTRY_VERIFY(!viewer.window.player().isPlaying());
+    QCOMPARE(viewer.window.player().shownNumber(), 39); // the end, with or without broken ones
+    QVERIFY(!failed.isEmpty());
+    QCOMPARE(shown.size() + failed.size(), 39);
+    QVERIFY2(viewer.text("broken").startsWith(QStringLiteral("%1 broken").arg(failed.size())),
+             qPrintable(viewer.text("broken")));
+    int const first = failed.first().first().toInt();
+    QVERIFY2(viewer.bar->text().startsWith(QStringLiteral("Picture %1 cannot be shown").arg(first)),
+             qPrintable(viewer.bar->text())); // the first is explained, to be read until the end
+    QImage const line = viewer.timeline->grab().toImage();
+    for (int number = 0; number < 39; ++number) { // the handle lies on the last
+        bool const isBroken = std::any_of(failed.begin(), failed.end(), [number](QList<QVariant> const& f) {
+            return f.first().toInt() == number;
+        });
+        QColor const colour = line.pixelColor(viewer.placeOf(number));
+        QVERIFY2((colour.red() > 2 * colour.blue()) == isBroken, qPrintable(QString::number(number)));
+    }
+    viewer.key(Qt::Key_Home);
+    QTRY_VERIFY(!viewer.bar->isVisible());
+
+    QVERIFY(viewer.open(m_recording)); // nothing is left of it
+    QVERIFY(viewer.text("broken").isEmpty());
+    QCOMPARE(viewer.timeline->grab().toImage().pixelColor(viewer.placeOf(first)).red() >
+                 2 * viewer.timeline->grab().toImage().pixelColor(viewer.placeOf(first)).blue(),
+             false);
+}
+
+void tst_PlayControl::messageOfAnotherKindStays()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_damaged));
+    QVERIFY(fx_GoToFirstBroken(viewer) > 0);
+    viewer.bar->showMessage(CxMessageBar::Kind::Information, QStringLiteral("something else"));
+    viewer.key(Qt::Key_Home);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 0);
+    QCOMPARE(viewer.bar->text(), QStringLiteral("something else"));
 }
 
 QTEST_MAIN(tst_PlayControl)

@@ -319,6 +319,10 @@
         <source>Other pictures may still be fine.</source>
         <translation>Andere Bilder können noch in Ordnung sein.</translation>
     </message>
+    <message>
+        <source>Playing goes on; the timeline marks broken pictures red.</source>
+        <translation>Die Wiedergabe läuft weiter; die Zeitleiste zeigt kaputte Bilder rot.</translation>
+    </message>
 </context>
 <context>
     <name>CxRecordBar</name>
@@ -538,6 +542,17 @@
         <source>%1, fitted</source>
         <translation>%1, angepasst</translation>
     </message>
+    <message>
+        <source>Pictures found broken so far; the timeline marks them red</source>
+        <translation>Bisher als kaputt erkannte Bilder; die Zeitleiste zeigt sie rot</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n broken picture(s)</source>
+        <translation>
+            <numerusform>%n kaputtes Bild</numerusform>
+            <numerusform>%n kaputte Bilder</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>CxTimeline</name>
@@ -549,16 +564,16 @@
         <source>%1 · key frame</source>
         <translation>%1 · Schlüsselbild</translation>
     </message>
+    <message>
+        <source>%1 · broken</source>
+        <translation>%1 · kaputt</translation>
+    </message>
 </context>
 <context>
     <name>CxTransportBar</name>
     <message>
         <source>Timeline</source>
         <translation>Zeitleiste</translation>
-    </message>
-    <message>
-        <source>Number of the picture shown; marks below show key frames</source>
-        <translation>Nummer des gezeigten Bildes; Striche darunter zeigen Schlüsselbilder</translation>
     </message>
     <message>
         <source>Speed</source>
@@ -579,6 +594,10 @@
     <message>
         <source>Live, picture %1</source>
         <translation>Live, Bild %1</translation>
+    </message>
+    <message>
+        <source>Number of the picture shown; marks below show key frames, red ones broken pictures</source>
+        <translation>Nummer des gezeigten Bildes; Striche darunter zeigen Schlüsselbilder, rote kaputte Bilder</translation>
     </message>
 </context>
 </TS>

@@ -45,4 +45,14 @@
         </translation>
     </message>
 </context>
+<context>
+    <name>CxStatusBar</name>
+    <message numerus="yes">
+        <source>%n broken picture(s)</source>
+        <translation>
+            <numerusform>%n broken picture</numerusform>
+            <numerusform>%n broken pictures</numerusform>
+        </translation>
+    </message>
+</context>
 </TS>
