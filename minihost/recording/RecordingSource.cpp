@@ -17,17 +17,25 @@ CxRecordingSource::CxRecordingSource(std::unique_ptr<CxRecordingReader> recordin
 
 IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
 {
-    if (m_next > m_last)
-        return Result::End;
     if (!m_isOpen && !m_recording->open(m_fileName, m_error))
         return Result::Error;
     m_isOpen = true;
-    QString cause;
-    std::unique_ptr<CxImageData> const data = m_recording->picture(m_next, cause);
-    if (!data) {
-        m_error =
-            QStringLiteral("Picture %1 of %2 cannot be decoded: %3.").arg(m_next).arg(m_fileName, cause);
-        return Result::Error;
+    std::unique_ptr<CxImageData> data;
+    while (!data) {
+        if (m_next > m_last)
+            return Result::End;
+        QString cause;
+        data = m_recording->picture(m_next, cause);
+        if (!data) {
+            m_broken.append(m_next);
+            if (!m_leavesOutBroken) {
+                m_error = QStringLiteral("Picture %1 of %2 cannot be decoded: %3.")
+                              .arg(m_next)
+                              .arg(m_fileName, cause);
+                return Result::Error;
+            }
+            ++m_next;
+        }
     }
     SxPicBuf const& source = *data->picBuf();
     if (!fx_PreparePicture(picture, source)) {

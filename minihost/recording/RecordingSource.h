@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QVector>
 #include <memory>
 
 #include "IxPictureSource.h"
@@ -12,6 +13,12 @@ public:
     /// \param recording  not opened yet; the first next() does.
     /// \param first, last  numbers of the pictures at the ends, both included.
     CxRecordingSource(std::unique_ptr<CxRecordingReader> recording, QString fileName, int first, int last);
+
+    /// Goes on behind pictures that do not decode; without this the first of them ends it with an error.
+    void leaveOutBroken() { m_leavesOutBroken = true; }
+
+    /// Numbers of the pictures that did not decode. For the thread that reads, or once it has ended.
+    QVector<int> const& broken() const { return m_broken; }
 
     void moveToThread(QThread* thread) { m_recording->moveToThread(thread); } ///< that reads and deletes this
 
@@ -28,5 +35,7 @@ private:
     int m_last;
     int m_next;
     bool m_isOpen = false;
+    bool m_leavesOutBroken = false;
+    QVector<int> m_broken;
     QString m_error;
 };

@@ -60,6 +60,7 @@ CxMessageBar::CxMessageBar(QWidget* parent)
 
 void CxMessageBar::showMessage(Kind kind, QString const& text, QStringList const& details)
 {
+    m_kind = kind;
     QStyle::StandardPixmap const icon =
         kind == Kind::Warning ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
     int const side = style()->pixelMetric(QStyle::PM_SmallIconSize);

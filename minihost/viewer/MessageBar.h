@@ -23,6 +23,7 @@ public:
     /// Adds a button to the message shown; triggered() is what it does.
     void offer(QString const& actionText);
 
+    Kind kind() const { return m_kind; } ///< of the last message
     QString text() const;
     QString details() const;
 
@@ -33,6 +34,7 @@ signals:
     void triggered();
 
 private:
+    Kind m_kind = Kind::Information;
     QLabel* m_icon;
     QLabel* m_text;
     QPushButton* m_action;

@@ -53,9 +53,12 @@ void CxRecordControl::start(SxRecordChoice const& choice)
         m_live.record(m_job.get());
     } else {
         m_bar.begin(choice.request.outputFile, choice.last - choice.first + 1);
-        m_job->start(std::make_unique<CxRecordingSource>(std::make_unique<CxRecordingReader>(),
-                                                         m_play.player().info().fileName, choice.first,
-                                                         choice.last));
+        auto source = std::make_unique<CxRecordingSource>(std::make_unique<CxRecordingReader>(),
+                                                          m_play.player().info().fileName, choice.first,
+                                                          choice.last);
+        if (choice.leavesOutBroken)
+            source->leaveOutBroken();
+        m_job->start(std::move(source));
     }
     emit runningChanged();
 }
@@ -67,11 +70,17 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
     QString const name = QFileInfo(m_job->request().outputFile).fileName();
     CxRecordDialog::applyRememberedOptions();
 
+    QVector<int> const& broken = m_job->broken();
+    bool const failed = !summary.error.isEmpty();
     QStringList parts;
-    if (!summary.error.isEmpty())
+    if (failed && !broken.isEmpty())
+        parts.append(tr("Saving to “%1” ended at picture %2, which is broken.").arg(name).arg(broken.last()));
+    else if (failed)
         parts.append(tr("Saving to “%1” failed.").arg(name));
     else if (summary.wasStopped)
         parts.append(tr("Stopped: “%1” holds what was saved until then.").arg(name));
+    else if (!broken.isEmpty())
+        parts.append(tr("“%1” is saved, but not with every picture.").arg(name));
     else
         parts.append(tr("“%1” is complete.").arg(name));
     if (summary.coded > 0)
@@ -82,8 +91,12 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
         parts.append(
             tr("%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.",
                nullptr, summary.skipped.size()));
-    bool const failed = !summary.error.isEmpty();
-    m_messages.showMessage(failed ? CxMessageBar::Kind::Warning : CxMessageBar::Kind::Information,
+    if (!failed && !broken.isEmpty())
+        parts.append(
+            tr("%n broken picture(s) left out, the first is %1.", nullptr, static_cast<int>(broken.size()))
+                .arg(broken.first()));
+    bool const isWhole = !failed && broken.isEmpty();
+    m_messages.showMessage(isWhole ? CxMessageBar::Kind::Information : CxMessageBar::Kind::Warning,
                            parts.join(QLatin1Char(' ')), failed ? QStringList{summary.error} : QStringList());
     if (summary.coded > 0)
         m_messages.offer(tr("&Open It"));

@@ -1,5 +1,6 @@
 #include "RecordDialog.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDateTime>
 #include <QDialogButtonBox>
@@ -126,6 +127,10 @@ void CxRecordDialog::addRange(QFormLayout* form, int pictures)
     row->addWidget(m_length, 1);
     form->addRow(tr("&Pictures:"), row);
     qobject_cast<QLabel*>(form->labelForField(row))->setBuddy(m_first);
+    m_leaveOutBroken = new QCheckBox(tr("&Leave out broken pictures instead of stopping there"), this);
+    m_leaveOutBroken->setObjectName(QStringLiteral("leaveOutBroken"));
+    m_leaveOutBroken->setChecked(true);
+    form->addRow(QString(), m_leaveOutBroken);
 }
 
 void CxRecordDialog::applyRememberedOptions()
@@ -235,6 +240,7 @@ void CxRecordDialog::collect()
     if (m_first) {
         m_choice.first = m_first->value();
         m_choice.last = m_last->value();
+        m_choice.leavesOutBroken = m_leaveOutBroken->isChecked();
     }
     QSettings settings;
     settings.setValue(kFolderKey, QFileInfo(m_choice.request.outputFile).absolutePath());

@@ -6,6 +6,7 @@
 #include "PluginHost.h"
 #include "Recorder.h"
 
+class QCheckBox;
 class QComboBox;
 class QDialogButtonBox;
 class QLabel;
@@ -18,6 +19,7 @@ struct SxRecordChoice
     SxRecordRequest request;
     int first = 0; ///< of a recording: numbers of the pictures at both ends
     int last = -1;
+    bool leavesOutBroken = false; ///< or ends at the first broken picture
 };
 
 /// Asks where to record to and how: the saver's formats, its own widget with the encoder's options, and
@@ -58,6 +60,7 @@ private:
     QComboBox* m_format;
     QSpinBox* m_first = nullptr; ///< for a recording
     QSpinBox* m_last = nullptr;
+    QCheckBox* m_leaveOutBroken = nullptr;
     QSpinBox* m_limit = nullptr; ///< for a live source
     QLabel* m_length = nullptr;
     QLabel* m_note;

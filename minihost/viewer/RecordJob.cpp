@@ -23,22 +23,25 @@ void CxRecordJob::start(std::unique_ptr<CxRecordingSource> source)
 {
     CxRecordingSource& moved = *source;
     m_thread.reset(QThread::create([this, source = std::move(source)]() mutable {
-        run(*source);
+        SxRecordSummary const summary = record(*source);
+        m_broken = source->broken();
         source.reset(); // in the thread that used it
+        emit finished(summary);
     }));
     moved.moveToThread(m_thread.get());
     m_thread->start();
 }
 
-void CxRecordJob::run(IxPictureSource& source)
+void CxRecordJob::run(IxPictureSource& source) { emit finished(record(source)); }
+
+SxRecordSummary CxRecordJob::record(IxPictureSource& source)
 {
     QElapsedTimer sinceReport;
     sinceReport.start();
-    SxRecordSummary const summary = fx_Record(source, m_request, [&](SxRecordSummary const& soFar) {
+    return fx_Record(source, m_request, [&](SxRecordSummary const& soFar) {
         if (sinceReport.elapsed() < kReportInterval && soFar.given > 1)
             return;
         sinceReport.restart();
         emit progressed(soFar);
     });
-    emit finished(summary);
 }

@@ -29,12 +29,18 @@ public:
     void run(IxPictureSource& source);                     ///< records in the calling thread
     void cancel() { m_stop.store(true); }
 
+    /// Once finished() has come: numbers of the recording's pictures that did not decode.
+    QVector<int> const& broken() const { return m_broken; }
+
 signals:
     void progressed(SxRecordSummary const& summary);
     void finished(SxRecordSummary const& summary);
 
 private:
+    SxRecordSummary record(IxPictureSource& source);
+
     SxRecordRequest m_request;
     std::atomic<bool> m_stop{false};
+    QVector<int> m_broken;
     std::unique_ptr<QThread> m_thread;
 };

@@ -14,6 +14,7 @@ private slots:
 
     void givesPartOfRecording();
     void endsAtBrokenPicture();
+    void leavesOutBrokenPictures();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -53,6 +54,21 @@ void tst_RecordingSource::endsAtBrokenPicture()
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Error);
     QVERIFY(source.errorText().contains(QStringLiteral("Picture 13 ")));
+    QCOMPARE(source.broken(), QVector<int>{13});
+}
+
+void tst_RecordingSource::leavesOutBrokenPictures()
+{
+    SxLoaderLog log;
+    CxRecordingSource source(std::make_unique<CxFakeLoader>(log), QStringLiteral("name"), 12, 15);
+    source.leaveOutBroken();
+    CxOwnedPicture picture;
+    for (int const number : {12, 14, 15}) {
+        QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
+        QCOMPARE(int(picture.get().data[0]), number);
+    }
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::End);
+    QCOMPARE(source.broken(), QVector<int>{13});
 }
 
 QTEST_MAIN(tst_RecordingSource)

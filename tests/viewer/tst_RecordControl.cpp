@@ -12,6 +12,16 @@
 #include "support/RecordDialogUser.h"
 #include "support/ViewerWindow.h"
 
+/// The first picture of \p recording that does not decode, or -1.
+static int fx_FirstBroken(QString const& recording)
+{
+    for (int number = 0; number < 40; ++number) {
+        if (CxViewerFixture::decoded(recording, number).isNull())
+            return number;
+    }
+    return -1;
+}
+
 class tst_RecordControl : public QObject
 {
     Q_OBJECT
@@ -22,6 +32,8 @@ private slots:
     void cleanup();
 
     void savesPartOfRecording();
+    void leavesOutBrokenPictures();
+    void endsAtBrokenPictureWhenAsked();
     void recordsUntilStopped();
     void stopEndsSaving();
     void allowsOneRecordingAtATime();
@@ -86,6 +98,44 @@ void tst_RecordControl::savesPartOfRecording()
         QVERIFY(same < difference(saved, CxViewerFixture::decoded(m_recording, number + 6)));
         QVERIFY(same < difference(saved, CxViewerFixture::decoded(m_recording, number + 8)));
     }
+}
+
+void tst_RecordControl::leavesOutBrokenPictures()
+{
+    QString const damaged = m_fixture->damage(m_recording, QStringLiteral("damaged.h264"));
+    int const first = fx_FirstBroken(damaged);
+    QVERIFY(first > 0);
+    QVERIFY(m_viewer->open(damaged));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QString const fileName = m_fixture->path(QStringLiteral("whole.h264"));
+    user.setFile(fileName);
+    QTest::keyClick(user.child<QSlider>("slH264Quality"), Qt::Key_End);
+    user.click("start");
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("not with every picture")));
+    QVERIFY2(m_viewer->bar->text().contains(QStringLiteral("left out, the first is %1.").arg(first)),
+             qPrintable(m_viewer->bar->text()));
+    QCOMPARE(m_viewer->bar->kind(), CxMessageBar::Kind::Warning);
+    int const saved = CxViewerFixture::pictures(fileName);
+    QVERIFY(saved > first && saved < 40);
+}
+
+void tst_RecordControl::endsAtBrokenPictureWhenAsked()
+{
+    QString const damaged = m_fixture->damage(m_recording, QStringLiteral("damaged.h264"));
+    int const first = fx_FirstBroken(damaged);
+    QVERIFY(m_viewer->open(damaged));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QString const fileName = m_fixture->path(QStringLiteral("until.h264"));
+    user.setFile(fileName);
+    QTest::keyClick(user.child<QSlider>("slH264Quality"), Qt::Key_End);
+    user.click("leaveOutBroken");
+    user.click("start");
+    QTRY_VERIFY2(m_viewer->bar->text().contains(QStringLiteral("ended at picture %1,").arg(first)),
+                 qPrintable(m_viewer->bar->text()));
+    QCOMPARE(m_viewer->bar->kind(), CxMessageBar::Kind::Warning);
+    QCOMPARE(CxViewerFixture::pictures(fileName), first);
 }
 
 void tst_RecordControl::recordsUntilStopped()

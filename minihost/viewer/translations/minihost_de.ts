@@ -385,6 +385,21 @@
         <source>&amp;Open It</source>
         <translation>Ö&amp;ffnen</translation>
     </message>
+    <message>
+        <source>Saving to “%1” ended at picture %2, which is broken.</source>
+        <translation>Das Speichern in „%1“ endete bei Bild %2, das kaputt ist.</translation>
+    </message>
+    <message>
+        <source>“%1” is saved, but not with every picture.</source>
+        <translation>„%1“ ist gespeichert, aber nicht mit jedem Bild.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n broken picture(s) left out, the first is %1.</source>
+        <translation>
+            <numerusform>%n kaputtes Bild ausgelassen, das erste ist %1.</numerusform>
+            <numerusform>%n kaputte Bilder ausgelassen, das erste ist %1.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>CxRecordDialog</name>
@@ -475,6 +490,10 @@
     <message>
         <source>“%1” exists already. Replace it?</source>
         <translation>„%1“ gibt es schon. Ersetzen?</translation>
+    </message>
+    <message>
+        <source>&amp;Leave out broken pictures instead of stopping there</source>
+        <translation>&amp;Kaputte Bilder auslassen statt dort anzuhalten</translation>
     </message>
 </context>
 <context>

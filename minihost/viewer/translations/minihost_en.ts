@@ -34,6 +34,13 @@
             <numerusform>%n pictures left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%n broken picture(s) left out, the first is %1.</source>
+        <translation>
+            <numerusform>%n broken picture left out, the first is %1.</numerusform>
+            <numerusform>%n broken pictures left out, the first is %1.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>CxRecordDialog</name>
