@@ -101,7 +101,12 @@ void CxMainWindow::connectActions()
         if (!name.isEmpty())
             openNamed(name);
     });
-    on(a.record, [this] { m_record.ask(); });
+    on(a.record, [this] {
+        SxPicBufInfo format;
+        if (m_view->picture().data)
+            format = *m_view->picture().data->picBuf();
+        m_record.ask(format);
+    });
     on(a.savePicture, [this] { askForPictureFile(); });
     on(a.quit, [this] { close(); });
     on(a.copy, [this] { QApplication::clipboard()->setImage(m_view->picture().image.copy()); });

@@ -8,7 +8,7 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
-/// Shows a recording under way and the button that ends it.
+/// Shows a recording under way, a warning once pictures are lost, and the button that ends it.
 class CxRecordBar : public QFrame
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class CxRecordBar : public QFrame
 public:
     explicit CxRecordBar(QWidget* parent = nullptr); ///< hidden
 
-    void begin(QString const& fileName, int expectedPictures); ///< -1 when nobody knows how many
+    void begin(SxRecordRequest const& request, int expectedPictures); ///< -1 when nobody knows how many
     void showProgress(SxRecordSummary const& summary);
 
 signals:
@@ -26,5 +26,7 @@ private:
     QLabel* m_text;
     QProgressBar* m_progress;
     QPushButton* m_stop;
-    QString m_name;
+    QFrame* m_warning;
+    QLabel* m_warningText;
+    SxRecordRequest m_request;
 };

@@ -7,6 +7,7 @@
 #include "MessageBar.h"
 #include "PlayControl.h"
 #include "RecordBar.h"
+#include "RecordTexts.h"
 #include "RecordingSource.h"
 
 CxRecordControl::CxRecordControl(CxPlayControl& play, CxLiveControl& live, CxRecordBar& bar,
@@ -27,12 +28,12 @@ CxRecordControl::~CxRecordControl()
     m_live.close(); // it may be running the job
 }
 
-void CxRecordControl::ask()
+void CxRecordControl::ask(SxPicBufInfo const& shown)
 {
     SxOpenedRecording const& recording = m_play.player().info();
-    auto* const dialog =
-        m_live.isOpen() ? new CxRecordDialog(-1, 0.0, {}, &m_window)
-                        : new CxRecordDialog(recording.count, recording.fps, recording.fileName, &m_window);
+    auto* const dialog = m_live.isOpen() ? new CxRecordDialog(-1, 0.0, {}, shown, &m_window)
+                                         : new CxRecordDialog(recording.count, recording.fps,
+                                                              recording.fileName, shown, &m_window);
     m_play.player().setPlaying(false);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog] { start(dialog->choice()); });
@@ -49,10 +50,10 @@ void CxRecordControl::start(SxRecordChoice const& choice)
     m_isRunning = true;
     if (m_live.isOpen()) {
         int const limit = choice.request.maxPictures;
-        m_bar.begin(choice.request.outputFile, limit > 0 ? limit : -1);
+        m_bar.begin(choice.request, limit > 0 ? limit : -1);
         m_live.record(m_job.get());
     } else {
-        m_bar.begin(choice.request.outputFile, choice.last - choice.first + 1);
+        m_bar.begin(choice.request, choice.last - choice.first + 1);
         auto source = std::make_unique<CxRecordingSource>(std::make_unique<CxRecordingReader>(),
                                                           m_play.player().info().fileName, choice.first,
                                                           choice.last);
@@ -79,7 +80,7 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
         parts.append(tr("Saving to “%1” failed.").arg(name));
     else if (summary.wasStopped)
         parts.append(tr("Stopped: “%1” holds what was saved until then.").arg(name));
-    else if (!broken.isEmpty())
+    else if (!broken.isEmpty() || !summary.skipped.isEmpty())
         parts.append(tr("“%1” is saved, but not with every picture.").arg(name));
     else
         parts.append(tr("“%1” is complete.").arg(name));
@@ -87,15 +88,19 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
         parts.append(
             tr("%n picture(s) saved, %1.", nullptr, summary.coded)
                 .arg(m_window.locale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeSIFormat)));
-    if (!summary.skipped.isEmpty())
-        parts.append(
-            tr("%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.",
-               nullptr, summary.skipped.size()));
     if (!failed && !broken.isEmpty())
         parts.append(
             tr("%n broken picture(s) left out, the first is %1.", nullptr, static_cast<int>(broken.size()))
                 .arg(broken.first()));
-    bool const isWhole = !failed && broken.isEmpty();
+    SxEncoderOptions const& encoder = m_job->request().encoder;
+    QString const skipped = CxRecordTexts::skipped(encoder, summary);
+    QString const shrunk =
+        CxRecordTexts::shrunk(summary.input, summary.savedWidth, summary.savedHeight, encoder.level);
+    for (QString const& text : {skipped, shrunk}) {
+        if (!text.isEmpty())
+            parts.append(text);
+    }
+    bool const isWhole = !failed && broken.isEmpty() && skipped.isEmpty();
     m_messages.showMessage(isWhole ? CxMessageBar::Kind::Information : CxMessageBar::Kind::Warning,
                            parts.join(QLatin1Char(' ')), failed ? QStringList{summary.error} : QStringList());
     if (summary.coded > 0)

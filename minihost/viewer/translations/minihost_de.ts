@@ -341,13 +341,6 @@
             <numerusform>%n Bilder</numerusform>
         </translation>
     </message>
-    <message numerus="yes">
-        <source>%n skipped</source>
-        <translation>
-            <numerusform>%n ausgelassen</numerusform>
-            <numerusform>%n ausgelassen</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Recording to %1: %2</source>
         <translation>Aufzeichnung in %1: %2</translation>
@@ -372,13 +365,6 @@
         <translation>
             <numerusform>%n Bild gespeichert, %1.</numerusform>
             <numerusform>%n Bilder gespeichert, %1.</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.</source>
-        <translation>
-            <numerusform>Der Encoder hat %n Bild ausgelassen, um die Bitrate zu halten; eine höhere Qualität behält mehr.</numerusform>
-            <numerusform>Der Encoder hat %n Bilder ausgelassen, um die Bitrate zu halten; eine höhere Qualität behält mehr.</numerusform>
         </translation>
     </message>
     <message>
@@ -494,6 +480,40 @@
     <message>
         <source>&amp;Leave out broken pictures instead of stopping there</source>
         <translation>&amp;Kaputte Bilder auslassen statt dort anzuhalten</translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordTexts</name>
+    <message numerus="yes">
+        <source>%n picture(s) skipped by the encoder to keep the bit rate.</source>
+        <translation>
+            <numerusform>Der Encoder hat %n Bild ausgelassen, um die Bitrate zu halten.</numerusform>
+            <numerusform>Der Encoder hat %n Bilder ausgelassen, um die Bitrate zu halten.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Quality %1 probably keeps them all.</source>
+        <translation>Qualität %1 behält wahrscheinlich alle.</translation>
+    </message>
+    <message>
+        <source>Level %1 allows no more, a higher one does.</source>
+        <translation>Level %1 erlaubt nicht mehr, ein höheres schon.</translation>
+    </message>
+    <message>
+        <source>Not even the highest quality keeps them all; fewer key frames or smaller pictures may.</source>
+        <translation>Auch die höchste Qualität behält nicht alle; weniger Schlüsselbilder oder kleinere Bilder vielleicht.</translation>
+    </message>
+    <message>
+        <source>a recording&apos;s sides are even</source>
+        <translation>die Seiten einer Aufnahme sind gerade</translation>
+    </message>
+    <message>
+        <source>level %1 allows no larger ones</source>
+        <translation>Level %1 erlaubt keine größeren</translation>
+    </message>
+    <message>
+        <source>Pictures are saved as %1 × %2 instead of %3 × %4: %5.</source>
+        <translation>Die Bilder werden mit %1 × %2 statt %3 × %4 gespeichert: %5.</translation>
     </message>
 </context>
 <context>

@@ -10,13 +10,6 @@
             <numerusform>%n pictures</numerusform>
         </translation>
     </message>
-    <message numerus="yes">
-        <source>%n skipped</source>
-        <translation>
-            <numerusform>%n skipped</numerusform>
-            <numerusform>%n skipped</numerusform>
-        </translation>
-    </message>
 </context>
 <context>
     <name>CxRecordControl</name>
@@ -25,13 +18,6 @@
         <translation>
             <numerusform>%n picture saved, %1.</numerusform>
             <numerusform>%n pictures saved, %1.</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n picture(s) left out by the encoder to keep the bit rate; a higher quality keeps more.</source>
-        <translation>
-            <numerusform>%n picture left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
-            <numerusform>%n pictures left out by the encoder to keep the bit rate; a higher quality keeps more.</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -49,6 +35,16 @@
         <translation>
             <numerusform>%n picture, %1</numerusform>
             <numerusform>%n pictures, %1</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>CxRecordTexts</name>
+    <message numerus="yes">
+        <source>%n picture(s) skipped by the encoder to keep the bit rate.</source>
+        <translation>
+            <numerusform>%n picture skipped by the encoder to keep the bit rate.</numerusform>
+            <numerusform>%n pictures skipped by the encoder to keep the bit rate.</numerusform>
         </translation>
     </message>
 </context>
