@@ -131,10 +131,9 @@ void CxMainWindow::connectActions()
 void CxMainWindow::connectControls()
 {
     connect(&m_play, &CxPlayControl::opened, this, &CxMainWindow::takeOpened);
-    connect(&m_play, &CxPlayControl::openFailed, this, [this] {
-        m_pages->setCurrentWidget(m_startPage);
-        updateActions();
-    });
+    connect(&m_play, &CxPlayControl::openFailed, this, &CxMainWindow::takeOpenFailure);
+    connect(&m_live, &CxLiveControl::begun, this, &CxMainWindow::takeLive);
+    connect(&m_live, &CxLiveControl::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_play, &CxPlayControl::pictureFailed, this, &CxMainWindow::updateActions);
     connect(&m_play.player(), &CxPlayer::rateMeasured, m_status, &CxStatusBar::showRate);
     connect(&m_play, &CxPlayControl::brokenFound, m_status, &CxStatusBar::showBroken);
@@ -151,15 +150,15 @@ void CxMainWindow::connectControls()
 
 // ---- Opening and closing
 
-void CxMainWindow::closeAll()
+/// Makes room for what has just been opened.
+void CxMainWindow::clearPicture()
 {
-    m_live.close();
-    m_play.close();
     m_view->setPicture({});
     m_view->fit();
     m_status->clearTexts();
     m_messageBar->dismiss();
-    setTitle({});
+    m_pages->setCurrentWidget(m_view);
+    m_isOpening = false;
 }
 
 void CxMainWindow::setTitle(QString const& name)
@@ -183,40 +182,74 @@ void CxMainWindow::openNamed(QString const& name)
         openRecording(name);
         return;
     }
-    openLive(QFileInfo(name).fileName(), [name](std::atomic<bool> const* stop) {
+    auto const make = [name](std::atomic<bool> const* stop) {
         return std::make_unique<CxFFmpegSource>(QStringList{name}, 0, stop);
-    });
+    };
+    openLive(QFileInfo(name).fileName(), make, name);
 }
 
 void CxMainWindow::openRecording(QString const& fileName)
 {
     if (m_record.isRunning())
         return;
-    closeAll();
-    m_pages->setCurrentWidget(m_view);
+    bool const isFirst = !isAnythingOpen();
+    m_live.cancelOpening();
+    m_messageBar->dismiss();
+    m_isOpening = true;
+    if (isFirst) {
+        m_pages->setCurrentWidget(m_view);
+        m_view->setNotice(tr("Opening…"));
+    }
     m_play.open(fileName);
     updateActions();
 }
 
-void CxMainWindow::openLive(QString const& name, SourceFactory const& make)
+void CxMainWindow::openLive(QString const& name, SourceFactory const& make, QString const& fileName)
 {
     if (m_record.isRunning())
         return;
-    closeAll();
-    m_pages->setCurrentWidget(m_view);
-    m_view->setFocus();
-    setTitle(name);
-    m_live.open(make);
+    m_messageBar->dismiss();
+    m_live.open(name, make, fileName);
+    if (isAnythingOpen()) {
+        m_isOpening = true;
+        m_messageBar->showMessage(CxMessageBar::Kind::Information, tr("Opening “%1”…").arg(name));
+    } else {
+        m_live.begin();
+        m_view->setNotice(tr("Waiting for the first picture…"));
+    }
     updateActions();
 }
 
 void CxMainWindow::takeOpened(SxOpenedRecording const& info)
 {
+    m_live.close();
+    clearPicture();
     setTitle(QFileInfo(info.fileName).fileName());
     m_recent->add(info.fileName);
     m_startPage->setRecent(m_recent->actions());
     updateActions();
     m_view->setFocus();
+}
+
+void CxMainWindow::takeLive()
+{
+    m_play.close();
+    clearPicture();
+    setTitle(m_live.name());
+    updateActions();
+    m_view->setFocus();
+}
+
+/// What was open before is still there.
+void CxMainWindow::takeOpenFailure()
+{
+    m_isOpening = false;
+    if (!isAnythingOpen()) {
+        m_view->setPicture({});
+        m_pages->setCurrentWidget(m_startPage);
+        setTitle({});
+    }
+    updateActions();
 }
 
 // ---- Showing
@@ -247,7 +280,7 @@ void CxMainWindow::updateActions()
     m_transport->timeline()->setVisible(!isLive);
     m_transport->setVisible(m_pages->currentWidget() == m_view && !isFullScreen());
     a.play->setEnabled(hasRecording || isLive);
-    a.record->setEnabled((hasRecording || isLive) && !m_record.isRunning());
+    a.record->setEnabled((hasRecording || isLive) && !m_record.isRunning() && !m_isOpening);
     a.record->setText(isLive ? tr("&Record…") : tr("Save &Part…"));
     for (QAction* const action : {a.savePicture, a.copy, a.fit, a.actualSize, a.zoomIn, a.zoomOut})
         action->setEnabled(hasPicture);
@@ -283,8 +316,8 @@ void CxMainWindow::savePicture(SxShownPicture const& picture, QString const& fil
 void CxMainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_record.isRunning() &&
-        QMessageBox::question(this, tr("Recording"), tr("A recording is under way. End it and quit?")) !=
-            QMessageBox::Yes) {
+        QMessageBox::question(this, tr("Recording"), tr("A recording is under way. End it and quit?"),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes) {
         event->ignore();
         return;
     }

@@ -26,7 +26,10 @@ public:
     /// Opens what a person names: a recording, "camera:" for the test camera, or anything that FFmpeg reads.
     void openNamed(QString const& name);
     void openRecording(QString const& fileName);
-    void openLive(QString const& name, SourceFactory const& make); ///< \p name is shown in the title
+
+    /// \param name  shown in the title.
+    /// \param fileName  what is read, when that is a file: no recording may go there.
+    void openLive(QString const& name, SourceFactory const& make, QString const& fileName = {});
 
     /// Begins a recording of what is open; one at a time.
     void startRecording(SxRecordChoice const& choice) { m_record.start(choice); }
@@ -44,8 +47,11 @@ private:
     void buildCentre();
     void connectActions();
     void connectControls();
-    void closeAll();
+    bool isAnythingOpen() { return player().isOpen() || m_live.isOpen(); }
+    void clearPicture();
     void takeOpened(SxOpenedRecording const& info);
+    void takeLive();
+    void takeOpenFailure();
     void setTitle(QString const& name);
     void setFullScreen(bool isFullScreen);
     void updateActions();
@@ -64,5 +70,6 @@ private:
     CxRecentFiles* m_recent;
     CxPlayControl m_play;
     CxLiveControl m_live;
+    bool m_isOpening = false; ///< something else than what is shown
     CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

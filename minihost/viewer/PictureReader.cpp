@@ -81,18 +81,17 @@ void CxPictureReader::run()
 
 void CxPictureReader::openFile(std::unique_ptr<CxRecordingReader> recording, QString const& fileName)
 {
-    m_kept.clear();
-    m_keptBytes = 0;
-    m_recording.reset();
-    if (!recording)
-        return;
-
     QString error;
-    if (!recording->open(fileName, error)) {
+    if (recording && !recording->open(fileName, error)) {
+        recording.reset();
         emit openFailed(fileName, error);
         return;
     }
+    m_kept.clear();
+    m_keptBytes = 0;
     m_recording = std::move(recording);
+    if (!m_recording)
+        return;
     m_info = {fileName, m_recording->frameCount(), m_recording->assumedFps(), m_recording->keyFrames()};
     emit opened(m_info);
 }

@@ -28,7 +28,7 @@ public:
     ~CxPictureReader() override;
 
     /// Opens \p fileName with \p recording, which has opened nothing yet; it is deleted in the reader's
-    /// thread.
+    /// thread. When that fails, the recording before stays open.
     void open(std::unique_ptr<CxRecordingReader> recording, QString const& fileName);
     void closeRecording();
 

@@ -3,9 +3,9 @@
 #include <QActionGroup>
 #include <QDir>
 #include <QFileInfo>
-#include <QInputDialog>
 
 #include "Actions.h"
+#include "GoToDialog.h"
 #include "MessageBar.h"
 #include "PictureView.h"
 #include "Timeline.h"
@@ -62,11 +62,7 @@ void CxPlayControl::connectTimeline()
             [this] { m_player.setPlaying(m_resumesAfterDrag); });
 }
 
-void CxPlayControl::open(QString const& fileName)
-{
-    m_view.setNotice(tr("Opening…"));
-    m_player.open(fileName);
-}
+void CxPlayControl::open(QString const& fileName) { m_player.open(fileName); }
 
 void CxPlayControl::close()
 {
@@ -77,16 +73,16 @@ void CxPlayControl::close()
 
 void CxPlayControl::askForNumber()
 {
-    bool isChosen = false;
-    int const last = m_player.info().count - 1;
-    int const number = QInputDialog::getInt(&m_window, tr("Go to Picture"), tr("Number, 0 to %1:").arg(last),
-                                            std::max(m_player.shownNumber(), 0), 0, last, 1, &isChosen);
-    if (isChosen)
-        m_player.seek(number);
+    auto* const dialog =
+        new CxGoToDialog(std::max(m_player.shownNumber(), 0), m_player.info().count - 1, &m_window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &CxGoToDialog::chosen, &m_player, &CxPlayer::seek);
+    dialog->open();
 }
 
 void CxPlayControl::takeOpened(SxOpenedRecording const& info)
 {
+    m_broken.clear();
     m_transport.setRecording(info);
     emit opened(info);
 }
@@ -109,8 +105,6 @@ static QString fx_WhyNotOpened(QString const& fileName)
 
 void CxPlayControl::takeOpenFailure(QString const& fileName, QString const& error)
 {
-    m_player.close();
-    m_view.setPicture({});
     m_messages.showMessage(CxMessageBar::Kind::Warning, fx_WhyNotOpened(fileName), {error});
     emit openFailed();
 }

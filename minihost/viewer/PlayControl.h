@@ -23,7 +23,8 @@ public:
 
     CxPlayer& player() { return m_player; }
 
-    void open(QString const& fileName); ///< opened() or openFailed() follows
+    /// opened() or openFailed() follows. Until then, and when it fails, what was open stays so.
+    void open(QString const& fileName);
     void close();
     void togglePlaying() { m_player.setPlaying(!m_player.isPlaying()); }
 

@@ -8,7 +8,7 @@ CxPlayer::CxPlayer(QObject* parent)
     : QObject(parent)
 {
     connect(&m_reader, &CxPictureReader::opened, this, &CxPlayer::takeOpened);
-    connect(&m_reader, &CxPictureReader::openFailed, this, &CxPlayer::openFailed);
+    connect(&m_reader, &CxPictureReader::openFailed, this, &CxPlayer::takeOpenFailure);
     connect(&m_reader, &CxPictureReader::pictureRead, this, &CxPlayer::takePicture);
     connect(&m_reader, &CxPictureReader::pictureFailed, this, &CxPlayer::takeFailure);
     m_timer.setSingleShot(true);
@@ -19,7 +19,7 @@ CxPlayer::CxPlayer(QObject* parent)
 
 void CxPlayer::open(QString const& fileName)
 {
-    close();
+    setPlaying(false);
     m_reader.open(std::make_unique<CxRecordingReader>(), fileName);
 }
 
@@ -34,9 +34,19 @@ void CxPlayer::close()
 
 void CxPlayer::takeOpened(SxOpenedRecording const& info)
 {
+    setPlaying(false);
     m_info = info;
+    m_shown = m_reached = m_wanted = -1;
+    m_firstTicket = m_reader.request(0) + 1; // what was asked of the one before is of no interest any more
     emit opened(m_info);
     seek(0);
+}
+
+void CxPlayer::takeOpenFailure(QString const& fileName, QStringList const& messages)
+{
+    emit openFailed(fileName, messages);
+    if (m_wanted != m_reached)
+        seek(m_wanted); // the reader has dropped that for the new file
 }
 
 void CxPlayer::seek(int number)

@@ -20,7 +20,7 @@ class CxPlayer : public QObject
 public:
     explicit CxPlayer(QObject* parent = nullptr);
 
-    /// Opens a recording; opened() or openFailed() follows. The one before is closed at once.
+    /// Opens a recording; opened() or openFailed() follows. The one before pauses, and stays when that fails.
     void open(QString const& fileName);
     void close();
 
@@ -57,6 +57,7 @@ private:
         QString error;          ///< why it is
     };
 
+    void takeOpenFailure(QString const& fileName, QStringList const& messages);
     void takePicture(int ticket, SxShownPicture const& picture);
     void takeFailure(int ticket, int number, QString const& error);
     void take(int ticket, SxAnswer const& answer);

@@ -42,7 +42,9 @@ public:
     bool open(QString const& recording)
     {
         window.openRecording(recording);
-        return QTest::qWaitFor([this] { return window.player().shownNumber() == 0; });
+        return QTest::qWaitFor([&] { // what was open before stays until then
+            return window.player().info().fileName == recording && window.player().shownNumber() == 0;
+        });
     }
     void openCamera() { window.openLive(QStringLiteral("camera"), fx_Camera(0, "bgr24")); }
     template<class Widget>

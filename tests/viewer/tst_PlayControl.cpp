@@ -1,6 +1,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
@@ -38,10 +39,12 @@ private slots:
     void playingResumesAfterDrag();
     void keysChoosePicture_data();
     void keysChoosePicture();
+    void goesToPictureWithNumber();
     void playsToTheEnd();
     void loopKeyStartsOver();
     void saysWhyFileDoesNotOpen_data();
     void saysWhyFileDoesNotOpen();
+    void failedOpenKeepsWhatWasOpen();
     void damagedPictureIsNamedAndNotShown();
     void playsPastDamagedPictures();
     void messageOfAnotherKindStays();
@@ -138,6 +141,30 @@ void tst_PlayControl::keysChoosePicture()
     }
 }
 
+void tst_PlayControl::goesToPictureWithNumber()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_G, Qt::ControlModifier);
+    auto* const number = viewer.child<QLineEdit>("goToNumber");
+    auto* const note = viewer.child<QLabel>("goToNote");
+    QVERIFY(number);
+    for (QString const text : {"9999", "40", "-1", "x", ""}) {
+        number->selectAll();
+        QTest::keyClick(number, Qt::Key_Delete);
+        QTest::keyClicks(number, text);
+        QTest::keyClick(number, Qt::Key_Return);
+        QVERIFY(note->isVisible());
+        QCOMPARE(note->text(),
+                 QStringLiteral("There is no picture “%1”: they are numbered from 0 to 39.").arg(text));
+    }
+    number->selectAll();
+    QTest::keyClicks(number, QStringLiteral("31"));
+    QTest::keyClick(number, Qt::Key_Return);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 31);
+    QTRY_VERIFY(!viewer.window.findChild<QDialog*>(QStringLiteral("goToDialog")));
+}
+
 void tst_PlayControl::playsToTheEnd()
 {
     CxViewerWindow viewer(*m_fixture);
@@ -210,6 +237,22 @@ void tst_PlayControl::saysWhyFileDoesNotOpen()
     QTest::mouseClick(viewer.child<QToolButton>("messageClose"), Qt::LeftButton);
     QVERIFY(!viewer.bar->isVisible());
     QVERIFY(viewer.open(m_recording)); // nothing is left of it
+}
+
+void tst_PlayControl::failedOpenKeepsWhatWasOpen()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_End);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 39);
+    viewer.window.openNamed(m_fixture->path(QStringLiteral("missing.h264")));
+    QTRY_VERIFY(viewer.bar->text().contains(QStringLiteral("does not exist")));
+    QVERIFY(viewer.view->isVisible());
+    QCOMPARE(viewer.view->picture().number, 39);
+    QCOMPARE(viewer.window.windowTitle(), QStringLiteral("clip.h264 – minihost"));
+    viewer.key(Qt::Key_Left);
+    QTRY_COMPARE(viewer.view->picture().number, 38);
+    QCOMPARE(viewer.view->picture().image, CxViewerFixture::decoded(m_recording, 38));
 }
 
 void tst_PlayControl::damagedPictureIsNamedAndNotShown()

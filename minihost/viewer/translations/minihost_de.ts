@@ -167,6 +167,21 @@
     </message>
 </context>
 <context>
+    <name>CxGoToDialog</name>
+    <message>
+        <source>Go to Picture</source>
+        <translation>Gehe zu Bild</translation>
+    </message>
+    <message>
+        <source>&amp;Number, 0 to %1:</source>
+        <translation>&amp;Nummer, 0 bis %1:</translation>
+    </message>
+    <message>
+        <source>There is no picture “%1”: they are numbered from 0 to %2.</source>
+        <translation>Es gibt kein Bild „%1“: Die Nummern gehen von 0 bis %2.</translation>
+    </message>
+</context>
+<context>
     <name>CxHelpWindow</name>
     <message>
         <source>Keys</source>
@@ -207,10 +222,6 @@
 </context>
 <context>
     <name>CxLiveControl</name>
-    <message>
-        <source>Waiting for the first picture…</source>
-        <translation>Warten auf das erste Bild …</translation>
-    </message>
     <message>
         <source>The source has ended.</source>
         <translation>Die Quelle ist zu Ende.</translation>
@@ -254,6 +265,18 @@
         <source>live</source>
         <translation>live</translation>
     </message>
+    <message>
+        <source>Opening…</source>
+        <translation>Wird geöffnet …</translation>
+    </message>
+    <message>
+        <source>Opening “%1”…</source>
+        <translation>„%1“ wird geöffnet …</translation>
+    </message>
+    <message>
+        <source>Waiting for the first picture…</source>
+        <translation>Warten auf das erste Bild …</translation>
+    </message>
 </context>
 <context>
     <name>CxMessageBar</name>
@@ -279,18 +302,6 @@
 </context>
 <context>
     <name>CxPlayControl</name>
-    <message>
-        <source>Opening…</source>
-        <translation>Wird geöffnet …</translation>
-    </message>
-    <message>
-        <source>Go to Picture</source>
-        <translation>Gehe zu Bild</translation>
-    </message>
-    <message>
-        <source>Number, 0 to %1:</source>
-        <translation>Nummer, 0 bis %1:</translation>
-    </message>
     <message>
         <source>“%1” does not exist.</source>
         <translation>„%1“ gibt es nicht.</translation>
@@ -466,10 +477,6 @@
         <translation>Das letzte liegt vor dem ersten.</translation>
     </message>
     <message>
-        <source>That is the recording being read. Please choose another name.</source>
-        <translation>Das ist die Aufnahme, die gelesen wird. Bitte wählen Sie einen anderen Namen.</translation>
-    </message>
-    <message>
         <source>There is no folder “%1”.</source>
         <translation>Den Ordner „%1“ gibt es nicht.</translation>
     </message>
@@ -480,6 +487,10 @@
     <message>
         <source>&amp;Leave out broken pictures instead of stopping there</source>
         <translation>&amp;Kaputte Bilder auslassen statt dort anzuhalten</translation>
+    </message>
+    <message>
+        <source>That is the recording being read. Please choose another name.</source>
+        <translation>Das ist die Aufnahme, die gelesen wird. Bitte wählen Sie einen anderen Namen.</translation>
     </message>
 </context>
 <context>
