@@ -31,7 +31,7 @@ CxRecordControl::~CxRecordControl()
 void CxRecordControl::ask(SxPicBufInfo const& shown)
 {
     SxOpenedRecording const& recording = m_play.player().info();
-    auto* const dialog = m_live.isOpen() ? new CxRecordDialog(-1, 0.0, {}, shown, &m_window)
+    auto* const dialog = m_live.isOpen() ? new CxRecordDialog(-1, 0.0, m_live.fileName(), shown, &m_window)
                                          : new CxRecordDialog(recording.count, recording.fps,
                                                               recording.fileName, shown, &m_window);
     m_play.player().setPlaying(false);

@@ -207,7 +207,7 @@ QString CxRecordDialog::suggestedFile(QString const& sourceFile) const
     if (!QDir(folder).exists())
         folder = QDir::homePath();
     QString const base =
-        sourceFile.isEmpty()
+        m_limit // a live source
             ? QDateTime::currentDateTime().toString(QStringLiteral("'recording'_yyyy-MM-dd_HH-mm-ss"))
             : tr("%1_part", "file name").arg(QFileInfo(sourceFile).completeBaseName());
     QString const suffix = fx_Suffix(m_format->currentText());
@@ -245,8 +245,8 @@ void CxRecordDialog::updateState()
 bool CxRecordDialog::mayWrite(QString const& fileName)
 {
     QFileInfo const info(fileName);
-    if (fx_IsSameFile(m_sourceFile, fileName)) {
-        m_note->setText(tr("That is the recording being read. Please choose another name."));
+    if (!m_sourceFile.isEmpty() && fx_IsSameFile(m_sourceFile, fileName)) {
+        m_note->setText(tr("That file is being read. Please choose another name."));
         return false;
     }
     if (!info.absoluteDir().exists()) {
@@ -256,8 +256,8 @@ bool CxRecordDialog::mayWrite(QString const& fileName)
     if (!info.exists())
         return true;
     return QMessageBox::question(this, windowTitle(),
-                                 tr("“%1” exists already. Replace it?").arg(info.fileName())) ==
-           QMessageBox::Yes;
+                                 tr("“%1” exists already. Replace it?").arg(info.fileName()),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 void CxRecordDialog::collect()

@@ -30,7 +30,7 @@ class CxRecordDialog : public QDialog
 
 public:
     /// \param pictures  of the recording to save from; -1 for a live source.
-    /// \param sourceFile  of that recording, which cannot be the output; may be empty.
+    /// \param sourceFile  what is being read, which cannot be the output; may be empty.
     /// \param format  of the pictures, to tell what the encoder will shrink; without sizes when unknown.
     CxRecordDialog(int pictures, double fps, QString const& sourceFile, SxPicBufInfo const& format,
                    QWidget* parent);

@@ -7,6 +7,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
+#include <QTimer>
 #include <unistd.h>
 
 #include "CodecOptions.h"
@@ -26,7 +27,10 @@ private slots:
     void changedOptionsReachTheStream();
     void optionsAreRemembered();
     void defaultButtonUndoesRememberedOptions();
+    void refusesSourceAsTarget_data();
     void refusesSourceAsTarget();
+    void refusesVideoBeingShownAsTarget();
+    void replacesNothingByEnterAlone();
     void tellsOfShrinkingByLevel();
     void tellsOfOddSize();
     void refusesMissingFolder();
@@ -153,20 +157,63 @@ void tst_RecordDialog::defaultButtonUndoesRememberedOptions()
     QCOMPARE(CxViewerFixture::keyFrames(fileName).mid(0, 3), (QVector<int>{0, 5, 10}));
 }
 
+void tst_RecordDialog::refusesSourceAsTarget_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("itself") << "clip.h264";
+    QTest::newRow("hard link") << "hard.h264";
+    QTest::newRow("symbolic link") << "soft.h264";
+}
+
 void tst_RecordDialog::refusesSourceAsTarget()
 {
+    QFETCH(QString, name);
+    QString const target = m_fixture->path(name);
+    QByteArray const from = QFile::encodeName(m_recording), to = QFile::encodeName(target);
+    if (name.startsWith(QLatin1String("hard")))
+        QCOMPARE(link(from, to), 0);
+    if (name.startsWith(QLatin1String("soft")))
+        QCOMPARE(symlink(from, to), 0);
     QVERIFY(m_viewer->open(m_recording));
     qint64 const size = QFileInfo(m_recording).size();
     CxRecordDialogUser const user(m_viewer->window);
-    QByteArray const otherName = QFile::encodeName(m_fixture->path(QStringLiteral("hardlink.h264")));
-    QCOMPARE(link(QFile::encodeName(m_recording).constData(), otherName.constData()), 0);
-    for (QString const& fileName : {m_recording, QFile::decodeName(otherName)}) {
-        user.setFile(fileName);
-        user.click("start");
-        QVERIFY(user.dialog->isVisible());
-        QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
-    }
+    user.setFile(target);
+    user.click("start");
+    QVERIFY(user.dialog->isVisible());
+    QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
     QCOMPARE(QFileInfo(m_recording).size(), size);
+}
+
+void tst_RecordDialog::refusesVideoBeingShownAsTarget()
+{
+    QString const video = m_fixture->path(QStringLiteral("video.h264"));
+    QVERIFY(QFile::copy(m_recording, video));
+    qint64 const size = QFileInfo(video).size();
+    m_viewer->window.openLive(QStringLiteral("video"), fx_Camera(0, "bgr24"), video);
+    CxRecordDialogUser const user(m_viewer->window);
+    user.setFile(video);
+    user.click("start");
+    QVERIFY(user.dialog->isVisible());
+    QVERIFY2(user.note().contains(QStringLiteral("being read")), qPrintable(user.note()));
+    QCOMPARE(QFileInfo(video).size(), size);
+}
+
+void tst_RecordDialog::replacesNothingByEnterAlone()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("precious.h264"));
+    QVERIFY(QFile::copy(m_recording, fileName));
+    QVERIFY(m_viewer->open(m_recording));
+    CxRecordDialogUser const user(m_viewer->window);
+    user.setFile(fileName);
+    bool isAsked = false;
+    QTimer::singleShot(0, user.dialog, [&] { // the question runs a loop of its own
+        isAsked = true;
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return);
+    });
+    user.click("start");
+    QVERIFY(isAsked);
+    QVERIFY(user.dialog->isVisible());
+    QCOMPARE(QFileInfo(fileName).size(), QFileInfo(m_recording).size());
 }
 
 void tst_RecordDialog::tellsOfShrinkingByLevel()

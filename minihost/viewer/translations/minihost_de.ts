@@ -489,8 +489,8 @@
         <translation>&amp;Kaputte Bilder auslassen statt dort anzuhalten</translation>
     </message>
     <message>
-        <source>That is the recording being read. Please choose another name.</source>
-        <translation>Das ist die Aufnahme, die gelesen wird. Bitte wählen Sie einen anderen Namen.</translation>
+        <source>That file is being read. Please choose another name.</source>
+        <translation>Diese Datei wird gerade gelesen. Bitte einen anderen Namen wählen.</translation>
     </message>
 </context>
 <context>
