@@ -1,59 +1,30 @@
 #include <QCryptographicHash>
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
 #include <unistd.h>
 
 #include "FFmpegSource.h"
 #include "PictureFormat.h"
-#include "PluginHost.h"
-#include "PluginMessages.h"
-#include "RecordingReader.h"
 #include "support/ConversionOracle.h"
 #include "support/FFmpegDecoder.h"
-#include "support/Minihost.h"
 #include "support/PictureFiles.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define TARN_ADDRESS_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TARN_ADDRESS_SANITIZER
-#endif
-#endif
-#ifdef TARN_ADDRESS_SANITIZER
-// Freed memory that the sanitizer keeps would look like a leak where memory has to stay flat.
-extern "C" char const* __asan_default_options()
-{
-    return "quarantine_size_mb=0:thread_local_quarantine_size_kb=0";
-}
-#endif
-
-static int const kWidth = 320;
-static int const kHeight = 240;
-static int const kFrames = 30;
+#include "support/RecordedCamera.h"
 
 /// Rows of an RGB32 picture without gaps.
 using Rgb32 = std::vector<uchar>;
 
-/// The info, export and verify commands as their user meets them: the built program, real recordings,
+/// The export command as its user meets it: the built program, real recordings,
 /// FFmpeg's decoder as the judge.
-class tst_ExportCommand : public QObject
+class tst_ExportCommand : public QObject, private CxRecordedCamera
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init();
-
-    void infoTellsWhatIsThere();
-    void infoListsTheFrames();
-    void infoOfOneFrame();
-    void infoOfUndecodableRecording();
+    void init() { makeFolder(); }
 
     void hashesAreThoseOfFFmpegsPictures_data();
     void hashesAreThoseOfFFmpegsPictures();
@@ -77,35 +48,12 @@ private slots:
     void exportJson();
     void interruptedExportFails();
 
-    void verifyOfSoundRecording();
-    void verifyFindsCutOffFrame();
-    void verifyFindsDamagedFrame();
-    void verifyFindsBytesOfNoFrame();
-    void verifyFindsCrowdedFrames();
-
-    void unreadableRecordings_data();
-    void unreadableRecordings();
     void wrongUsage_data();
     void wrongUsage();
     void missingFrameIsNamed();
-    void quietSaysNothing();
-    void helpOfEveryCommand_data();
-    void helpOfEveryCommand();
-
-    void openingAThousandTimesLeavesMemoryFlat();
 
 private:
-    QString path(QString const& name) const { return m_folder->filePath(name); }
-    SxMinihostRun run(QStringList const& arguments) const
-    {
-        return fx_RunMinihost(arguments, QByteArray(), m_folder->path());
-    }
-
-    QTemporaryDir m_shared;
-    QString m_recording;           ///< kFrames pictures of the test camera, a key frame every 5
-    QByteArray m_bytes;            ///< of that file
-    std::vector<Rgb32> m_pictures; ///< of that file
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::vector<Rgb32> m_pictures; ///< of the recording
 };
 
 static Rgb32 fx_ToRGB32(SxDecodedPicture const& decoded)
@@ -150,12 +98,6 @@ static QByteArray fx_HashLines(std::vector<Rgb32> const& pictures, QVector<int> 
     return lines;
 }
 
-static QByteArray fx_FileBytes(QString const& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// Largest difference of blue, green and red between a picture that FFmpeg read and an RGB32 one; 256
 /// when their sizes differ.
 static int fx_LargestDifference(SxPicBuf const& actual, Rgb32 const& expected)
@@ -192,106 +134,10 @@ static double fx_MeanDifference(SxPicBuf const& actual, Rgb32 const& expected)
 
 void tst_ExportCommand::initTestCase()
 {
-    QVERIFY(m_shared.isValid());
     CxFFmpegSource::setLogShown(false);
-    m_recording = m_shared.filePath("in.h264");
-    SxMinihostRun const run = fx_RunMinihost(
-        {"record", "camera:", m_recording, "--size", "320x240", "--frames", QString::number(kFrames)});
-    QVERIFY2(run.exitCode == 0, run.err);
-    m_bytes = fx_FileBytes(m_recording);
+    makeRecording();
     m_pictures = fx_ExpectedPictures(m_recording);
     QCOMPARE(m_pictures.size(), size_t{kFrames});
-}
-
-void tst_ExportCommand::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-}
-
-void tst_ExportCommand::infoTellsWhatIsThere()
-{
-    SxMinihostRun const text = run({"info", m_recording});
-    QCOMPARE(text.exitCode, 0);
-    QCOMPARE(text.err, QByteArray());
-    for (char const* part :
-         {"in.h264: H.264 baseline, level 5.2, 320 x 240\n", "  30 frames, 6 key frames, one every 5\n",
-          "  plays 1.0 s at 30 pictures a second (assumed)\n"})
-        QVERIFY2(text.out.contains(part), text.out);
-
-    QJsonObject const json = run({"info", "--json", m_recording}).json();
-    QCOMPARE(json.value("file").toString(), m_recording);
-    QCOMPARE(json.value("codec").toString(), QString("H.264"));
-    QCOMPARE(json.value("profile").toString(), QString("baseline"));
-    QCOMPARE(json.value("level").toString(), QString("5.2"));
-    QCOMPARE(json.value("width").toInt(), kWidth);
-    QCOMPARE(json.value("height").toInt(), kHeight);
-    QCOMPARE(json.value("frames").toInt(), kFrames);
-    QCOMPARE(json.value("keyFrames").toInt(), 6);
-    QCOMPARE(json.value("smallestKeyFrameSpacing").toInt(), 5);
-    QCOMPARE(json.value("largestKeyFrameSpacing").toInt(), 5);
-    QCOMPARE(json.value("fps").toDouble(), 30.0);
-    QCOMPARE(json.value("fpsIsAssumed").toBool(), true);
-    QCOMPARE(json.value("seconds").toDouble(), 1.0);
-    QCOMPARE(json.value("bytes").toInt(), m_bytes.size());
-    QCOMPARE(json.value("meanBitRate").toDouble(), static_cast<double>(m_bytes.size()) * 8.0);
-    QVERIFY(!json.contains("frameList"));
-}
-
-void tst_ExportCommand::infoListsTheFrames()
-{
-    QJsonObject const json = run({"info", "--json", "--frames", m_recording}).json();
-    QJsonArray const list = json.value("frameList").toArray();
-    QCOMPARE(list.size(), kFrames);
-    SxMinihostRun const text = run({"info", "--frames", m_recording});
-    QList<QByteArray> const lines = text.out.trimmed().split('\n').mid(6);
-    QCOMPARE(lines.size(), kFrames);
-
-    int end = 0, largest = 0, smallest = static_cast<int>(m_bytes.size());
-    for (int i = 0; i < kFrames; ++i) {
-        QJsonObject const frame = list[i].toObject();
-        int const offset = frame.value("offset").toInt(-1);
-        int const size = frame.value("size").toInt();
-        bool const isKey = frame.value("key").toBool();
-        QCOMPARE(frame.value("frame").toInt(-1), i);
-        QCOMPARE(offset, end); // back to back
-        QCOMPARE(isKey, i % 5 == 0);
-        QCOMPARE(m_bytes.mid(offset, 5), QByteArray::fromHex(isKey ? "0000000167" : "0000000161"));
-        QCOMPARE(lines[i].simplified(), QByteArray::number(i) + ' ' + QByteArray::number(offset) + ' ' +
-                                            QByteArray::number(size) + (isKey ? " key" : ""));
-        end = offset + size;
-        largest = std::max(largest, size);
-        smallest = std::min(smallest, size);
-    }
-    QCOMPARE(end, m_bytes.size());
-    QCOMPARE(json.value("largestFrame").toObject().value("size").toInt(), largest);
-    QCOMPARE(json.value("smallestFrame").toObject().value("size").toInt(), smallest);
-    QCOMPARE(list[json.value("smallestFrame").toObject().value("frame").toInt()].toObject(),
-             json.value("smallestFrame").toObject());
-}
-
-void tst_ExportCommand::infoOfOneFrame()
-{
-    QCOMPARE(run({"record", "camera:", "one.h264", "--size", "64x48", "--frames", "1", "--profile", "high",
-                  "--level", "3"})
-                 .exitCode,
-             0);
-    SxMinihostRun const text = run({"info", "one.h264"});
-    QVERIFY2(text.out.startsWith("one.h264: H.264 high, level 3, 64 x 48\n  1 frame, 1 key frame\n"),
-             text.out);
-    QJsonObject const json = run({"info", "one.h264", "--json"}).json();
-    QVERIFY(json.value("largestKeyFrameSpacing").isNull());
-    QCOMPARE(json.value("largestFrame").toObject(), json.value("smallestFrame").toObject());
-}
-
-void tst_ExportCommand::infoOfUndecodableRecording()
-{
-    QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(60)));
-    SxMinihostRun const text = run({"info", "cut.h264"});
-    QCOMPARE(text.exitCode, 0);
-    QVERIFY2(text.out.contains("picture size unknown") && text.out.contains("1 frame,"), text.out);
-    QVERIFY2(text.err.startsWith("warning: cut.h264: frame 0 cannot be decoded: "), text.err);
-    QVERIFY(run({"info", "cut.h264", "--json"}).json().value("width").isNull());
 }
 
 void tst_ExportCommand::hashesAreThoseOfFFmpegsPictures_data()
@@ -605,145 +451,11 @@ void tst_ExportCommand::interruptedExportFails()
     QVERIFY2(err.contains("in.h264: stopped after ") && err.contains(" of 60030 pictures."), err);
 }
 
-void tst_ExportCommand::verifyOfSoundRecording()
-{
-    SxMinihostRun const verified = run({"verify", m_recording});
-    QCOMPARE(verified.exitCode, 0);
-    QCOMPARE(verified.out, QByteArray());
-    QCOMPARE(verified.err, m_recording.toUtf8() +
-                               ": all 30 frames decode, plays 1.0 s at 30 pictures a second (assumed).\n");
-
-    QJsonObject const json = run({"verify", m_recording, "--json"}).json();
-    QCOMPARE(json.value("frames").toInt(), kFrames);
-    QCOMPARE(json.value("decoded").toInt(), kFrames);
-    QCOMPARE(json.value("looseBytes").toInt(-1), 0);
-    QVERIFY(json.contains("failed") && json.value("failed").isNull());
-    QVERIFY(json.contains("error") && json.value("error").isNull());
-    QCOMPARE(json.value("warnings").toArray(), QJsonArray());
-}
-
-/// Offset of frame \p frame as `info` lists it.
-static int fx_Offset(QString const& recording, int frame)
-{
-    QJsonObject const json = fx_RunMinihost({"info", "--json", "--frames", recording}).json();
-    return json.value("frameList").toArray()[frame].toObject().value("offset").toInt(-1);
-}
-
-void tst_ExportCommand::verifyFindsCutOffFrame()
-{
-    int const last = fx_Offset(m_recording, kFrames - 1);
-    QVERIFY(last > 0);
-    QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(last + (m_bytes.size() - last) / 2)));
-    SxMinihostRun const verified = run({"verify", "cut.h264", "--json"});
-    QCOMPARE(verified.exitCode, 1);
-    QByteArray const start = "error: cut.h264: frame 29 at byte " + QByteArray::number(last) + " (" +
-                             QByteArray::number((m_bytes.size() - last) / 2) + " bytes) cannot be decoded: ";
-    QVERIFY2(verified.err.startsWith(start), verified.err);
-    QVERIFY2(verified.err.contains("damaged or cut off"), verified.err);
-    QCOMPARE(verified.err.count('\n'), 1);
-    QJsonObject const failed = verified.json().value("failed").toObject();
-    QCOMPARE(failed.value("frame").toInt(), 29);
-    QCOMPARE(failed.value("offset").toInt(), last);
-    QCOMPARE(verified.json().value("decoded").toInt(), 29);
-    QVERIFY(verified.json().value("error").toString().startsWith("cut.h264: frame 29 at byte "));
-
-    // With -v the plug-in's own words come through as well.
-    QVERIFY(run({"verify", "cut.h264", "-v"})
-                .err.contains("\"CxOpenH264Decoder::decode(): The decoder failed with code: "));
-    // A single frame gives the same reason.
-    SxMinihostRun const exported = run({"export", "cut.h264", "--frames", "29", "-o", "f.png"});
-    QCOMPARE(exported.exitCode, 1);
-    QVERIFY2(exported.err.startsWith("error: cut.h264: frame 29 cannot be decoded: "), exported.err);
-    QVERIFY(!QFile::exists(path("f.png")));
-}
-
-void tst_ExportCommand::verifyFindsDamagedFrame()
-{
-    int const begin = fx_Offset(m_recording, 12);
-    int const end = fx_Offset(m_recording, 13);
-    QVERIFY(begin > 0 && end - begin > 100);
-    QByteArray damaged = m_bytes;
-    // No zeros, which would form start codes, and no ones, which stand for an unchanged picture.
-    for (int i = begin + 20; i < end; ++i)
-        damaged[i] = static_cast<char>(0x10 + i * 37 % 0x60);
-    QVERIFY(fx_WriteFile(path("damaged.h264"), damaged));
-    SxMinihostRun const verified = run({"verify", "damaged.h264", "--json"});
-    QCOMPARE(verified.exitCode, 1);
-    QCOMPARE(verified.json().value("failed").toObject().value("frame").toInt(), 12);
-    QCOMPARE(verified.json().value("failed").toObject().value("offset").toInt(), begin);
-    QCOMPARE(verified.json().value("decoded").toInt(), 12);
-}
-
-void tst_ExportCommand::verifyFindsBytesOfNoFrame()
-{
-    // A file that ends with a whole start code: the frame before it was never closed.
-    int const last = fx_Offset(m_recording, kFrames - 1);
-    QVERIFY(fx_WriteFile(path("loose.h264"), m_bytes.left(last) + QByteArray("\0\0\0\1", 4)));
-    int const before = fx_Offset(m_recording, kFrames - 2);
-    SxMinihostRun const verified = run({"verify", "loose.h264"});
-    QCOMPARE(verified.exitCode, 1);
-    QCOMPARE(verified.err, "error: loose.h264: the last " + QByteArray::number(last + 4 - before) +
-                               " bytes, from byte " + QByteArray::number(before) +
-                               " on, belong to no frame; the file seems cut off.\n");
-}
-
-void tst_ExportCommand::verifyFindsCrowdedFrames()
-{
-    // Slices that later pictures do not refer to (header 0x01) stay in the frame before them.
-    QByteArray crowded = m_bytes;
-    crowded.replace(QByteArray::fromHex("0000000161"), QByteArray::fromHex("0000000101"));
-    QVERIFY(fx_WriteFile(path("crowded.h264"), crowded));
-    SxMinihostRun const verified = run({"verify", "crowded.h264", "--json"});
-    QCOMPARE(verified.exitCode, 0);
-    QCOMPARE(verified.json().value("frames").toInt(), 6);
-    QVERIFY2(verified.err.contains(
-                 "warning: crowded.h264: 6 frames hold 30 pictures, of which only the first in each"),
-             verified.err);
-    QCOMPARE(verified.json().value("warnings").toArray().size(), 1);
-}
-
-void tst_ExportCommand::unreadableRecordings_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("cause");
-    QTest::newRow("empty") << QByteArray("") << "the file is empty.";
-    QTest::newRow("text") << QByteArray("no video at all\n")
-                          << "this is no raw H.264 stream, since it does not begin with a start code.";
-    QTest::newRow("short") << QByteArray("\0\0\1", 3)
-                           << "this is no raw H.264 stream, since it does not begin with a start code.";
-    QTest::newRow("no SPS")
-        << QByteArray::fromHex("000000016188804000000001618880400000")
-        << "the picture size is unknown, since the stream holds no sequence parameter set.";
-    QTest::newRow("missing") << QByteArray() << "there is no such file.";
-}
-
-void tst_ExportCommand::unreadableRecordings()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, cause);
-    if (!bytes.isNull())
-        QVERIFY(fx_WriteFile(path("bad.h264"), bytes));
-    QByteArray const expected = "error: bad.h264: " + cause.toUtf8() + '\n';
-    for (QStringList const& arguments :
-         {QStringList{"info", "bad.h264"}, QStringList{"verify", "bad.h264"},
-          QStringList{"export", "bad.h264", "--frames", "0", "--hash", "md5"}}) {
-        SxMinihostRun const refused = run(arguments);
-        QCOMPARE(refused.exitCode, 1);
-        QCOMPARE(refused.err, expected);
-        QCOMPARE(refused.out, QByteArray());
-    }
-    QCOMPARE(run({"info", "."}).err, QByteArray("error: .: this is a folder.\n"));
-}
-
 void tst_ExportCommand::wrongUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
     QStringList const frame0{"export", "in.h264", "--frames", "0"};
-    QTest::newRow("info of nothing") << QStringList{"info"} << "No recording is given.";
-    QTest::newRow("verify of two") << QStringList{"verify", "a", "b"}
-                                   << "One recording at a time: 'b' is one too many.";
-    QTest::newRow("unknown option") << QStringList{"info", "--fast", "a"} << "Unknown option 'fast'.";
     QTest::newRow("no frames") << QStringList{"export", "a", "-o", "a.png"}
                                << "No --frames are given; --frames all takes every frame.";
     QTest::newRow("wrong frames") << QStringList{"export", "a", "--frames", "x", "-o", "a.png"} << "not 'x'.";
@@ -795,62 +507,6 @@ void tst_ExportCommand::missingFrameIsNamed()
     QCOMPARE(refused.err,
              "error: " + m_recording.toUtf8() + ": frame 4711: the recording has 30 frames, 0 to 29.\n");
     QVERIFY(QDir(m_folder->path()).isEmpty());
-}
-
-void tst_ExportCommand::quietSaysNothing()
-{
-    for (QStringList const& arguments :
-         {QStringList{"verify", m_recording, "-q"},
-          QStringList{"export", m_recording, "--frames", "0", "-o", "f.png", "--quiet"}}) {
-        SxMinihostRun const quiet = run(arguments);
-        QCOMPARE(quiet.exitCode, 0);
-        QCOMPARE(quiet.out, QByteArray());
-        QCOMPARE(quiet.err, QByteArray());
-    }
-}
-
-void tst_ExportCommand::helpOfEveryCommand_data()
-{
-    QTest::addColumn<QString>("command");
-    for (char const* command : {"info", "export", "verify"})
-        QTest::newRow(command) << command;
-}
-
-void tst_ExportCommand::helpOfEveryCommand()
-{
-    QFETCH(QString, command);
-    SxMinihostRun const help = run({command, "--help"});
-    QCOMPARE(help.exitCode, 0);
-    QVERIFY(help.out.contains("Usage: minihost " + command.toUtf8() + ' '));
-    for (QByteArray const& line : help.out.split('\n'))
-        QVERIFY2(QString::fromUtf8(line).size() <= 100, line);
-    QVERIFY(run({"--help"}).out.contains("\n  " + command.toUtf8() + ' '));
-    QCOMPARE(run({"help", command}).out, help.out);
-}
-
-/// Memory of this process that is resident, in pages.
-static qint64 fx_ResidentPages() { return fx_FileBytes("/proc/self/statm").split(' ').value(1).toLongLong(); }
-
-void tst_ExportCommand::openingAThousandTimesLeavesMemoryFlat()
-{
-    CxPluginMessages const messages;
-    CxPluginHost host;
-    QString error;
-    QVERIFY2(host.load(PLUGIN_FILE, error), qPrintable(error));
-    qint64 after100 = 0;
-    for (int i = 0; i < 1000; ++i) {
-        CxRecordingReader recording;
-        QVERIFY2(recording.open(m_recording, error), qPrintable(error));
-        QCOMPARE(recording.frameCount(), kFrames);
-        QVERIFY2(recording.picture(i * 7 % kFrames, error), qPrintable(error));
-        QVERIFY2(recording.picture(i * 11 % kFrames, error), qPrintable(error));
-        if (i == 99)
-            after100 = fx_ResidentPages();
-    }
-    qint64 const after1000 = fx_ResidentPages();
-    QVERIFY(after100 > 0);
-    QVERIFY2(after1000 <= after100 * 11 / 10,
-             qPrintable(QStringLiteral("%1 pages, then %2").arg(after100).arg(after1000)));
 }
 
 QTEST_GUILESS_MAIN(tst_ExportCommand)

@@ -70,9 +70,3 @@ QByteArray fx_CodedPicture(AVCodecID codec, AVPixelFormat format, int width, int
         return QByteArray();
     return QByteArray(reinterpret_cast<char const*>(packet->data), packet->size);
 }
-
-bool fx_WriteFile(QString const& fileName, QByteArray const& bytes)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-}

@@ -8,6 +8,8 @@ extern "C" {
 #include <libavutil/pixfmt.h>
 }
 
+#include "support/FileBytes.h"
+
 /// Small picture and video files for tests, written where a test needs them.
 
 /// A binary PGM or PPM: \p components 1 or 3, \p highest up to 255 for bytes, above for big-endian words.
@@ -23,6 +25,3 @@ QByteArray fx_NoiseY4mFile(int width, int height, int count);
 /// file. \p samples holds the picture's planes without gaps. Empty when FFmpeg refuses.
 QByteArray fx_CodedPicture(AVCodecID codec, AVPixelFormat format, int width, int height,
                            QByteArray const& samples);
-
-/// Writes \p bytes to a new file; false when that fails.
-bool fx_WriteFile(QString const& fileName, QByteArray const& bytes);

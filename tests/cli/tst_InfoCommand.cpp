@@ -1,0 +1,107 @@
+#include <QJsonArray>
+#include <QtTest>
+
+#include "support/RecordedCamera.h"
+
+/// The info command as its user meets it: the built program, real recordings.
+class tst_InfoCommand : public QObject, private CxRecordedCamera
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { makeRecording(); }
+    void init() { makeFolder(); }
+
+    void infoTellsWhatIsThere();
+    void infoListsTheFrames();
+    void infoOfOneFrame();
+    void infoOfUndecodableRecording();
+};
+
+void tst_InfoCommand::infoTellsWhatIsThere()
+{
+    SxMinihostRun const text = run({"info", m_recording});
+    QCOMPARE(text.exitCode, 0);
+    QCOMPARE(text.err, QByteArray());
+    for (char const* part :
+         {"in.h264: H.264 baseline, level 5.2, 320 x 240\n", "  30 frames, 6 key frames, one every 5\n",
+          "  plays 1.0 s at 30 pictures a second (assumed)\n"})
+        QVERIFY2(text.out.contains(part), text.out);
+
+    QJsonObject const json = run({"info", "--json", m_recording}).json();
+    QCOMPARE(json.value("file").toString(), m_recording);
+    QCOMPARE(json.value("codec").toString(), QString("H.264"));
+    QCOMPARE(json.value("profile").toString(), QString("baseline"));
+    QCOMPARE(json.value("level").toString(), QString("5.2"));
+    QCOMPARE(json.value("width").toInt(), kWidth);
+    QCOMPARE(json.value("height").toInt(), kHeight);
+    QCOMPARE(json.value("frames").toInt(), kFrames);
+    QCOMPARE(json.value("keyFrames").toInt(), 6);
+    QCOMPARE(json.value("smallestKeyFrameSpacing").toInt(), 5);
+    QCOMPARE(json.value("largestKeyFrameSpacing").toInt(), 5);
+    QCOMPARE(json.value("fps").toDouble(), 30.0);
+    QCOMPARE(json.value("fpsIsAssumed").toBool(), true);
+    QCOMPARE(json.value("seconds").toDouble(), 1.0);
+    QCOMPARE(json.value("bytes").toInt(), m_bytes.size());
+    QCOMPARE(json.value("meanBitRate").toDouble(), static_cast<double>(m_bytes.size()) * 8.0);
+    QVERIFY(!json.contains("frameList"));
+}
+
+void tst_InfoCommand::infoListsTheFrames()
+{
+    QJsonObject const json = run({"info", "--json", "--frames", m_recording}).json();
+    QJsonArray const list = json.value("frameList").toArray();
+    QCOMPARE(list.size(), kFrames);
+    SxMinihostRun const text = run({"info", "--frames", m_recording});
+    QList<QByteArray> const lines = text.out.trimmed().split('\n').mid(6);
+    QCOMPARE(lines.size(), kFrames);
+
+    int end = 0, largest = 0, smallest = static_cast<int>(m_bytes.size());
+    for (int i = 0; i < kFrames; ++i) {
+        QJsonObject const frame = list[i].toObject();
+        int const offset = frame.value("offset").toInt(-1);
+        int const size = frame.value("size").toInt();
+        bool const isKey = frame.value("key").toBool();
+        QCOMPARE(frame.value("frame").toInt(-1), i);
+        QCOMPARE(offset, end); // back to back
+        QCOMPARE(isKey, i % 5 == 0);
+        QCOMPARE(m_bytes.mid(offset, 5), QByteArray::fromHex(isKey ? "0000000167" : "0000000161"));
+        QCOMPARE(lines[i].simplified(), QByteArray::number(i) + ' ' + QByteArray::number(offset) + ' ' +
+                                            QByteArray::number(size) + (isKey ? " key" : ""));
+        end = offset + size;
+        largest = std::max(largest, size);
+        smallest = std::min(smallest, size);
+    }
+    QCOMPARE(end, m_bytes.size());
+    QCOMPARE(json.value("largestFrame").toObject().value("size").toInt(), largest);
+    QCOMPARE(json.value("smallestFrame").toObject().value("size").toInt(), smallest);
+    QCOMPARE(list[json.value("smallestFrame").toObject().value("frame").toInt()].toObject(),
+             json.value("smallestFrame").toObject());
+}
+
+void tst_InfoCommand::infoOfOneFrame()
+{
+    QCOMPARE(run({"record", "camera:", "one.h264", "--size", "64x48", "--frames", "1", "--profile", "high",
+                  "--level", "3"})
+                 .exitCode,
+             0);
+    SxMinihostRun const text = run({"info", "one.h264"});
+    QVERIFY2(text.out.startsWith("one.h264: H.264 high, level 3, 64 x 48\n  1 frame, 1 key frame\n"),
+             text.out);
+    QJsonObject const json = run({"info", "one.h264", "--json"}).json();
+    QVERIFY(json.value("largestKeyFrameSpacing").isNull());
+    QCOMPARE(json.value("largestFrame").toObject(), json.value("smallestFrame").toObject());
+}
+
+void tst_InfoCommand::infoOfUndecodableRecording()
+{
+    QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(60)));
+    SxMinihostRun const text = run({"info", "cut.h264"});
+    QCOMPARE(text.exitCode, 0);
+    QVERIFY2(text.out.contains("picture size unknown") && text.out.contains("1 frame,"), text.out);
+    QVERIFY2(text.err.startsWith("warning: cut.h264: frame 0 cannot be decoded: "), text.err);
+    QVERIFY(run({"info", "cut.h264", "--json"}).json().value("width").isNull());
+}
+
+QTEST_GUILESS_MAIN(tst_InfoCommand)
+#include "tst_InfoCommand.moc"

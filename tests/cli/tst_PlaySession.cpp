@@ -1,0 +1,111 @@
+#include <QDir>
+#include <QtTest>
+
+#include "support/RecordedCamera.h"
+
+/// What info, export and verify have in common: how they open a recording and how they are asked.
+class tst_PlaySession : public QObject, private CxRecordedCamera
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { makeRecording(); }
+    void init() { makeFolder(); }
+
+    void unreadableRecordings_data();
+    void unreadableRecordings();
+    void wrongUsage_data();
+    void wrongUsage();
+    void quietSaysNothing();
+    void helpOfEveryCommand_data();
+    void helpOfEveryCommand();
+};
+
+void tst_PlaySession::unreadableRecordings_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("empty") << QByteArray("") << "the file is empty.";
+    QTest::newRow("text") << QByteArray("no video at all\n")
+                          << "this is no raw H.264 stream, since it does not begin with a start code.";
+    QTest::newRow("short") << QByteArray("\0\0\1", 3)
+                           << "this is no raw H.264 stream, since it does not begin with a start code.";
+    QTest::newRow("no SPS")
+        << QByteArray::fromHex("000000016188804000000001618880400000")
+        << "the picture size is unknown, since the stream holds no sequence parameter set.";
+    QTest::newRow("missing") << QByteArray() << "there is no such file.";
+}
+
+void tst_PlaySession::unreadableRecordings()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, cause);
+    if (!bytes.isNull())
+        QVERIFY(fx_WriteFile(path("bad.h264"), bytes));
+    QByteArray const expected = "error: bad.h264: " + cause.toUtf8() + '\n';
+    for (QStringList const& arguments :
+         {QStringList{"info", "bad.h264"}, QStringList{"verify", "bad.h264"},
+          QStringList{"export", "bad.h264", "--frames", "0", "--hash", "md5"}}) {
+        SxMinihostRun const refused = run(arguments);
+        QCOMPARE(refused.exitCode, 1);
+        QCOMPARE(refused.err, expected);
+        QCOMPARE(refused.out, QByteArray());
+    }
+    QCOMPARE(run({"info", "."}).err, QByteArray("error: .: this is a folder.\n"));
+}
+
+void tst_PlaySession::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("info of nothing") << QStringList{"info"} << "No recording is given.";
+    QTest::newRow("verify of two") << QStringList{"verify", "a", "b"}
+                                   << "One recording at a time: 'b' is one too many.";
+    QTest::newRow("unknown option") << QStringList{"info", "--fast", "a"} << "Unknown option 'fast'.";
+}
+
+void tst_PlaySession::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, sentence);
+    SxMinihostRun const refused = fx_RunMinihost(arguments, QByteArray(), m_shared.path());
+    QCOMPARE(refused.exitCode, 2);
+    QVERIFY2(refused.err.contains(sentence.toUtf8()), refused.err);
+    QVERIFY2(refused.err.contains("See minihost " + arguments.first().toUtf8() + " --help."), refused.err);
+    QCOMPARE(refused.err.count('\n'), 1);
+    QCOMPARE(QDir(m_shared.path()).entryList(QDir::Files), QStringList{"in.h264"});
+}
+
+void tst_PlaySession::quietSaysNothing()
+{
+    for (QStringList const& arguments :
+         {QStringList{"verify", m_recording, "-q"},
+          QStringList{"export", m_recording, "--frames", "0", "-o", "f.png", "--quiet"}}) {
+        SxMinihostRun const quiet = run(arguments);
+        QCOMPARE(quiet.exitCode, 0);
+        QCOMPARE(quiet.out, QByteArray());
+        QCOMPARE(quiet.err, QByteArray());
+    }
+}
+
+void tst_PlaySession::helpOfEveryCommand_data()
+{
+    QTest::addColumn<QString>("command");
+    for (char const* command : {"info", "export", "verify"})
+        QTest::newRow(command) << command;
+}
+
+void tst_PlaySession::helpOfEveryCommand()
+{
+    QFETCH(QString, command);
+    SxMinihostRun const help = run({command, "--help"});
+    QCOMPARE(help.exitCode, 0);
+    QVERIFY(help.out.contains("Usage: minihost " + command.toUtf8() + ' '));
+    for (QByteArray const& line : help.out.split('\n'))
+        QVERIFY2(QString::fromUtf8(line).size() <= 100, line);
+    QVERIFY(run({"--help"}).out.contains("\n  " + command.toUtf8() + ' '));
+    QCOMPARE(run({"help", command}).out, help.out);
+}
+
+QTEST_GUILESS_MAIN(tst_PlaySession)
+#include "tst_PlaySession.moc"

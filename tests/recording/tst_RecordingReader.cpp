@@ -1,0 +1,61 @@
+#include <QtTest>
+
+#include "PluginHost.h"
+#include "PluginMessages.h"
+#include "RecordingReader.h"
+#include "support/RecordedCamera.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define TARN_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TARN_ADDRESS_SANITIZER
+#endif
+#endif
+#ifdef TARN_ADDRESS_SANITIZER
+// Freed memory that the sanitizer keeps would look like a leak where memory has to stay flat.
+extern "C" char const* __asan_default_options()
+{
+    return "quarantine_size_mb=0:thread_local_quarantine_size_kb=0";
+}
+#endif
+
+/// Recordings read in this process, through the plug-in.
+class tst_RecordingReader : public QObject, private CxRecordedCamera
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { makeRecording(); }
+    void init() { makeFolder(); }
+
+    void openingAThousandTimesLeavesMemoryFlat();
+};
+
+/// Memory of this process that is resident, in pages.
+static qint64 fx_ResidentPages() { return fx_FileBytes("/proc/self/statm").split(' ').value(1).toLongLong(); }
+
+void tst_RecordingReader::openingAThousandTimesLeavesMemoryFlat()
+{
+    CxPluginMessages const messages;
+    CxPluginHost host;
+    QString error;
+    QVERIFY2(host.load(PLUGIN_FILE, error), qPrintable(error));
+    qint64 after100 = 0;
+    for (int i = 0; i < 1000; ++i) {
+        CxRecordingReader recording;
+        QVERIFY2(recording.open(m_recording, error), qPrintable(error));
+        QCOMPARE(recording.frameCount(), kFrames);
+        QVERIFY2(recording.picture(i * 7 % kFrames, error), qPrintable(error));
+        QVERIFY2(recording.picture(i * 11 % kFrames, error), qPrintable(error));
+        if (i == 99)
+            after100 = fx_ResidentPages();
+    }
+    qint64 const after1000 = fx_ResidentPages();
+    QVERIFY(after100 > 0);
+    QVERIFY2(after1000 <= after100 * 11 / 10,
+             qPrintable(QStringLiteral("%1 pages, then %2").arg(after100).arg(after1000)));
+}
+
+QTEST_GUILESS_MAIN(tst_RecordingReader)
+#include "tst_RecordingReader.moc"
