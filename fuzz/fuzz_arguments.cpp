@@ -4,8 +4,8 @@
 #include <QStringList>
 #include <cstdint>
 
-#include "ExportArguments.h"
 #include "Expect.h"
+#include "ExportArguments.h"
 #include "FrameSelection.h"
 #include "FuzzInput.h"
 #include "NumberedFileName.h"
@@ -47,7 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     CxFuzzInput input(data, size);
     std::uint8_t const kind = input.byte() % 4;
     int const number = 1 + static_cast<int>(input.below(kMostFrames));
-    QString const text = QString::fromUtf8(reinterpret_cast<char const*>(input.data()), static_cast<int>(input.left()));
+    QString const text =
+        QString::fromUtf8(reinterpret_cast<char const*>(input.data()), static_cast<int>(input.left()));
     QStringList const line = QStringList(QStringLiteral("minihost")) + text.split(QLatin1Char('\n'));
     QString error;
     SxRecordArguments record;

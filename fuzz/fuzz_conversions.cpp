@@ -95,7 +95,8 @@ static void fx_ToIYUV(CxFuzzInput& input)
     source.setPicFormat(fx_Format(input));
     quint64 const bytes = quint64(source.pitch) * source.height;
     quint64 const capacity = fx_Capacity(input, source);
-    if (bytes > kMostBytes || capacity > kMostBytes || quint64(source.width) * source.height > kMostPixels * 64)
+    if (bytes > kMostBytes || capacity > kMostBytes ||
+        quint64(source.width) * source.height > kMostPixels * 64)
         return;
     FxConverter const convert = fx_Converter(input.byte() % 32);
     bool const hasPixels = input.byte() != 1;
@@ -150,7 +151,8 @@ static void fx_ToRGB32(CxFuzzInput& input)
             quint64 const chroma = qMin<quint64>(quint64(row / 2) * uvStride + x / 2, u.size() - 1);
             std::uint8_t expected[4];
             fx_OracleToRGB32(y[quint64(row) * yStride + x], u[chroma], v[chroma], expected);
-            TARN_EXPECT(std::equal(expected, expected + 4, target.data + quint64(row) * target.pitch + x * 4));
+            TARN_EXPECT(
+                std::equal(expected, expected + 4, target.data + quint64(row) * target.pitch + x * 4));
         }
     }
 }
