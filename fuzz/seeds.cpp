@@ -54,23 +54,44 @@ static void fx_WriteStreams()
         // Pictures of the caller's and back and forth; an accessor that lies now and then.
         QByteArray const choices = QByteArray::fromHex("0004040404050706030005000202060105040300");
         fx_Write(QStringLiteral("decoder"), name + QStringLiteral("-lies"),
-                 fx_Part(choices) + fx_Part(QByteArray(40, '\0') + QByteArray::fromHex("03020001000400050006")) +
-                     stream);
+                 fx_Part(choices) +
+                     fx_Part(QByteArray(40, '\0') + QByteArray::fromHex("03020001000400050006")) + stream);
         fx_Write(QStringLiteral("loader"), name, none + stream);
         // Opened, played, cut, appended to, closed and opened again.
-        QByteArray const session = QByteArray::fromHex(
-            "02000c000c010c030500ff0f06010700400c000c0108000400000001090020ff0c010100000003000c020a0101000a000200");
+        QByteArray const session = QByteArray::fromHex("02000c000c010c030500ff0f06010700400c000c0108000400000"
+                                                       "001090020ff0c010100000003000c020a0101000a000200");
         fx_Write(QStringLiteral("loader"), name + QStringLiteral("-session"), fx_Part(session) + stream);
     }
+}
+
+/// Streams whose size changes: from one key frame to the next, and by a set of another stream.
+static void fx_WriteSizeChanges()
+{
+    SxCodedStream const small = fx_CodeStream(6, 48, 32, {{"h264_keyframerate", 3}});
+    SxCodedStream const large = fx_CodeStream(6, 96, 64, {{"h264_keyframerate", 3}});
+    QByteArray const& key = large.frames.first();
+    QByteArray const startCode = QByteArray::fromHex("00000001");
+    QByteArray const set = key.left(key.indexOf(startCode, 4)); // without its picture
+    QByteArray const none(2, '\0');
+    fx_Write(QStringLiteral("decoder"), QStringLiteral("sizes"), none + small.bytes() + large.bytes());
+    fx_Write(QStringLiteral("decoder"), QStringLiteral("sizes-back"), none + large.bytes() + small.bytes());
+    fx_Write(QStringLiteral("decoder"), QStringLiteral("set-alone"),
+             none + small.frames.at(0) + set + small.frames.at(1) + small.frames.at(2) + large.frames.at(1) +
+                 small.frames.at(4));
+    fx_Write(QStringLiteral("loader"), QStringLiteral("sizes"), none.left(1) + small.bytes() + large.bytes());
 }
 
 static void fx_WriteRecords()
 {
     for (char packing = 0; packing < 6; ++packing) {
-        QByteArray const odd = QByteArray::fromHex("01") + packing + QByteArray::fromHex("072107130700050505070707");
-        QByteArray const even = QByteArray::fromHex("01") + packing + QByteArray::fromHex("072007100700050505070707");
-        fx_Write(QStringLiteral("conversions"), QStringLiteral("odd%1").arg(int(packing)), odd + QByteArray(60, '\x5C'));
-        fx_Write(QStringLiteral("conversions"), QStringLiteral("even%1").arg(int(packing)), even + QByteArray(60, '\x5C'));
+        QByteArray const odd =
+            QByteArray::fromHex("01") + packing + QByteArray::fromHex("072107130700050505070707");
+        QByteArray const even =
+            QByteArray::fromHex("01") + packing + QByteArray::fromHex("072007100700050505070707");
+        fx_Write(QStringLiteral("conversions"), QStringLiteral("odd%1").arg(int(packing)),
+                 odd + QByteArray(60, '\x5C'));
+        fx_Write(QStringLiteral("conversions"), QStringLiteral("even%1").arg(int(packing)),
+                 even + QByteArray(60, '\x5C'));
     }
     fx_Write(QStringLiteral("conversions"), QStringLiteral("rgb32"),
              QByteArray::fromHex("0000231103020100") + QByteArray(90, '\xB7'));
@@ -97,7 +118,9 @@ static void fx_WriteLines()
     };
     write("frames", 0, "0,10-20,20-10,10-,0-300:30,key,all");
     write("name", 1, "frame_%05d of 100%%.png");
-    write("record", 2, "--quality\n8\n--keyframe-rate=5\n--level\n3.1\n--profile\nhigh\n--size\n64x48\n--frames\n9\ncamera:\nout.h264");
+    write("record", 2,
+          "--quality\n8\n--keyframe-rate=5\n--level\n3.1\n--profile\nhigh\n--size\n64x48\n--"
+          "frames\n9\ncamera:\nout.h264");
     write("record-files", 2, "--bits\n12\n--input-option\nvideo_size=64x48\n--json\na.png\n-\nout.h264");
     write("export", 3, "in.h264\n--frames\n0-9:3\n-o\nframe_%05d.png\n--overwrite");
     write("export-sheet", 3, "in.h264\n--frames=all\n--sheet\n4\n--output\nsheet.png");
@@ -114,6 +137,7 @@ int main(int argc, char** argv)
     s_folder = QDir(QString::fromLocal8Bit(argv[1]));
     fx_WriteSets();
     fx_WriteStreams();
+    fx_WriteSizeChanges();
     fx_WriteRecords();
     fx_WriteLines();
     if (!s_isWritten)
