@@ -2,7 +2,9 @@
 
 #include <QActionGroup>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "Actions.h"
 #include "GoToDialog.h"
@@ -83,8 +85,34 @@ void CxPlayControl::askForNumber()
 void CxPlayControl::takeOpened(SxOpenedRecording const& info)
 {
     m_broken.clear();
+    m_isAnyShown = false;
     m_transport.setRecording(info);
     emit opened(info);
+}
+
+/// Why the plug-in took what lies in the file for no recording.
+static QString fx_WhyNoRecording(QString const& fileName)
+{
+    QString const name = QFileInfo(fileName).fileName();
+    QFile file(fileName);
+    QByteArray const start = file.open(QIODevice::ReadOnly) ? file.read(6) : QByteArray();
+    if (file.error() != QFileDevice::NoError)
+        return CxPlayControl::tr("“%1” cannot be read: %2.").arg(name, file.errorString());
+    auto const code = start.indexOf(QByteArray("\0\0\1", 3));
+    if (code < 0 || code > 1)
+        return CxPlayControl::tr(
+                   "“%1” is not an H.264 recording. If it is a video of another kind, open it with "
+                   "“Open Video, Stream or Device”.")
+            .arg(name);
+    // nal_unit_type 32 of ITU-T H.265, a video parameter set; nothing that H.264 begins with looks like it.
+    if (start.size() > code + 4 && start[code + 3] == '\x40' && start[code + 4] == '\x01')
+        return CxPlayControl::tr(
+                   "“%1” is not damaged, but H.265 video. Open it with “Open Video, Stream or Device”.")
+            .arg(name);
+    return CxPlayControl::tr(
+               "The beginning of “%1” is missing or damaged: the sequence parameter set there, which "
+               "holds the size of the pictures, cannot be used.")
+        .arg(name);
 }
 
 /// Why a file did not open, as far as the file itself tells.
@@ -100,7 +128,7 @@ static QString fx_WhyNotOpened(QString const& fileName)
         return CxPlayControl::tr("You are not allowed to read “%1”.").arg(name);
     if (info.size() == 0)
         return CxPlayControl::tr("“%1” is empty.").arg(name);
-    return CxPlayControl::tr("“%1” is not an H.264 recording, or its beginning is damaged.").arg(name);
+    return fx_WhyNoRecording(fileName);
 }
 
 void CxPlayControl::takeOpenFailure(QString const& fileName, QString const& error)
@@ -111,6 +139,7 @@ void CxPlayControl::takeOpenFailure(QString const& fileName, QString const& erro
 
 void CxPlayControl::takePicture(SxShownPicture const& picture)
 {
+    m_isAnyShown = true;
     m_view.setPicture(picture);
     m_transport.showNumber(picture.number);
     bool const isOver = !m_isMessageOfPlaying || !m_player.isPlaying();
@@ -121,12 +150,27 @@ void CxPlayControl::takePicture(SxShownPicture const& picture)
     }
 }
 
+/// Behind a broken picture the others of its group may be broken, too.
+QString CxPlayControl::whereToGoOn(int number) const
+{
+    QList<int> const& keys = m_player.info().keyFrames;
+    auto const next = std::upper_bound(keys.begin(), keys.end(), number);
+    return next == keys.end()
+               ? tr("Pictures before it may still be fine.")
+               : tr("Pictures may be fine again from the next key frame on, picture %1.").arg(*next);
+}
+
 /// Says what is wrong with the picture; while playing only for the first, since others soon follow.
 void CxPlayControl::takePictureFailure(int number, QString const& error)
 {
     bool const isFirst = m_broken.isEmpty();
     m_broken.insert(number);
-    QString const text = tr("Picture %1 cannot be shown: the recording is damaged there.").arg(number);
+    QString const text =
+        (m_isAnyShown
+             ? tr("Picture %1 cannot be shown: the recording is damaged there.")
+             : tr("Picture %1 cannot be shown: the recording is damaged there, or of a kind that the "
+                  "decoder does not support."))
+            .arg(number);
     m_view.setNotice(text);
     m_transport.showNumber(number);
     m_transport.timeline()->markBroken(number);
@@ -135,7 +179,7 @@ void CxPlayControl::takePictureFailure(int number, QString const& error)
         m_pictureMessage =
             text + QLatin1Char(' ') +
             (m_isMessageOfPlaying ? tr("Playing goes on; the timeline marks broken pictures red.")
-                                  : tr("Other pictures may still be fine."));
+                                  : whereToGoOn(number));
         m_messages.showMessage(CxMessageBar::Kind::Warning, m_pictureMessage, {error});
     }
     emit brokenFound(static_cast<int>(m_broken.size()));

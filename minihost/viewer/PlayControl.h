@@ -41,6 +41,7 @@ private:
     void askForNumber();
     void takeOpened(SxOpenedRecording const& info);
     void takeOpenFailure(QString const& fileName, QString const& error);
+    QString whereToGoOn(int number) const;
     void takePicture(SxShownPicture const& picture);
     void takePictureFailure(int number, QString const& error);
 
@@ -52,6 +53,7 @@ private:
     CxPlayer m_player;
     bool m_resumesAfterDrag = false;
     QSet<int> m_broken;                ///< numbers of the pictures found broken
+    bool m_isAnyShown = false;         ///< of this recording, so that its kind is one that can be
     QString m_pictureMessage;          ///< in the bar, about a broken picture
     bool m_isMessageOfPlaying = false; ///< it came up on the way, to be read while playing goes on
 };

@@ -205,9 +205,12 @@ void tst_PlayControl::saysWhyFileDoesNotOpen_data()
     QTest::addColumn<QString>("words");
     QTest::newRow("missing") << QByteArray() << "does not exist";
     QTest::newRow("empty") << QByteArray("") << "is empty";
-    QTest::newRow("text") << QByteArray("This is no video at all.") << "is not an H.264 recording";
-    QTest::newRow("without parameters")
-        << QByteArray("\0\0\0\1\x61\x9a\x00\x11\x22\x33\x44\x55", 12) << "is not an H.264 recording";
+    QTest::newRow("text") << QByteArray("This is no video at all.") << "If it is a video of another kind";
+    QTest::newRow("H.265") << QByteArray("\0\0\0\1\x40\x01\x0c\x01\xff\xff", 10)
+                           << "is not damaged, but H.265";
+    QTest::newRow("H.265, short start code") << QByteArray("\0\0\1\x40\x01\x0c\x01\xff\xff", 9) << "H.265";
+    QTest::newRow("without parameters") << QByteArray("\0\0\0\1\x61\x9a\x00\x11\x22\x33\x44\x55", 12)
+                                        << "The beginning of “bad.h264” is missing";
 }
 
 void tst_PlayControl::saysWhyFileDoesNotOpen()
@@ -263,6 +266,9 @@ void tst_PlayControl::damagedPictureIsNamedAndNotShown()
     QVERIFY(broken > 0);
     QVERIFY2(viewer.bar->text().contains(QStringLiteral("Picture %1 cannot be shown").arg(broken)),
              qPrintable(viewer.bar->text()));
+    QVERIFY2(
+        viewer.bar->text().endsWith(QStringLiteral("key frame on, picture %1.").arg((broken / 5 + 1) * 5)),
+        qPrintable(viewer.bar->text()));
     QVERIFY(!viewer.bar->details().isEmpty());
     QVERIFY(viewer.view->picture().image.isNull()); // no picture under a number that is not its own
     QCOMPARE(viewer.text("number"), QStringLiteral("Picture %1 of 0–39").arg(broken));

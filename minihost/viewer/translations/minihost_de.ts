@@ -319,20 +319,40 @@
         <translation>„%1“ ist leer.</translation>
     </message>
     <message>
-        <source>“%1” is not an H.264 recording, or its beginning is damaged.</source>
-        <translation>„%1“ ist keine H.264-Aufnahme, oder ihr Anfang ist beschädigt.</translation>
-    </message>
-    <message>
         <source>Picture %1 cannot be shown: the recording is damaged there.</source>
         <translation>Bild %1 lässt sich nicht zeigen: Die Aufnahme ist dort beschädigt.</translation>
     </message>
     <message>
-        <source>Other pictures may still be fine.</source>
-        <translation>Andere Bilder können noch in Ordnung sein.</translation>
-    </message>
-    <message>
         <source>Playing goes on; the timeline marks broken pictures red.</source>
         <translation>Die Wiedergabe läuft weiter; die Zeitleiste zeigt kaputte Bilder rot.</translation>
+    </message>
+    <message>
+        <source>“%1” cannot be read: %2.</source>
+        <translation>„%1“ lässt sich nicht lesen: %2.</translation>
+    </message>
+    <message>
+        <source>“%1” is not an H.264 recording. If it is a video of another kind, open it with “Open Video, Stream or Device”.</source>
+        <translation>„%1“ ist keine H.264-Aufnahme. Wenn es ein anderes Video ist: mit „Video, Stream oder Gerät öffnen“ öffnen.</translation>
+    </message>
+    <message>
+        <source>“%1” is not damaged, but H.265 video. Open it with “Open Video, Stream or Device”.</source>
+        <translation>„%1“ ist nicht beschädigt, sondern H.265-Video. Mit „Video, Stream oder Gerät öffnen“ öffnen.</translation>
+    </message>
+    <message>
+        <source>The beginning of “%1” is missing or damaged: the sequence parameter set there, which holds the size of the pictures, cannot be used.</source>
+        <translation>Der Anfang von „%1“ fehlt oder ist beschädigt: Der Parametersatz dort, der die Größe der Bilder enthält, ist nicht zu gebrauchen.</translation>
+    </message>
+    <message>
+        <source>Pictures before it may still be fine.</source>
+        <translation>Bilder davor können noch in Ordnung sein.</translation>
+    </message>
+    <message>
+        <source>Pictures may be fine again from the next key frame on, picture %1.</source>
+        <translation>Ab dem nächsten Schlüsselbild, Bild %1, können Bilder wieder in Ordnung sein.</translation>
+    </message>
+    <message>
+        <source>Picture %1 cannot be shown: the recording is damaged there, or of a kind that the decoder does not support.</source>
+        <translation>Bild %1 lässt sich nicht zeigen: Die Aufnahme ist dort beschädigt oder von einer Art, die der Decoder nicht unterstützt.</translation>
     </message>
 </context>
 <context>
