@@ -65,7 +65,8 @@ static QPixmap fx_RenderMessage(CxMainWindow& window, QString const& recording)
     auto* const bar = window.findChild<CxMessageBar*>();
     window.player().seek(window.player().info().count / 2 - 4);
     window.player().setPlaying(true);
-    if (!QTest::qWaitFor([&] { return !bar->text().isEmpty(); }, 20000))
+    // Played past the damage to the end, so that the timeline shows where it lies.
+    if (!QTest::qWaitFor([&] { return !bar->text().isEmpty() && !window.player().isPlaying(); }, 20000))
         return {};
     bar->findChild<QPushButton*>(QStringLiteral("messageDetails"))->click();
     QTest::qWait(100);
