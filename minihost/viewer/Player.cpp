@@ -42,9 +42,9 @@ void CxPlayer::takeOpened(SxOpenedRecording const& info)
     seek(0);
 }
 
-void CxPlayer::takeOpenFailure(QString const& fileName, QStringList const& messages)
+void CxPlayer::takeOpenFailure(QString const& fileName, QString const& error)
 {
-    emit openFailed(fileName, messages);
+    emit openFailed(fileName, error);
     if (m_wanted != m_reached)
         seek(m_wanted); // the reader has dropped that for the new file
 }

@@ -57,7 +57,7 @@ private:
         QString error;          ///< why it is
     };
 
-    void takeOpenFailure(QString const& fileName, QStringList const& messages);
+    void takeOpenFailure(QString const& fileName, QString const& error);
     void takePicture(int ticket, SxShownPicture const& picture);
     void takeFailure(int ticket, int number, QString const& error);
     void take(int ticket, SxAnswer const& answer);

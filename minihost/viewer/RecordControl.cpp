@@ -54,9 +54,9 @@ void CxRecordControl::start(SxRecordChoice const& choice)
         m_live.record(m_job.get());
     } else {
         m_bar.begin(choice.request, choice.last - choice.first + 1);
-        auto source = std::make_unique<CxRecordingSource>(std::make_unique<CxRecordingReader>(),
-                                                          m_play.player().info().fileName, choice.first,
-                                                          choice.last);
+        auto source =
+            std::make_unique<CxRecordingSource>(std::make_unique<CxRecordingReader>(),
+                                                m_play.player().info().fileName, choice.first, choice.last);
         if (choice.leavesOutBroken)
             source->leaveOutBroken();
         m_job->start(std::move(source));

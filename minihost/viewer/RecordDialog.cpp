@@ -192,7 +192,8 @@ void CxRecordDialog::tellSize()
     if (encoder && m_pictures.width > 0) {
         SxPicBufInfo saved;
         encoder->queryOuputFormat(m_pictures, saved);
-        text = CxRecordTexts::shrunk(m_pictures, saved.width, saved.height, fx_EncoderOptions(options).level);
+        text = CxRecordTexts::shrunk(m_pictures, saved.width, saved.height,
+                                     SxEncoderOptions::fromMap(options).level);
     }
     m_size->setText(text);
     m_size->setVisible(!text.isEmpty());

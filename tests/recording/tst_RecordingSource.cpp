@@ -60,7 +60,8 @@ void tst_RecordingSource::endsAtBrokenPicture()
 void tst_RecordingSource::leavesOutBrokenPictures()
 {
     SxLoaderLog log;
-    CxRecordingSource source(std::make_unique<CxFakeLoader>(log), QStringLiteral("name"), 12, 15);
+    CxRecordingSource source(std::make_unique<CxRecordingReader>(std::make_unique<CxFakeLoader>(log)),
+                             m_recording, 12, 15);
     source.leaveOutBroken();
     CxOwnedPicture picture;
     for (int const number : {12, 14, 15}) {

@@ -10,8 +10,8 @@ constexpr int kWidth = 320;
 constexpr int kHeight = 240;
 constexpr int kFrames = 30;
 
-/// A recording of the test camera, made by the built minihost, and for each test function a folder of its own in
-/// which it runs commands.
+/// A recording of the test camera, made by the built minihost, and for each test function a folder of its own
+/// in which it runs commands.
 class CxRecordedCamera
 {
 protected:
