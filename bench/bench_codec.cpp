@@ -169,6 +169,7 @@ public:
         SxFrameRange const& range = recording.frames[frame];
         uchar const* const data = reinterpret_cast<uchar const*>(recording.stream.constData()) + range.offset;
         for (size_t start = 0; start < range.size;) {
+            // From its third byte on a start code is none any more.
             size_t const end = fx_FindStartCode(data, range.size, start + 2);
             if (!call(data + start, static_cast<int>(end - start)))
                 call(nullptr, 0);

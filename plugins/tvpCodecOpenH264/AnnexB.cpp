@@ -4,8 +4,7 @@
 
 #include "StartCodeSearch.h"
 
-/// Bytes of the start code at \p at, 3 or 4; 0 when there is none or it does not end within \p size.
-static size_t fx_StartCodeLength(uchar const* data, size_t size, size_t at)
+size_t fx_StartCodeLength(uchar const* data, size_t size, size_t at)
 {
     if (size - at < 3 || data[at] != 0 || data[at + 1] != 0)
         return 0;

@@ -10,6 +10,10 @@
 /// lies within \p size bytes as a whole; \p size when there is none.
 size_t fx_FindStartCode(uchar const* data, size_t size, size_t from);
 
+/// Bytes of the start code at \p at, 3 or 4; 0 when there is none that lies within \p size bytes as a whole.
+/// \param at  at most \p size
+size_t fx_StartCodeLength(uchar const* data, size_t size, size_t at);
+
 /// Whether the bytes begin with a start code and hold at least four bytes.
 bool fx_BeginsWithStartCode(uchar const* data, size_t size);
 

@@ -93,9 +93,9 @@ static void fx_ReportCode(int code)
 }
 
 /// Whether a unit, start code included, is a slice of a coded picture (nal_unit_type 1 to 5).
-static bool fx_IsSlice(uchar const* unit, int size)
+static bool fx_IsSlice(uchar const* unit, size_t size)
 {
-    int const header = unit[2] == 1 ? 3 : 4;
+    size_t const header = fx_StartCodeLength(unit, size, 0);
     int const nal_unit_type = header < size ? unit[header] & 0x1F : 0;
     return nal_unit_type >= 1 && nal_unit_type <= 5;
 }
@@ -128,7 +128,7 @@ bool CxOpenH264Decoder::feedUnit(uchar const* unit, int size, SxPlanes& planes)
         fx_ReportCode(code);
         return false;
     }
-    return planes.isReady() || !fx_IsSlice(unit, size) || takeHeldPicture(planes);
+    return planes.isReady() || !fx_IsSlice(unit, static_cast<size_t>(size)) || takeHeldPicture(planes);
 }
 
 /// Feeds a coded frame unit by unit until a picture is ready. False when none came.

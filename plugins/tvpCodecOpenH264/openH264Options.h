@@ -13,7 +13,9 @@ struct SxEncoderOptions
     bool showAdvanced = false;          ///< for the panel only
 };
 
-// Their keys, by which the host keeps them.
+// Their keys, by which the host keeps them. A host that sets options without our panel has its own copies of
+// keys and defaults, as the stand-in has in EncoderOptions: plug-in and host share no file but those in
+// host/.
 constexpr char kQualityKey[] = "h264_quality";
 constexpr char kKeyFrameRateKey[] = "h264_keyframerate";
 constexpr char kComplexityKey[] = "h264_complexity";
