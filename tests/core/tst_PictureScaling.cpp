@@ -117,25 +117,25 @@ class tst_PictureScaling : public QObject
     Q_OBJECT
 
 private slots:
-    void constants_data() { addPairs(); }
-    void constants();
-    void greyLevels_data() { addPairs(); }
-    void greyLevels();
-    void gradients_data() { addPairs(); }
-    void gradients();
-    void sameSize_data() { addPairs(); }
-    void sameSize();
-    void sizes_data();
-    void sizes();
+    void constantPictureStaysConstant_data() { addPairs(); }
+    void constantPictureStaysConstant();
+    void everyGreyLevelStaysItself_data() { addPairs(); }
+    void everyGreyLevelStaysItself();
+    void gradientsStaySmooth_data() { addPairs(); }
+    void gradientsStaySmooth();
+    void sameSizeCopies_data() { addPairs(); }
+    void sameSizeCopies();
+    void everySizeIsFilled_data();
+    void everySizeIsFilled();
     void shrinkingAverages();
     void whiteOfEveryDepth();
     void overshootEndsAtWhite();
     void insignificantBitsDoNotCount();
     void timestampGoesAlong();
     void sameBytesEveryTime();
-    void refused_data();
-    void refused();
-    void allocatedPictures();
+    void unusablePictureIsRefused_data();
+    void unusablePictureIsRefused();
+    void picturesOfTheHostAreScaled();
 
 private:
     static void addPairs();
@@ -170,7 +170,7 @@ static bool fx_IsNear(CxGuardedPicture& guarded, double tolerance, quint32 margi
     return guarded.areGuardsWhole();
 }
 
-void tst_PictureScaling::constants()
+void tst_PictureScaling::constantPictureStaysConstant()
 {
     QFETCH(int, from);
     QFETCH(int, to);
@@ -190,7 +190,7 @@ void tst_PictureScaling::constants()
     }
 }
 
-void tst_PictureScaling::greyLevels()
+void tst_PictureScaling::everyGreyLevelStaysItself()
 {
     QFETCH(int, from);
     QFETCH(int, to);
@@ -229,7 +229,7 @@ static void fx_FillSlopes(CxGuardedPicture& guarded)
     });
 }
 
-void tst_PictureScaling::gradients()
+void tst_PictureScaling::gradientsStaySmooth()
 {
     QFETCH(int, from);
     QFETCH(int, to);
@@ -250,7 +250,7 @@ void tst_PictureScaling::gradients()
     }
 }
 
-void tst_PictureScaling::sameSize()
+void tst_PictureScaling::sameSizeCopies()
 {
     QFETCH(int, from);
     QFETCH(int, to);
@@ -267,7 +267,7 @@ void tst_PictureScaling::sameSize()
     }));
 }
 
-void tst_PictureScaling::sizes_data()
+void tst_PictureScaling::everySizeIsFilled_data()
 {
     QTest::addColumn<QSize>("from");
     QTest::addColumn<QSize>("to");
@@ -285,7 +285,7 @@ void tst_PictureScaling::sizes_data()
     QTest::newRow("from high to wide") << QSize(2, 20001) << QSize(20001, 2);
 }
 
-void tst_PictureScaling::sizes()
+void tst_PictureScaling::everySizeIsFilled()
 {
     QFETCH(QSize, from);
     QFETCH(QSize, to);
@@ -406,7 +406,7 @@ void tst_PictureScaling::sameBytesEveryTime()
     }));
 }
 
-void tst_PictureScaling::refused_data()
+void tst_PictureScaling::unusablePictureIsRefused_data()
 {
     QTest::addColumn<QByteArray>("what");
     for (char const* what :
@@ -443,7 +443,7 @@ static void fx_Spoil(SxPicBuf& picture, QByteArray const& what)
         picture.allocatedSize = quint64(picture.pitch) * picture.height - 1;
 }
 
-void tst_PictureScaling::refused()
+void tst_PictureScaling::unusablePictureIsRefused()
 {
     QFETCH(QByteArray, what);
     for (bool isSource : {true, false}) {
@@ -456,7 +456,7 @@ void tst_PictureScaling::refused()
     }
 }
 
-void tst_PictureScaling::allocatedPictures()
+void tst_PictureScaling::picturesOfTheHostAreScaled()
 {
     SxPicBufInfo format;
     format.width = 64;

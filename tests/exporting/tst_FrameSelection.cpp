@@ -8,15 +8,15 @@ class tst_FrameSelection : public QObject
     Q_OBJECT
 
 private slots:
-    void frames_data();
-    void frames();
-    void wrongSpec_data();
-    void wrongSpec();
-    void missingFrame_data();
-    void missingFrame();
+    void framesAreThoseAskedForInTheirOrder_data();
+    void framesAreThoseAskedForInTheirOrder();
+    void wrongSelectionIsNamed_data();
+    void wrongSelectionIsNamed();
+    void missingFrameIsNamed_data();
+    void missingFrameIsNamed();
 };
 
-void tst_FrameSelection::frames_data()
+void tst_FrameSelection::framesAreThoseAskedForInTheirOrder_data()
 {
     QTest::addColumn<QString>("spec");
     QTest::addColumn<QVector<int>>("expected");
@@ -43,7 +43,7 @@ void tst_FrameSelection::frames_data()
     QTest::newRow("largest step") << "0-11:999999999999" << QVector<int>{0};
 }
 
-void tst_FrameSelection::frames()
+void tst_FrameSelection::framesAreThoseAskedForInTheirOrder()
 {
     QFETCH(QString, spec);
     QFETCH(QVector<int>, expected);
@@ -56,7 +56,7 @@ void tst_FrameSelection::frames()
     QCOMPARE(error, QString());
 }
 
-void tst_FrameSelection::wrongSpec_data()
+void tst_FrameSelection::wrongSelectionIsNamed_data()
 {
     QTest::addColumn<QString>("spec");
     QTest::addColumn<QString>("named"); // what the sentence quotes
@@ -72,7 +72,7 @@ void tst_FrameSelection::wrongSpec_data()
                                         << "two";
 }
 
-void tst_FrameSelection::wrongSpec()
+void tst_FrameSelection::wrongSelectionIsNamed()
 {
     QFETCH(QString, spec);
     QFETCH(QString, named);
@@ -82,7 +82,7 @@ void tst_FrameSelection::wrongSpec()
              qPrintable(error));
 }
 
-void tst_FrameSelection::missingFrame_data()
+void tst_FrameSelection::missingFrameIsNamed_data()
 {
     QTest::addColumn<QString>("spec");
     QTest::addColumn<int>("count");
@@ -101,7 +101,7 @@ void tst_FrameSelection::missingFrame_data()
     QTest::newRow("of one") << "1" << 1 << "frame 1: the recording has one frame, number 0.";
 }
 
-void tst_FrameSelection::missingFrame()
+void tst_FrameSelection::missingFrameIsNamed()
 {
     QFETCH(QString, spec);
     QFETCH(int, count);

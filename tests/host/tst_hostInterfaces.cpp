@@ -292,22 +292,22 @@ class tst_hostInterfaces : public QObject
 
 private slots:
     void init() { s_calls.clear(); }
-    void formatRecord();
+    void formatRecordHasItsLayout();
     void pictureIsItsFormat();
     void setPicFormatCopiesTheFormatOnly();
     void fourCCReadsH264();
-    void pluginSlots();
-    void loaderSlots();
-    void accessorSlots();
-    void saverSlots();
-    void encoderSlots();
-    void decoderSlots();
-    void pluginDefaults();
-    void pluginInterfaceId();
-    void chainDataTypes();
+    void pluginSlotsStandInOrder();
+    void loaderSlotsStandInOrder();
+    void accessorSlotsStandInOrder();
+    void saverSlotsStandInOrder();
+    void encoderSlotsStandInOrder();
+    void decoderSlotsStandInOrder();
+    void pluginDefaultsDoNothing();
+    void pluginInterfaceHasItsId();
+    void chainDataIsToldApartByItsType();
 };
 
-void tst_hostInterfaces::formatRecord()
+void tst_hostInterfaces::formatRecordHasItsLayout()
 {
     SxPicBufInfo const format;
     quint32 expected[9] = {0, 0, 0, 0, 0, 0, 0, 1, 0}; // the fields in order; only layout is not 0
@@ -382,7 +382,7 @@ void tst_hostInterfaces::fourCCReadsH264()
     QCOMPARE(QByteArray(reinterpret_cast<char const*>(bytes), 4), QByteArray("H264"));
 }
 
-TARN_NO_VPTR_CHECK void tst_hostInterfaces::pluginSlots()
+TARN_NO_VPTR_CHECK void tst_hostInterfaces::pluginSlotsStandInOrder()
 {
     auto* const plugin = fx_As<contract::Plugin>(static_cast<CxPlugin*>(new CxNotingPlugin));
     QVERIFY(plugin->init());
@@ -418,7 +418,7 @@ TARN_NO_VPTR_CHECK void tst_hostInterfaces::pluginSlots()
                                    "viewMouseDoubleClickEvent 11", "customCommand 12", "~"}));
 }
 
-TARN_NO_VPTR_CHECK void tst_hostInterfaces::loaderSlots()
+TARN_NO_VPTR_CHECK void tst_hostInterfaces::loaderSlotsStandInOrder()
 {
     auto* const loader = fx_As<contract::Loader>(static_cast<IxImageDataLoader*>(new CxNotingLoader));
     QVERIFY(loader->load());
@@ -432,7 +432,7 @@ TARN_NO_VPTR_CHECK void tst_hostInterfaces::loaderSlots()
     QCOMPARE(s_calls, (QStringList{"load", "loadedData 9", "setInputFile", "~"}));
 }
 
-TARN_NO_VPTR_CHECK void tst_hostInterfaces::accessorSlots()
+TARN_NO_VPTR_CHECK void tst_hostInterfaces::accessorSlotsStandInOrder()
 {
     CxNotingAccessor noting;
     auto* const accessor = fx_As<contract::Accessor>(static_cast<IxVideoAccessor*>(&noting));
@@ -448,7 +448,7 @@ TARN_NO_VPTR_CHECK void tst_hostInterfaces::accessorSlots()
     QCOMPARE(s_calls, QStringList{"frameData 7"});
 }
 
-TARN_NO_VPTR_CHECK void tst_hostInterfaces::saverSlots()
+TARN_NO_VPTR_CHECK void tst_hostInterfaces::saverSlotsStandInOrder()
 {
     auto* const saver = fx_As<contract::Saver>(static_cast<IxImageDataSaver*>(new CxNotingSaver));
     saver->setSequenceSize(5);
@@ -470,7 +470,7 @@ TARN_NO_VPTR_CHECK void tst_hostInterfaces::saverSlots()
                                    "widgetForSaveDlg 8", "~"}));
 }
 
-TARN_NO_VPTR_CHECK void tst_hostInterfaces::encoderSlots()
+TARN_NO_VPTR_CHECK void tst_hostInterfaces::encoderSlotsStandInOrder()
 {
     auto* const encoder = fx_As<contract::Encoder>(static_cast<IxVideoEncoder*>(new CxNotingEncoder));
     QCOMPARE(encoder->name(), QStringLiteral("encoder"));
@@ -494,7 +494,7 @@ TARN_NO_VPTR_CHECK void tst_hostInterfaces::encoderSlots()
     QCOMPARE(s_calls, (QStringList{"encode 5", "setEncoderOptions", "widgetForSaveDlg 6", "~"}));
 }
 
-TARN_NO_VPTR_CHECK void tst_hostInterfaces::decoderSlots()
+TARN_NO_VPTR_CHECK void tst_hostInterfaces::decoderSlotsStandInOrder()
 {
     auto* const decoder = fx_As<contract::Decoder>(static_cast<IxVideoDecoder*>(new CxNotingDecoder));
     QCOMPARE(decoder->name(), QStringLiteral("decoder"));
@@ -506,7 +506,7 @@ TARN_NO_VPTR_CHECK void tst_hostInterfaces::decoderSlots()
     QCOMPARE(s_calls, (QStringList{"decode 3", "~"}));
 }
 
-void tst_hostInterfaces::pluginDefaults()
+void tst_hostInterfaces::pluginDefaultsDoNothing()
 {
     CxSilentPlugin silent;
     CxPlugin& plugin = silent;
@@ -551,12 +551,12 @@ void tst_hostInterfaces::pluginDefaults()
     QCOMPARE(CxVersionedPlugin().version(), QStringLiteral("1.20.3"));
 }
 
-void tst_hostInterfaces::pluginInterfaceId()
+void tst_hostInterfaces::pluginInterfaceHasItsId()
 {
     QCOMPARE(QByteArray(qobject_interface_iid<CxPlugin*>()), QByteArray("com.quarn.CxPlugin"));
 }
 
-void tst_hostInterfaces::chainDataTypes()
+void tst_hostInterfaces::chainDataIsToldApartByItsType()
 {
     CxImageData image;
     IxChainData plain;

@@ -96,20 +96,20 @@ class tst_AnnexB : public QObject
     Q_OBJECT
 
 private slots:
-    void find_data();
-    void find();
-    void everyShortStream();
-    void randomStreams();
-    void longStreams();
-    void everyCut();
-    void rule_data();
-    void rule();
+    void startCodeIsFoundWhole_data();
+    void startCodeIsFoundWhole();
+    void everyShortStreamIsCutLikeThePlainScan();
+    void randomStreamsAreCutLikeThePlainScan();
+    void longStreamsAreCutLikeThePlainScan();
+    void streamThatEndsAnywhereIsCutAlike();
+    void framesOpenAtParameterSetsAndSlices_data();
+    void framesOpenAtParameterSetsAndSlices();
     void spsIsKnownOnceItIsPassed();
     void spsLengthEndsAt65535_data();
     void spsLengthEndsAt65535();
 };
 
-void tst_AnnexB::find_data()
+void tst_AnnexB::startCodeIsFoundWhole_data()
 {
     QTest::addColumn<QByteArray>("hex");
     for (char const* hex : {"", "00", "0000", "000001", "00000001", "0000000001", "000000", "00000000",
@@ -118,14 +118,14 @@ void tst_AnnexB::find_data()
         QTest::newRow(*hex ? hex : "nothing") << QByteArray(hex);
 }
 
-void tst_AnnexB::find()
+void tst_AnnexB::startCodeIsFoundWhole()
 {
     QFETCH(QByteArray, hex);
     fx_CheckFind(fx_Bytes(hex.constData()));
 }
 
 /// All streams up to a length over the five bytes that decide everything.
-void tst_AnnexB::everyShortStream()
+void tst_AnnexB::everyShortStreamIsCutLikeThePlainScan()
 {
     static uchar const kAlphabet[] = {0x00, 0x01, 0x61, 0x67, 0x65};
     for (int length = 0; length <= kExhaustiveLength; ++length) {
@@ -144,7 +144,7 @@ void tst_AnnexB::everyShortStream()
     }
 }
 
-void tst_AnnexB::randomStreams()
+void tst_AnnexB::randomStreamsAreCutLikeThePlainScan()
 {
     std::mt19937 random(1);
     for (int round = 0; round < kRandomRounds; ++round) {
@@ -158,7 +158,7 @@ void tst_AnnexB::randomStreams()
 }
 
 /// Long runs without anything, of zeros, ones and noise, between the places that count.
-void tst_AnnexB::longStreams()
+void tst_AnnexB::longStreamsAreCutLikeThePlainScan()
 {
     std::mt19937 random(2);
     for (int round = 0; round < 40; ++round) {
@@ -182,7 +182,7 @@ void tst_AnnexB::longStreams()
     }
 }
 
-void tst_AnnexB::everyCut()
+void tst_AnnexB::streamThatEndsAnywhereIsCutAlike()
 {
     Bytes const whole = fx_Bytes("0000000167420029AA00000168CE00000001658811220000010001000000016101020304"
                                  "000001610506070800000001674D00290000000168AABBCC00000165010203");
@@ -195,7 +195,7 @@ void tst_AnnexB::everyCut()
     }
 }
 
-void tst_AnnexB::rule_data()
+void tst_AnnexB::framesOpenAtParameterSetsAndSlices_data()
 {
     QTest::addColumn<QByteArray>("hex");
     QTest::addColumn<QByteArray>("expected");
@@ -252,7 +252,7 @@ void tst_AnnexB::rule_data()
         << QByteArray("000000000167424242") << QByteArray("[0 1][1 8 key] SPS 6+3");
 }
 
-void tst_AnnexB::rule()
+void tst_AnnexB::framesOpenAtParameterSetsAndSlices()
 {
     QFETCH(QByteArray, hex);
     QFETCH(QByteArray, expected);

@@ -103,10 +103,10 @@ class tst_H264VideoLoader : public QObject
 private slots:
     void initTestCase();
 
-    void identity();
-    void constructed();
-    void formats();
-    void buffers();
+    void isALoaderAndAnAccessor();
+    void newLoaderHoldsNothing();
+    void offersOneFileFormat();
+    void buffersAreAllocatedAndFreed();
     void refusedFiles_data();
     void refusedFiles();
     void unreadableFileIsReported_data();
@@ -115,8 +115,8 @@ private slots:
     void opensLazily();
     void indexOfOurStream();
     void keyFramesAreShared();
-    void rules_data();
-    void rules();
+    void framesOpenAtParameterSetsAndSlices_data();
+    void framesOpenAtParameterSetsAndSlices();
     void strangeFile_data();
     void strangeFile();
     void everyShortFile_data();
@@ -124,31 +124,31 @@ private slots:
     void startCodeAcrossEveryPageEdge();
     void spsAtTheEndOfThePage();
     void manyTinyFrames();
-    void frameData();
-    void frameDataWithoutFile();
-    void pictures();
-    void everyOrder();
-    void noSuchPicture();
-    void pictureFormat_data();
-    void pictureFormat();
+    void frameDataIsReadFromTheFile();
+    void noFrameDataWithoutAFile();
+    void picturesComeWithTheirTimes();
+    void picturesAreTheSameInEveryOrder();
+    void pictureOutsideTheStreamIsNone();
+    void pictureHasThePitchOfTheHost_data();
+    void pictureHasThePitchOfTheHost();
     void sizeThatTheDecoderContradicts();
-    void damagedFrame();
+    void damagedFrameGivesNoPictureUntilTheNextKeyFrame();
     void damagedStreamOfEveryProfile_data();
     void damagedStreamOfEveryProfile();
-    void inputFileOfAnOpenLoader();
+    void otherInputFileOfAnOpenLoaderWaits();
     void reopeningDoublesTheIndex();
     void reopeningForgetsReferencePictures();
     void failedOpenKeepsTheIndex();
-    void openTwice();
+    void openingTwiceKeepsOneDecoder();
     void decoderLivesWhileOpen();
     void everyOrderOfOpenCloseDelete();
     void fileGrowsBehindItsMapping();
     void besideAWriter();
-    void shrunkFile_data();
-    void shrunkFile();
-    void vanishedFile();
-    void overwrittenFile();
-    void beyondFourGiB();
+    void shrunkFileIsNotReadBeyondItsEnd_data();
+    void shrunkFileIsNotReadBeyondItsEnd();
+    void vanishedFileGivesSoundPicturesOrNone();
+    void overwrittenFileGivesNoPicture();
+    void framesBeyondFourGiBAreFound();
     void memoryStaysFlat();
 
 private:
@@ -187,7 +187,7 @@ void tst_H264VideoLoader::initTestCase()
     }
 }
 
-void tst_H264VideoLoader::identity()
+void tst_H264VideoLoader::isALoaderAndAnAccessor()
 {
     std::unique_ptr<QObject> const object(CxH264VideoLoader::staticMetaObject.newInstance());
     auto* const loader = qobject_cast<CxH264VideoLoader*>(object.get());
@@ -199,7 +199,7 @@ void tst_H264VideoLoader::identity()
              QByteArray("H.264 Video Loader (*.264)"));
 }
 
-void tst_H264VideoLoader::constructed()
+void tst_H264VideoLoader::newLoaderHoldsNothing()
 {
     CxMessageRecorder messages;
     CxH264VideoLoader loader;
@@ -211,7 +211,7 @@ void tst_H264VideoLoader::constructed()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_H264VideoLoader::formats()
+void tst_H264VideoLoader::offersOneFileFormat()
 {
     CxH264VideoLoader loader;
     QCOMPARE(loader.supportedImageFormats().size(), 1);
@@ -219,7 +219,7 @@ void tst_H264VideoLoader::formats()
     QCOMPARE(loader.supportedImageFormats().first().kind, 2);
 }
 
-void tst_H264VideoLoader::buffers()
+void tst_H264VideoLoader::buffersAreAllocatedAndFreed()
 {
     CxH264VideoLoader loader;
     void* const buffer = loader.allocBuffer(1000);
@@ -374,7 +374,7 @@ void tst_H264VideoLoader::keyFramesAreShared()
     QCOMPARE(fx_KeyFrames(loader), second);
 }
 
-void tst_H264VideoLoader::rules_data()
+void tst_H264VideoLoader::framesOpenAtParameterSetsAndSlices_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QList<int>>("sizes");
@@ -403,7 +403,7 @@ void tst_H264VideoLoader::rules_data()
         << sps + slice + QByteArray::fromHex("00000001") << QList<int>{spsSize} << QList<int>{0};
 }
 
-void tst_H264VideoLoader::rules()
+void tst_H264VideoLoader::framesOpenAtParameterSetsAndSlices()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QList<int>, sizes);
@@ -573,7 +573,7 @@ void tst_H264VideoLoader::manyTinyFrames()
 }
 
 /// The result says only whether there is a buffer; success shows in the size.
-void tst_H264VideoLoader::frameData()
+void tst_H264VideoLoader::frameDataIsReadFromTheFile()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes()));
@@ -605,7 +605,7 @@ void tst_H264VideoLoader::frameData()
     QCOMPARE(buffer.mid(static_cast<int>(frameSize)), untouched.mid(static_cast<int>(frameSize)));
 }
 
-void tst_H264VideoLoader::frameDataWithoutFile()
+void tst_H264VideoLoader::noFrameDataWithoutAFile()
 {
     CxMessageRecorder messages;
     CxH264VideoLoader loader;
@@ -619,7 +619,7 @@ void tst_H264VideoLoader::frameDataWithoutFile()
     QCOMPARE(messages.takeTexts().size(), 2);
 }
 
-void tst_H264VideoLoader::pictures()
+void tst_H264VideoLoader::picturesComeWithTheirTimes()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes()));
@@ -649,7 +649,7 @@ void tst_H264VideoLoader::pictures()
 }
 
 /// Each frame after each other frame.
-void tst_H264VideoLoader::everyOrder()
+void tst_H264VideoLoader::picturesAreTheSameInEveryOrder()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes()));
@@ -661,7 +661,7 @@ void tst_H264VideoLoader::everyOrder()
     }
 }
 
-void tst_H264VideoLoader::noSuchPicture()
+void tst_H264VideoLoader::pictureOutsideTheStreamIsNone()
 {
     CxMessageRecorder messages;
     CxH264VideoLoader loader;
@@ -674,7 +674,7 @@ void tst_H264VideoLoader::noSuchPicture()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_H264VideoLoader::pictureFormat_data()
+void tst_H264VideoLoader::pictureHasThePitchOfTheHost_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<quint32>("pitch");
@@ -683,7 +683,7 @@ void tst_H264VideoLoader::pictureFormat_data()
     QTest::newRow("128") << 128 << 512u;
 }
 
-void tst_H264VideoLoader::pictureFormat()
+void tst_H264VideoLoader::pictureHasThePitchOfTheHost()
 {
     QFETCH(int, width);
     QFETCH(quint32, pitch);
@@ -712,7 +712,7 @@ void tst_H264VideoLoader::sizeThatTheDecoderContradicts()
     }
 }
 
-void tst_H264VideoLoader::damagedFrame()
+void tst_H264VideoLoader::damagedFrameGivesNoPictureUntilTheNextKeyFrame()
 {
     QList<QByteArray> frames = m_stream.frames;
     QByteArray& damaged = frames[6];
@@ -789,7 +789,7 @@ void tst_H264VideoLoader::damagedStreamOfEveryProfile()
     }
 }
 
-void tst_H264VideoLoader::inputFileOfAnOpenLoader()
+void tst_H264VideoLoader::otherInputFileOfAnOpenLoaderWaits()
 {
     CxH264VideoLoader loader;
     QString const first = write(m_stream.bytes());
@@ -849,7 +849,7 @@ void tst_H264VideoLoader::failedOpenKeepsTheIndex()
     QVERIFY(!loader.loadedData(0));
 }
 
-void tst_H264VideoLoader::openTwice()
+void tst_H264VideoLoader::openingTwiceKeepsOneDecoder()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes()));
@@ -1027,7 +1027,7 @@ void tst_H264VideoLoader::shrunkFile_data()
         QTest::addRow("to %d bytes", left) << left;
 }
 
-void tst_H264VideoLoader::shrunkFile()
+void tst_H264VideoLoader::shrunkFileIsNotReadBeyondItsEnd()
 {
     QFETCH(int, left);
     CxH264VideoLoader loader;
@@ -1055,7 +1055,7 @@ void tst_H264VideoLoader::shrunkFile()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_H264VideoLoader::vanishedFile()
+void tst_H264VideoLoader::vanishedFileGivesSoundPicturesOrNone()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes(), QStringLiteral("vanished.h264")));
@@ -1071,7 +1071,7 @@ void tst_H264VideoLoader::vanishedFile()
     QCOMPARE(messages.takeTexts().size(), 1);
 }
 
-void tst_H264VideoLoader::overwrittenFile()
+void tst_H264VideoLoader::overwrittenFileGivesNoPicture()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes(), QStringLiteral("overwritten.h264")));
@@ -1086,7 +1086,7 @@ void tst_H264VideoLoader::overwrittenFile()
 }
 
 /// A sparse file: positions and sizes need more than 32 bits, whatever the disk.
-void tst_H264VideoLoader::beyondFourGiB()
+void tst_H264VideoLoader::framesBeyondFourGiBAreFound()
 {
     qint64 const kGiB = qint64(1) << 30;
     QList<QByteArray> const& coded = m_stream.frames;

@@ -116,19 +116,19 @@ private slots:
     void init();
     void cleanup();
 
-    void identity();
+    void isASaver();
     void isCreatedThroughItsMetaObject();
     void supportedImageFormats();
     void querySavedImageFormat();
     void querySavedImageFormatWithoutEncoder();
-    void sequenceSize();
+    void sequenceSizeHasNoEffect();
 
-    void nullData();
-    void otherChainData();
-    void noFileName();
-    void fileCannotBeOpened();
-    void noEncoder();
-    void noEncoderAndNoFile();
+    void nullDataIsRefusedSilently();
+    void otherChainDataIsRefused();
+    void missingFileNameIsReported();
+    void fileThatCannotBeOpenedIsReported();
+    void missingEncoderIsReported();
+    void fileThatCannotBeOpenedIsReportedWithoutEncoder();
     void encoderCannotTellASize();
     void pictureWithoutSize();
     void nullPicture();
@@ -136,7 +136,7 @@ private slots:
     void pictureWithoutPixels();
     void firstPictureWithoutPixels();
     void encoderFails();
-    void writeFails();
+    void failedWriteIsReported();
     void lastBytesCannotBeWritten();
     void outputBufferCannotBeAllocated();
     void resizeBufferCannotBeAllocated();
@@ -160,7 +160,7 @@ private slots:
     void resizeBufferIsSetUpOnce();
     void sizeIsThatOfTheScaledPicture();
     void bufferIsClearedAndReused();
-    void allocBuffer();
+    void bufferIsAllocatedCleared();
     void allocBufferWithoutMemory();
 
     void recordingEqualsTheLibrarys_data();
@@ -210,7 +210,7 @@ void tst_H264VideoSaver::cleanup()
     QCOMPARE(s_script.alive, 0);
 }
 
-void tst_H264VideoSaver::identity()
+void tst_H264VideoSaver::isASaver()
 {
     CxH264VideoSaver saver;
     QMetaObject const* const meta = saver.metaObject();
@@ -283,7 +283,7 @@ void tst_H264VideoSaver::querySavedImageFormatWithoutEncoder()
     QCOMPARE(output.formatFlag, false);
 }
 
-void tst_H264VideoSaver::sequenceSize()
+void tst_H264VideoSaver::sequenceSizeHasNoEffect()
 {
     // It is for the saver's record only; no value changes what is written.
     CxTestPicture const picture(16, 16);
@@ -303,7 +303,7 @@ void tst_H264VideoSaver::sequenceSize()
     QCOMPARE(fx_Read(path()), QByteArray("frame0frame1frame2frame3"));
 }
 
-void tst_H264VideoSaver::nullData()
+void tst_H264VideoSaver::nullDataIsRefusedSilently()
 {
     CxH264VideoSaver saver;
     QVERIFY(!saver.save(nullptr, 0)); // not even the missing file name is reported
@@ -312,7 +312,7 @@ void tst_H264VideoSaver::nullData()
     QVERIFY(!QFile::exists(path()));
 }
 
-void tst_H264VideoSaver::otherChainData()
+void tst_H264VideoSaver::otherChainDataIsRefused()
 {
     IxChainData const data;
     CxH264VideoSaver saver;
@@ -324,7 +324,7 @@ void tst_H264VideoSaver::otherChainData()
     QVERIFY(!QFile::exists(path()));
 }
 
-void tst_H264VideoSaver::noFileName()
+void tst_H264VideoSaver::missingFileNameIsReported()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -340,7 +340,7 @@ void tst_H264VideoSaver::noFileName()
     QCOMPARE(s_script.created, 1);
 }
 
-void tst_H264VideoSaver::fileCannotBeOpened()
+void tst_H264VideoSaver::fileThatCannotBeOpenedIsReported()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -363,7 +363,7 @@ void tst_H264VideoSaver::fileCannotBeOpened()
     QCOMPARE(fx_Read(path()), QByteArray("frame0"));
 }
 
-void tst_H264VideoSaver::noEncoder()
+void tst_H264VideoSaver::missingEncoderIsReported()
 {
     fx_UnregisterClasses(nullptr);
     CxTestPicture const picture(16, 16);
@@ -387,7 +387,7 @@ void tst_H264VideoSaver::noEncoder()
     QCOMPARE(fx_Read(path()), QByteArray());
 }
 
-void tst_H264VideoSaver::noEncoderAndNoFile()
+void tst_H264VideoSaver::fileThatCannotBeOpenedIsReportedWithoutEncoder()
 {
     fx_UnregisterClasses(nullptr);
     CxTestPicture const picture(16, 16);
@@ -564,7 +564,7 @@ void tst_H264VideoSaver::encoderFails()
     QVERIFY(fx_Read(path()).endsWith("frame10frame11frame14"));
 }
 
-void tst_H264VideoSaver::writeFails()
+void tst_H264VideoSaver::failedWriteIsReported()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -975,7 +975,7 @@ void tst_H264VideoSaver::bufferIsClearedAndReused()
     QCOMPARE(s_script.calls[5].out, s_script.calls[4].out);
 }
 
-void tst_H264VideoSaver::allocBuffer()
+void tst_H264VideoSaver::bufferIsAllocatedCleared()
 {
     CxH264VideoSaver saver;
     uchar* const first = saver.allocBuffer(100);

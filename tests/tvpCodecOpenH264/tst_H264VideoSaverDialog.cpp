@@ -59,20 +59,20 @@ class tst_H264VideoSaverDialog : public QObject
 
 private slots:
     void cleanup();
-    void saverOptionMap();
-    void container();
+    void saverOptionsAreTheFourCCOnly();
+    void containerHoldsThePanel();
     void panelOutlivesEncoder();
-    void codecOptions();
+    void optionsAreKeptUnderTheFourCC();
     void readsPanelItself();
-    void nullWidget();
-    void foreignWidget();
+    void nullWidgetGivesNothing();
+    void foreignWidgetGivesNothing();
     void showsCodecOptions();
     void changesOfPanelStayThere();
-    void noEncoder();
-    void noPanel();
+    void withoutEncoderNothingIsShown();
+    void encoderWithoutPanelShowsNothing();
     void keepsOnlySecondOptions();
     void callableBySlot();
-    void formats();
+    void offersOneFileFormat();
     void formatsAreTranslated();
 
 private:
@@ -89,7 +89,7 @@ void tst_H264VideoSaverDialog::cleanup()
     fx_SetCodecOptions(kH264, {});
 }
 
-void tst_H264VideoSaverDialog::saverOptionMap()
+void tst_H264VideoSaverDialog::saverOptionsAreTheFourCCOnly()
 {
     CxH264VideoSaver saver;
     QWidget widget;
@@ -104,7 +104,7 @@ void tst_H264VideoSaverDialog::saverOptionMap()
     QCOMPARE(saver.optionsFromWidgetInSaveDlg(nullptr), (QMap<QString, QVariant>{{"codec", 875967048u}}));
 }
 
-void tst_H264VideoSaverDialog::container()
+void tst_H264VideoSaverDialog::containerHoldsThePanel()
 {
     registerEncoder(CxOpenH264Encoder::staticMetaObject);
     CxH264VideoSaver saver;
@@ -149,7 +149,7 @@ void tst_H264VideoSaverDialog::panelOutlivesEncoder()
     QCOMPARE(container->findChild<QSlider*>()->value(), 5);
 }
 
-void tst_H264VideoSaverDialog::codecOptions()
+void tst_H264VideoSaverDialog::optionsAreKeptUnderTheFourCC()
 {
     registerEncoder(CxOpenH264Encoder::staticMetaObject);
     CxH264VideoSaver saver;
@@ -180,7 +180,7 @@ void tst_H264VideoSaverDialog::readsPanelItself()
     QCOMPARE(read, saver.codecOptionsFromWigetInSaveDlg(container, fourCC));
 }
 
-void tst_H264VideoSaverDialog::nullWidget()
+void tst_H264VideoSaverDialog::nullWidgetGivesNothing()
 {
     registerEncoder(CxOpenH264Encoder::staticMetaObject);
     CxH264VideoSaver saver;
@@ -193,7 +193,7 @@ void tst_H264VideoSaverDialog::nullWidget()
     QCOMPARE(saver.codecOptionsFromWigetInSaveDlg(orphan.get(), fourCC).size(), 6);
 }
 
-void tst_H264VideoSaverDialog::foreignWidget()
+void tst_H264VideoSaverDialog::foreignWidgetGivesNothing()
 {
     registerEncoder(CxOpenH264Encoder::staticMetaObject);
     CxH264VideoSaver saver;
@@ -232,7 +232,7 @@ void tst_H264VideoSaverDialog::changesOfPanelStayThere()
     QVERIFY(fx_CodecOptions(kH264).isEmpty()); // giving them to the codec manager is the host's part
 }
 
-void tst_H264VideoSaverDialog::noEncoder()
+void tst_H264VideoSaverDialog::withoutEncoderNothingIsShown()
 {
     CxMessageRecorder messages;
     CxH264VideoSaver saver;
@@ -246,7 +246,7 @@ void tst_H264VideoSaverDialog::noEncoder()
     QVERIFY(messages.takeRaw().isEmpty());
 }
 
-void tst_H264VideoSaverDialog::noPanel()
+void tst_H264VideoSaverDialog::encoderWithoutPanelShowsNothing()
 {
     registerEncoder(CxPanelessEncoder::staticMetaObject);
     CxMessageRecorder messages;
@@ -296,7 +296,7 @@ void tst_H264VideoSaverDialog::callableBySlot()
     QCOMPARE(fourCC, kH264);
 }
 
-void tst_H264VideoSaverDialog::formats()
+void tst_H264VideoSaverDialog::offersOneFileFormat()
 {
     CxH264VideoSaver saver;
     QList<CxImageFormat> const formats = saver.supportedImageFormats();

@@ -14,14 +14,14 @@ class tst_PluginCodecOpenH264 : public QObject
 
 private slots:
     void initTestCase();
-    void metaData();
-    void oneInstance();
+    void metaDataNamesTheInterface();
+    void thereIsOneInstance();
     void newInstanceAfterDeletion();
-    void metacast();
-    void metaObject();
-    void identity();
-    void licenceNotice();
-    void version();
+    void castsToItsInterfaces();
+    void metaObjectIsThatOfTheClass();
+    void saysWhatItIs();
+    void licenceNoticeIsThePublishedOne();
+    void versionIsThatOfTheProject();
     void registersItsClasses();
     void createsRegisteredClasses();
     void exportsOnlyEntryPoints();
@@ -39,7 +39,7 @@ void tst_PluginCodecOpenH264::initTestCase()
     QVERIFY(plugin());
 }
 
-void tst_PluginCodecOpenH264::metaData()
+void tst_PluginCodecOpenH264::metaDataNamesTheInterface()
 {
     QJsonObject const data = m_loader.metaData();
     QCOMPARE(data["IID"].toString(), QStringLiteral("com.quarn.CxPluginCodecOpenH264"));
@@ -58,7 +58,7 @@ void tst_PluginCodecOpenH264::metaData()
     QCOMPARE(data["version"].toInt() >> 8, QT_VERSION >> 8);
 }
 
-void tst_PluginCodecOpenH264::oneInstance()
+void tst_PluginCodecOpenH264::thereIsOneInstance()
 {
     using Instance = QObject* (*)();
     auto const instance = reinterpret_cast<Instance>(QLibrary::resolve(PLUGIN_FILE, "qt_plugin_instance"));
@@ -83,7 +83,7 @@ void tst_PluginCodecOpenH264::newInstanceAfterDeletion()
     QCOMPARE(m_loader.instance(), next);
 }
 
-void tst_PluginCodecOpenH264::metacast()
+void tst_PluginCodecOpenH264::castsToItsInterfaces()
 {
     QObject* const object = m_loader.instance();
     QVERIFY(object->qt_metacast("CxPlugin"));
@@ -97,7 +97,7 @@ void tst_PluginCodecOpenH264::metacast()
     QVERIFY(!object->qt_metacast(nullptr));
 }
 
-void tst_PluginCodecOpenH264::metaObject()
+void tst_PluginCodecOpenH264::metaObjectIsThatOfTheClass()
 {
     QMetaObject const* const meta = m_loader.instance()->metaObject();
     QCOMPARE(meta->superClass(), &QObject::staticMetaObject);
@@ -106,7 +106,7 @@ void tst_PluginCodecOpenH264::metaObject()
     QCOMPARE(meta->propertyCount(), QObject::staticMetaObject.propertyCount());
 }
 
-void tst_PluginCodecOpenH264::identity()
+void tst_PluginCodecOpenH264::saysWhatItIs()
 {
     QCOMPARE(plugin()->name(), QStringLiteral("OpenH264 Codecs"));
     QCOMPARE(plugin()->author(), QStringLiteral("QUARN GmbH"));
@@ -121,7 +121,7 @@ void tst_PluginCodecOpenH264::identity()
                        "*.264)."));
 }
 
-void tst_PluginCodecOpenH264::licenceNotice()
+void tst_PluginCodecOpenH264::licenceNoticeIsThePublishedOne()
 {
     QFile file(QStringLiteral(LICENCE_FILE));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -139,7 +139,7 @@ void tst_PluginCodecOpenH264::licenceNotice()
     QVERIFY(notice == QString::fromLatin1(published));
 }
 
-void tst_PluginCodecOpenH264::version()
+void tst_PluginCodecOpenH264::versionIsThatOfTheProject()
 {
     int expected[3] = {-1, -1, -1};
     tarnCoreVersion(expected[0], expected[1], expected[2]);

@@ -138,25 +138,25 @@ class tst_SPS : public QObject
     Q_OBJECT
 
 private slots:
-    void size_data();
-    void size();
-    void everyForm();
+    void sizeIsReadFromTheParameterSet_data();
+    void sizeIsReadFromTheParameterSet();
+    void everyFormOfParameterSetIsRead();
     void scalingListsAreNotParsed();
     void unknownProfileHasNoChromaFields();
     void emulationPreventionIsReadAsItStands();
-    void longestCode();
+    void longestCodeIsRead();
     void truncatedAtEveryByte();
-    void hugeCycle_data();
-    void hugeCycle();
-    void nothing();
+    void hugeCycleEnds_data();
+    void hugeCycleEnds();
+    void emptyParameterSetGivesNoSize();
     void bytesBehindLengthDoNotCount();
-    void randomBytes();
+    void randomBytesAreReadLikeTheReference();
     void parserIsReusable();
 };
 
 Q_DECLARE_METATYPE(SxSps)
 
-void tst_SPS::size_data()
+void tst_SPS::sizeIsReadFromTheParameterSet_data()
 {
     QTest::addColumn<SxSps>("sps");
     QTest::addColumn<int>("width");
@@ -237,7 +237,7 @@ void tst_SPS::size_data()
     QTest::newRow("sizes wrap at 32 bits") << sps << 0 << -2147483647 - 1;
 }
 
-void tst_SPS::size()
+void tst_SPS::sizeIsReadFromTheParameterSet()
 {
     QFETCH(SxSps, sps);
     QFETCH(int, width);
@@ -277,7 +277,7 @@ static void fx_CheckOrderAndSizeForms(SxSps sps)
     }
 }
 
-void tst_SPS::everyForm()
+void tst_SPS::everyFormOfParameterSetIsRead()
 {
     for (quint32 profile = 0; profile <= 255; ++profile) {
         for (quint32 chroma = 0; chroma <= 3; ++chroma) {
@@ -357,7 +357,7 @@ void tst_SPS::emulationPreventionIsReadAsItStands()
     QVERIFY(shifted > 0);
 }
 
-void tst_SPS::longestCode()
+void tst_SPS::longestCodeIsRead()
 {
     // Thirty-two zeros end the count without a look at what follows; thirty-two bits belong to the code.
     for (quint64 const value : {quint64(0), quint64(1), quint64(0x7FFFFFFF), quint64(0xFFFFFFFF)}) {
@@ -396,7 +396,7 @@ void tst_SPS::truncatedAtEveryByte()
     }
 }
 
-void tst_SPS::hugeCycle_data()
+void tst_SPS::hugeCycleEnds_data()
 {
     QTest::addColumn<quint32>("cycle");
     QTest::addColumn<int>("length");
@@ -407,7 +407,7 @@ void tst_SPS::hugeCycle_data()
     }
 }
 
-void tst_SPS::hugeCycle()
+void tst_SPS::hugeCycleEnds()
 {
     QFETCH(quint32, cycle);
     QFETCH(int, length);
@@ -421,7 +421,7 @@ void tst_SPS::hugeCycle()
     }
 }
 
-void tst_SPS::nothing()
+void tst_SPS::emptyParameterSetGivesNoSize()
 {
     SxSize size;
     CxSPS().parse(nullptr, 0, size.width, size.height);
@@ -442,7 +442,7 @@ void tst_SPS::bytesBehindLengthDoNotCount()
     }
 }
 
-void tst_SPS::randomBytes()
+void tst_SPS::randomBytesAreReadLikeTheReference()
 {
     std::mt19937 random(20);
     uchar const profiles[] = {66, 77, 88, 100, 110, 122, 144, 244};

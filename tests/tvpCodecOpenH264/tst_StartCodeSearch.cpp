@@ -12,8 +12,8 @@ class tst_StartCodeSearch : public QObject
     Q_OBJECT
 
 private slots:
-    void definition_data();
-    void definition();
+    void firstPrefixIsFound_data();
+    void firstPrefixIsFound();
     void followsTheTargetInUse();
     void everySearchAgreesOnRandomBytes_data();
     void everySearchAgreesOnRandomBytes();
@@ -61,7 +61,7 @@ static void fx_CompareAll(std::vector<uchar> const& bytes, size_t shift)
                  fx_GetName(target));
 }
 
-void tst_StartCodeSearch::definition_data()
+void tst_StartCodeSearch::firstPrefixIsFound_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("from");
@@ -78,7 +78,7 @@ void tst_StartCodeSearch::definition_data()
     QTest::newRow("two is no one") << QByteArray("\0\0\2\0\1", 5) << 0 << 5;
 }
 
-void tst_StartCodeSearch::definition()
+void tst_StartCodeSearch::firstPrefixIsFound()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(int, from);

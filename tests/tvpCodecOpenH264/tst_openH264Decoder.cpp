@@ -107,30 +107,30 @@ private slots:
     void init() { fx_OpenH264DecoderDouble() = SxOpenH264DecoderDouble(); }
     void cleanup();
 
-    void identity();
-    void parameters();
+    void isADecoder();
+    void libraryIsSetUpOnceWithFixedParameters();
     void endsWithItsObject();
     void untouchedWithoutDecoding();
-    void units_data();
-    void units();
-    void calls_data();
-    void calls();
-    void everyWalk_data();
-    void everyWalk();
-    void walk_data();
-    void walk();
+    void frameIsFedUnitByUnit_data();
+    void frameIsFedUnitByUnit();
+    void libraryIsAskedForEachPicture_data();
+    void libraryIsAskedForEachPicture();
+    void everyWalkFeedsTheFramesExpected_data();
+    void everyWalkFeedsTheFramesExpected();
+    void walkStartsAtKeyFrameUnlessInStep_data();
+    void walkStartsAtKeyFrameUnlessInStep();
     void refusedWithoutAsking();
     void emptyFrameIsNothingToDecode();
     void missingMemorySkipsTheFrame();
-    void format_data();
-    void format();
+    void suppliedPictureMustBeRGB32_data();
+    void suppliedPictureMustBeRGB32();
     void sizeOfSuppliedPicture_data();
     void sizeOfSuppliedPicture();
-    void allocatedPicture();
-    void paddedPlanes();
+    void pictureWithoutMemoryGetsIt();
+    void paddedPlanesAreReadByTheirStride();
     void sizeChangesWithinTheWalk();
-    void messages_data();
-    void messages();
+    void failureIsReportedOnce_data();
+    void failureIsReportedOnce();
     void failedCreation_data();
     void failedCreation();
     void startsAfreshAfterFailure_data();
@@ -141,12 +141,12 @@ private slots:
     void heldPictureIsNeverServedLater_data();
     void heldPictureIsNeverServedLater();
     void stuckFlushEnds();
-    void badBytes_data();
-    void badBytes();
-    void lyingSizes_data();
-    void lyingSizes();
-    void lyingKeyFrames_data();
-    void lyingKeyFrames();
+    void malformedFrameGivesNoPicture_data();
+    void malformedFrameGivesNoPicture();
+    void sizesThatLieAreSurvived_data();
+    void sizesThatLieAreSurvived();
+    void keyFramesThatLieAreSurvived_data();
+    void keyFramesThatLieAreSurvived();
 };
 
 Q_DECLARE_METATYPE(Delivery)
@@ -163,7 +163,7 @@ void tst_openH264Decoder::cleanup()
     QVERIFY(record.areOutputsCleared);
 }
 
-void tst_openH264Decoder::identity()
+void tst_openH264Decoder::isADecoder()
 {
     CxOpenH264Decoder decoder;
     QCOMPARE(decoder.name(), QStringLiteral("OpenH264"));
@@ -176,7 +176,7 @@ void tst_openH264Decoder::identity()
     decoderLog(nullptr, 0, nullptr);
 }
 
-void tst_openH264Decoder::parameters()
+void tst_openH264Decoder::libraryIsSetUpOnceWithFixedParameters()
 {
     CxFakeAccessor accessor;
     fx_Fill(accessor, 2, {0});
@@ -215,7 +215,7 @@ void tst_openH264Decoder::untouchedWithoutDecoding()
     QCOMPARE(fx_OpenH264DecoderDouble().calls, QStringList());
 }
 
-void tst_openH264Decoder::units_data()
+void tst_openH264Decoder::frameIsFedUnitByUnit_data()
 {
     QTest::addColumn<QByteArray>("frame");
     QTest::addColumn<QStringList>("units");
@@ -237,7 +237,7 @@ void tst_openH264Decoder::units_data()
         << QByteArray("00000001 65 6480 00000001 68 CE 00000001 65 6580") << QStringList("00000001656480");
 }
 
-void tst_openH264Decoder::units()
+void tst_openH264Decoder::frameIsFedUnitByUnit()
 {
     QFETCH(QByteArray, frame);
     QFETCH(QStringList, units);
@@ -252,7 +252,7 @@ void tst_openH264Decoder::units()
     QCOMPARE(actual, units);
 }
 
-void tst_openH264Decoder::calls_data()
+void tst_openH264Decoder::libraryIsAskedForEachPicture_data()
 {
     QTest::addColumn<Delivery>("delivery");
     QTest::addColumn<QByteArray>("frame");
@@ -283,7 +283,7 @@ void tst_openH264Decoder::calls_data()
         << Delivery::AtFlush << QByteArray::fromHex("00000001") << false << QStringList({"unit ", "empty"});
 }
 
-void tst_openH264Decoder::calls()
+void tst_openH264Decoder::libraryIsAskedForEachPicture()
 {
     QFETCH(Delivery, delivery);
     QFETCH(QByteArray, frame);
@@ -300,7 +300,7 @@ void tst_openH264Decoder::calls()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_openH264Decoder::everyWalk_data()
+void tst_openH264Decoder::everyWalkFeedsTheFramesExpected_data()
 {
     QTest::addColumn<QList<int>>("keys");
     QTest::newRow("0") << QList<int>{0};
@@ -312,7 +312,7 @@ void tst_openH264Decoder::everyWalk_data()
     QTest::newRow("every fifth") << QList<int>{0, 5, 10, 15, 20, 25, 30, 35};
 }
 
-void tst_openH264Decoder::everyWalk()
+void tst_openH264Decoder::everyWalkFeedsTheFramesExpected()
 {
     QFETCH(QList<int>, keys);
     CxFakeAccessor accessor;
@@ -333,7 +333,7 @@ void tst_openH264Decoder::everyWalk()
     }
 }
 
-void tst_openH264Decoder::walk_data()
+void tst_openH264Decoder::walkStartsAtKeyFrameUnlessInStep_data()
 {
     QTest::addColumn<int>("last");
     QTest::addColumn<int>("target");
@@ -353,7 +353,7 @@ void tst_openH264Decoder::walk_data()
     QTest::newRow("a last frame behind the end") << 4711 << 25 << fx_Range(20, 25);
 }
 
-void tst_openH264Decoder::walk()
+void tst_openH264Decoder::walkStartsAtKeyFrameUnlessInStep()
 {
     QFETCH(int, last);
     QFETCH(int, target);
@@ -429,7 +429,7 @@ void tst_openH264Decoder::missingMemorySkipsTheFrame()
     QCOMPARE(fx_Decode(decoder, accessor, 5).asked, fx_Range(0, 5));
 }
 
-void tst_openH264Decoder::format_data()
+void tst_openH264Decoder::suppliedPictureMustBeRGB32_data()
 {
     QTest::addColumn<quint32>("components");
     QTest::addColumn<quint32>("sampleType");
@@ -447,7 +447,7 @@ void tst_openH264Decoder::format_data()
     QTest::newRow("without the flag") << 4u << 2u << 1u << false << false;
 }
 
-void tst_openH264Decoder::format()
+void tst_openH264Decoder::suppliedPictureMustBeRGB32()
 {
     QFETCH(quint32, components);
     QFETCH(quint32, sampleType);
@@ -524,7 +524,7 @@ void tst_openH264Decoder::sizeOfSuppliedPicture()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_openH264Decoder::allocatedPicture()
+void tst_openH264Decoder::pictureWithoutMemoryGetsIt()
 {
     fx_OpenH264DecoderDouble().width = 48;
     fx_OpenH264DecoderDouble().height = 32;
@@ -547,7 +547,7 @@ void tst_openH264Decoder::allocatedPicture()
     CxPicBufAPI::FreePicBuf(picture, true);
 }
 
-void tst_openH264Decoder::paddedPlanes()
+void tst_openH264Decoder::paddedPlanesAreReadByTheirStride()
 {
     fx_OpenH264DecoderDouble().width = 30;
     fx_OpenH264DecoderDouble().height = 18;
@@ -576,7 +576,7 @@ void tst_openH264Decoder::sizeChangesWithinTheWalk()
     QCOMPARE(fx_Decode(decoder, accessor, 1).luma, 0x70); // by itself it has a picture of its size
 }
 
-void tst_openH264Decoder::messages_data()
+void tst_openH264Decoder::failureIsReportedOnce_data()
 {
     QTest::addColumn<Delivery>("delivery");
     QTest::addColumn<int>("unitError");
@@ -592,7 +592,7 @@ void tst_openH264Decoder::messages_data()
     QTest::newRow("no picture is no message") << Delivery::Never << 0 << 0 << 0 << QString();
 }
 
-void tst_openH264Decoder::messages()
+void tst_openH264Decoder::failureIsReportedOnce()
 {
     QFETCH(Delivery, delivery);
     QFETCH(int, unitError);
@@ -828,7 +828,7 @@ void tst_openH264Decoder::stuckFlushEnds()
         QVERIFY(!fx_Decode(decoder, accessor, frame).result);
 }
 
-void tst_openH264Decoder::badBytes_data()
+void tst_openH264Decoder::malformedFrameGivesNoPicture_data()
 {
     QTest::addColumn<QByteArray>("hex");
 
@@ -837,7 +837,7 @@ void tst_openH264Decoder::badBytes_data()
         QTest::newRow(hex) << QByteArray(hex);
 }
 
-void tst_openH264Decoder::badBytes()
+void tst_openH264Decoder::malformedFrameGivesNoPicture()
 {
     QFETCH(QByteArray, hex);
     CxFakeAccessor accessor;
@@ -852,7 +852,7 @@ void tst_openH264Decoder::badBytes()
     QVERIFY(accessor.frames.first().startsWith(fed));
 }
 
-void tst_openH264Decoder::lyingSizes_data()
+void tst_openH264Decoder::sizesThatLieAreSurvived_data()
 {
     QTest::addColumn<unsigned long>("announced");
     QTest::addColumn<unsigned long>("reported");
@@ -871,7 +871,7 @@ void tst_openH264Decoder::lyingSizes_data()
     QTest::newRow("more announced than there is memory") << ~0ul / 2 << 0ul << true;
 }
 
-void tst_openH264Decoder::lyingSizes()
+void tst_openH264Decoder::sizesThatLieAreSurvived()
 {
     QFETCH(unsigned long, announced);
     QFETCH(unsigned long, reported);
@@ -887,7 +887,7 @@ void tst_openH264Decoder::lyingSizes()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_openH264Decoder::lyingKeyFrames_data()
+void tst_openH264Decoder::keyFramesThatLieAreSurvived_data()
 {
     QTest::addColumn<QList<int>>("keys");
 
@@ -902,7 +902,7 @@ void tst_openH264Decoder::lyingKeyFrames_data()
 }
 
 /// Whatever the list says: a picture of the frame asked for, or none, and no frame that is not there.
-void tst_openH264Decoder::lyingKeyFrames()
+void tst_openH264Decoder::keyFramesThatLieAreSurvived()
 {
     QFETCH(QList<int>, keys);
     CxFakeAccessor accessor;

@@ -22,63 +22,63 @@ private slots:
     void init();
     void cleanup();
 
-    void identity();
+    void isAnEncoderOfH264();
     void isCreatedThroughItsMetaObject();
     void maxEncodedSize_data();
     void maxEncodedSize();
-    void bitrate_data();
-    void bitrate();
+    void bitRateFollowsLevelQualityAndSize_data();
+    void bitRateFollowsLevelQualityAndSize();
     void queryOuputFormat_data();
     void queryOuputFormat();
     void queryOuputFormatCopiesAndSetsFields();
     void queryOuputFormatIntoItsInput();
 
-    void options_data();
-    void options();
+    void optionsReachTheLibrary_data();
+    void optionsReachTheLibrary();
     void optionsKeepWhatTheyLack();
-    void optionsAfterTheFirstPicture();
+    void optionsAfterTheFirstPictureMakeNoNewEncoder();
 
     void createsAtTheFirstPicture();
     void allOtherParametersStayTheLibrarys();
-    void createFailure_data();
-    void createFailure();
-    void initFailure_data();
-    void initFailure();
+    void failedCreationIsReported_data();
+    void failedCreationIsReported();
+    void failedInitialisationIsReported_data();
+    void failedInitialisationIsReported();
     void initFailureWithSenselessOptions();
     void dumpOfNegativeOptions();
     void initFailureOfTheLibrary();
     void messageNamesItsPlace();
-    void dump_data();
-    void dump();
+    void dumpListsEveryParameter_data();
+    void dumpListsEveryParameter();
     void dumpInAnyLocale();
     void logCallbackDoesNothing();
 
     void pictureReachesTheLibrary_data();
     void pictureReachesTheLibrary();
-    void timestamp_data();
-    void timestamp();
-    void shortBuffer();
+    void timestampReachesTheLibraryInMilliseconds_data();
+    void timestampReachesTheLibraryInMilliseconds();
+    void shortBufferIsRefused();
     void overriddenMaxEncodedSize();
-    void unsupportedFirstPicture();
+    void unsupportedFirstPictureIsRefused();
     void planesCannotBeAllocated();
     void laterLargerPicture();
     void laterSmallerPicture();
-    void sizeThatWraps_data();
-    void sizeThatWraps();
+    void sizeThatWrapsIsRefused_data();
+    void sizeThatWrapsIsRefused();
 
     void forcedKeyFrames_data();
     void forcedKeyFrames();
     void keyFrameRateChanges();
-    void keyFlag_data();
-    void keyFlag();
-    void skippedPicture();
-    void failedPicture_data();
-    void failedPicture();
-    void layers_data();
-    void layers();
-    void overflow_data();
-    void overflow();
-    void destruction();
+    void keyFlagIsThatOfTheFrame_data();
+    void keyFlagIsThatOfTheFrame();
+    void skippedPictureWritesNothing();
+    void failedPictureIsReported_data();
+    void failedPictureIsReported();
+    void layersAreConcatenated_data();
+    void layersAreConcatenated();
+    void layersBeyondTheBufferAreRefused_data();
+    void layersBeyondTheBufferAreRefused();
+    void libraryIsDestroyedWithItsObject();
     void planesOutliveTheLibrarysEncoder();
 
     void libraryCodesPictures();
@@ -208,7 +208,7 @@ void tst_openH264Encoder::cleanup()
     QCOMPARE(fx_OpenH264Double().otherCalls, 0);
 }
 
-void tst_openH264Encoder::identity()
+void tst_openH264Encoder::isAnEncoderOfH264()
 {
     CxOpenH264Encoder encoder;
     QCOMPARE(encoder.name(), QStringLiteral("OpenH264"));
@@ -256,7 +256,7 @@ void tst_openH264Encoder::maxEncodedSize()
     QTEST(quint64(encoder.maxEncodedSize(fx_Format(width, height))), "expected");
 }
 
-void tst_openH264Encoder::bitrate_data()
+void tst_openH264Encoder::bitRateFollowsLevelQualityAndSize_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -284,7 +284,7 @@ void tst_openH264Encoder::bitrate_data()
     QTest::newRow("negative cap") << 10000u << 6667u << 52 << 5 << 3000150000u;
 }
 
-void tst_openH264Encoder::bitrate()
+void tst_openH264Encoder::bitRateFollowsLevelQualityAndSize()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);
@@ -393,7 +393,7 @@ void tst_openH264Encoder::queryOuputFormatIntoItsInput()
     QCOMPARE(format.pitch, 7680u);
 }
 
-void tst_openH264Encoder::options_data()
+void tst_openH264Encoder::optionsReachTheLibrary_data()
 {
     QTest::addColumn<Options>("options");
     QTest::addColumn<int>("rate"); // for 640 x 480
@@ -432,7 +432,7 @@ void tst_openH264Encoder::options_data()
                          << 13824000 << 4 << 0 << 77 << 40;
 }
 
-void tst_openH264Encoder::options()
+void tst_openH264Encoder::optionsReachTheLibrary()
 {
     QFETCH(Options, options);
     QFETCH(int, keyFrameRate);
@@ -474,7 +474,7 @@ void tst_openH264Encoder::optionsKeepWhatTheyLack()
     QCOMPARE(int(params.iComplexityMode), 2);
 }
 
-void tst_openH264Encoder::optionsAfterTheFirstPicture()
+void tst_openH264Encoder::optionsAfterTheFirstPictureMakeNoNewEncoder()
 {
     CxTestPicture const picture(640, 480);
     CxOpenH264Encoder encoder;
@@ -536,14 +536,14 @@ void tst_openH264Encoder::allOtherParametersStayTheLibrarys()
     QVERIFY(fx_Bytes(actual) == fx_Bytes(expected));
 }
 
-void tst_openH264Encoder::createFailure_data()
+void tst_openH264Encoder::failedCreationIsReported_data()
 {
     QTest::addColumn<bool>("givesHandle");
     QTest::newRow("with a handle") << true;
     QTest::newRow("without a handle") << false;
 }
 
-void tst_openH264Encoder::createFailure()
+void tst_openH264Encoder::failedCreationIsReported()
 {
     QFETCH(bool, givesHandle);
     CxTestPicture const picture(64, 48);
@@ -564,14 +564,14 @@ void tst_openH264Encoder::createFailure()
     QVERIFY(fx_Encode(encoder, picture.buf).isOk);
 }
 
-void tst_openH264Encoder::initFailure_data()
+void tst_openH264Encoder::failedInitialisationIsReported_data()
 {
     QTest::addColumn<int>("error");
     QTest::newRow("positive") << 4;
     QTest::newRow("negative") << -12;
 }
 
-void tst_openH264Encoder::initFailure()
+void tst_openH264Encoder::failedInitialisationIsReported()
 {
     QFETCH(int, error);
     CxTestPicture const picture(64, 48);
@@ -708,7 +708,7 @@ static std::string fx_DumpText(int layers, int lines)
     return text.toStdString();
 }
 
-void tst_openH264Encoder::dump_data()
+void tst_openH264Encoder::dumpListsEveryParameter_data()
 {
     QTest::addColumn<int>("layers");
     QTest::addColumn<int>("lines");
@@ -719,7 +719,7 @@ void tst_openH264Encoder::dump_data()
     QTest::newRow("more than there are") << 5 << 4;
 }
 
-void tst_openH264Encoder::dump()
+void tst_openH264Encoder::dumpListsEveryParameter()
 {
     QFETCH(int, layers);
     QFETCH(int, lines);
@@ -788,7 +788,7 @@ void tst_openH264Encoder::pictureReachesTheLibrary()
     }
 }
 
-void tst_openH264Encoder::timestamp_data()
+void tst_openH264Encoder::timestampReachesTheLibraryInMilliseconds_data()
 {
     QTest::addColumn<quint64>("microseconds");
     QTest::addColumn<qint64>("milliseconds");
@@ -798,7 +798,7 @@ void tst_openH264Encoder::timestamp_data()
     QTest::newRow("the last") << std::numeric_limits<quint64>::max() << qint64(18446744073709551);
 }
 
-void tst_openH264Encoder::timestamp()
+void tst_openH264Encoder::timestampReachesTheLibraryInMilliseconds()
 {
     QFETCH(quint64, microseconds);
     CxTestPicture picture(16, 16);
@@ -808,7 +808,7 @@ void tst_openH264Encoder::timestamp()
     QTEST(qint64(fx_OpenH264Double().pictures[0].header.uiTimeStamp), "milliseconds");
 }
 
-void tst_openH264Encoder::shortBuffer()
+void tst_openH264Encoder::shortBufferIsRefused()
 {
     CxTestPicture picture(64, 48);
     CxOpenH264Encoder encoder;
@@ -865,7 +865,7 @@ void tst_openH264Encoder::overriddenMaxEncodedSize()
     QVERIFY(fx_Encode(large, picture.buf).isOk);
 }
 
-void tst_openH264Encoder::unsupportedFirstPicture()
+void tst_openH264Encoder::unsupportedFirstPictureIsRefused()
 {
     CxTestPicture picture(64, 48);
     picture.buf.components = 2;
@@ -932,7 +932,7 @@ void tst_openH264Encoder::laterSmallerPicture()
     QVERIFY(seen.planes == fx_ExpectedPlanes(smaller.buf));
 }
 
-void tst_openH264Encoder::sizeThatWraps_data()
+void tst_openH264Encoder::sizeThatWrapsIsRefused_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -942,7 +942,7 @@ void tst_openH264Encoder::sizeThatWraps_data()
     QTest::newRow("to nothing") << 131072u << 65536u << qint64(0);
 }
 
-void tst_openH264Encoder::sizeThatWraps()
+void tst_openH264Encoder::sizeThatWrapsIsRefused()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);
@@ -1016,7 +1016,7 @@ void tst_openH264Encoder::keyFrameRateChanges()
     QVERIFY((fx_OpenH264Double().forcedPictures() == std::vector<int>{0, 4, 6, 16}));
 }
 
-void tst_openH264Encoder::keyFlag_data()
+void tst_openH264Encoder::keyFlagIsThatOfTheFrame_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<bool>("expected");
@@ -1026,7 +1026,7 @@ void tst_openH264Encoder::keyFlag_data()
     QTest::newRow("mixed") << QByteArray("M") << false;
 }
 
-void tst_openH264Encoder::keyFlag()
+void tst_openH264Encoder::keyFlagIsThatOfTheFrame()
 {
     QFETCH(QByteArray, answer);
     QFETCH(bool, expected);
@@ -1055,7 +1055,7 @@ void tst_openH264Encoder::keyFlag()
     QVERIFY((fx_OpenH264Double().forcedPictures() == std::vector<int>{0, 2}));
 }
 
-void tst_openH264Encoder::skippedPicture()
+void tst_openH264Encoder::skippedPictureWritesNothing()
 {
     CxTestPicture const picture(16, 16);
     for (bool const before : {false, true}) {
@@ -1070,7 +1070,7 @@ void tst_openH264Encoder::skippedPicture()
     }
 }
 
-void tst_openH264Encoder::failedPicture_data()
+void tst_openH264Encoder::failedPictureIsReported_data()
 {
     QTest::addColumn<SxEncodeAnswer*>("answer");
     QTest::addColumn<QString>("text");
@@ -1087,7 +1087,7 @@ void tst_openH264Encoder::failedPicture_data()
 }
 Q_DECLARE_METATYPE(SxEncodeAnswer*)
 
-void tst_openH264Encoder::failedPicture()
+void tst_openH264Encoder::failedPictureIsReported()
 {
     QFETCH(SxEncodeAnswer*, answer);
     QFETCH(QString, text);
@@ -1109,7 +1109,7 @@ void tst_openH264Encoder::failedPicture()
     QCOMPARE(fx_OpenH264Double().created, 1);
 }
 
-void tst_openH264Encoder::layers_data()
+void tst_openH264Encoder::layersAreConcatenated_data()
 {
     QTest::addColumn<QStringList>("layers"); // NAL units parted by |
     QTest::addColumn<int>("layerCount");
@@ -1141,7 +1141,7 @@ static SxEncodeAnswer fx_LayerAnswer(QStringList const& layers)
     return answer;
 }
 
-void tst_openH264Encoder::layers()
+void tst_openH264Encoder::layersAreConcatenated()
 {
     QFETCH(QStringList, layers);
     QFETCH(int, layerCount);
@@ -1163,7 +1163,7 @@ void tst_openH264Encoder::layers()
     QVERIFY(fx_OpenH264Double().forcedPictures() == std::vector<int>{0});
 }
 
-void tst_openH264Encoder::overflow_data()
+void tst_openH264Encoder::layersBeyondTheBufferAreRefused_data()
 {
     QTest::addColumn<QStringList>("layers");
     QTest::addColumn<QByteArray>("written");
@@ -1172,7 +1172,7 @@ void tst_openH264Encoder::overflow_data()
     QTest::newRow("third layer") << QStringList{"abc", "de", QString(1000, 'x')} << QByteArray("abcde");
 }
 
-void tst_openH264Encoder::overflow()
+void tst_openH264Encoder::layersBeyondTheBufferAreRefused()
 {
     QFETCH(QStringList, layers);
     QFETCH(QByteArray, written);
@@ -1194,7 +1194,7 @@ void tst_openH264Encoder::overflow()
     }
 }
 
-void tst_openH264Encoder::destruction()
+void tst_openH264Encoder::libraryIsDestroyedWithItsObject()
 {
     CxTestPicture const picture(16, 16);
     {

@@ -10,15 +10,15 @@ class tst_openH264Levels : public QObject
     Q_OBJECT
 
 private slots:
-    void maxResolution();
-    void maxBitRate();
+    void everyLevelHasItsLargestPicture();
+    void everyLevelHasItsLargestBitRate();
 };
 
 // Below, between and above the levels, up to numbers that no level will ever have.
 static constexpr int kFirstValue = -3;
 static constexpr int kLastValue = 300;
 
-void tst_openH264Levels::maxResolution()
+void tst_openH264Levels::everyLevelHasItsLargestPicture()
 {
     std::map<int, QSize> const table = {
         {9, {176, 144}},    {10, {176, 144}},   {11, {352, 288}},   {12, {352, 288}},   {13, {352, 288}},
@@ -33,7 +33,7 @@ void tst_openH264Levels::maxResolution()
     }
 }
 
-void tst_openH264Levels::maxBitRate()
+void tst_openH264Levels::everyLevelHasItsLargestBitRate()
 {
     std::map<int, unsigned> const table = {
         {9, 153600},    {10, 76800},    {11, 230400},   {12, 460800},   {13, 921600},

@@ -229,9 +229,7 @@ void tst_PlayControl::saysWhyFileDoesNotOpen()
     QTRY_VERIFY(!viewer.bar->text().isEmpty());
     QVERIFY2(viewer.bar->text().contains(words), qPrintable(viewer.bar->text()));
     QVERIFY(viewer.bar->isVisible());
-    QVERIFY2(
-        viewer.bar->details().contains(QStringLiteral("(decoder code ")), // as the command line explains it
-        qPrintable(viewer.bar->details()));
+    QVERIFY(!viewer.bar->details().isEmpty());
     QVERIFY(viewer.child<QWidget>("startPage")->isVisible());
 
     auto* const details = viewer.child<QPushButton>("messageDetails");
@@ -269,7 +267,9 @@ void tst_PlayControl::damagedPictureIsNamedAndNotShown()
     QVERIFY2(
         viewer.bar->text().endsWith(QStringLiteral("key frame on, picture %1.").arg((broken / 5 + 1) * 5)),
         qPrintable(viewer.bar->text()));
-    QVERIFY(!viewer.bar->details().isEmpty());
+    QVERIFY2(
+        viewer.bar->details().contains(QStringLiteral("(decoder code ")), // as the command line explains it
+        qPrintable(viewer.bar->details()));
     QVERIFY(viewer.view->picture().image.isNull()); // no picture under a number that is not its own
     QCOMPARE(viewer.text("number"), QStringLiteral("Picture %1 of 0–39").arg(broken));
     viewer.key(Qt::Key_Left);
