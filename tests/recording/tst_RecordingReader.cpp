@@ -41,20 +41,20 @@ void tst_RecordingReader::openingAThousandTimesLeavesMemoryFlat()
     CxPluginHost host;
     QString error;
     QVERIFY2(host.load(PLUGIN_FILE, error), qPrintable(error));
-    qint64 after100 = 0;
-    for (int i = 0; i < 1000; ++i) {
+    qint64 settled = 0; // what the first opens leave behind for the next ones
+    for (int i = 0; i < 1500; ++i) {
         CxRecordingReader recording;
         QVERIFY2(recording.open(m_recording, error), qPrintable(error));
         QCOMPARE(recording.frameCount(), kFrames);
         QVERIFY2(recording.picture(i * 7 % kFrames, error), qPrintable(error));
         QVERIFY2(recording.picture(i * 11 % kFrames, error), qPrintable(error));
-        if (i == 99)
-            after100 = fx_ResidentPages();
+        if (i == 499)
+            settled = fx_ResidentPages();
     }
-    qint64 const after1000 = fx_ResidentPages();
-    QVERIFY(after100 > 0);
-    QVERIFY2(after1000 <= after100 * 11 / 10,
-             qPrintable(QStringLiteral("%1 pages, then %2").arg(after100).arg(after1000)));
+    qint64 const later = fx_ResidentPages();
+    QVERIFY(settled > 0);
+    QVERIFY2(later <= settled * 102 / 100, // a page an open would be 14 in a hundred
+             qPrintable(QStringLiteral("%1 pages, then %2").arg(settled).arg(later)));
 }
 
 QTEST_GUILESS_MAIN(tst_RecordingReader)

@@ -1019,7 +1019,7 @@ void tst_H264VideoLoader::besideAWriter()
         QFile::remove(m_folder.filePath(name));
 }
 
-void tst_H264VideoLoader::shrunkFile_data()
+void tst_H264VideoLoader::shrunkFileIsNotReadBeyondItsEnd_data()
 {
     QTest::addColumn<int>("left");
     int const size = static_cast<int>(m_stream.bytes().size());
