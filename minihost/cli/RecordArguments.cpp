@@ -106,9 +106,9 @@ QVector<SxOption> fx_EncodingOptions()
              .arg(defaults.quality)},
         {"keyframe-rate", 0, "N",
          QStringLiteral("a key frame every N pictures, %1 to %2 (%3)")
-             .arg(SxEncoderOptions::kKeyFrameRateMin)
-             .arg(SxEncoderOptions::kKeyFrameRateMax)
-             .arg(defaults.keyFrameRate)},
+             .arg(SxEncoderOptions::kKeyFrameIntervalMin)
+             .arg(SxEncoderOptions::kKeyFrameIntervalMax)
+             .arg(defaults.keyFrameInterval)},
         {"complexity", 0, "C",
          QStringLiteral("%1 (medium)").arg(fx_ComplexityNames().join(QLatin1Char(' ')))},
         {"profile", 0, "P",
@@ -203,8 +203,8 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     SxEncoderOptions& encoder = parsed.request.encoder;
     reader.readNumber("quality", encoder.quality, int{SxEncoderOptions::kQualityMin},
                       int{SxEncoderOptions::kQualityMax});
-    reader.readNumber("keyframe-rate", encoder.keyFrameRate, int{SxEncoderOptions::kKeyFrameRateMin},
-                      int{SxEncoderOptions::kKeyFrameRateMax});
+    reader.readNumber("keyframe-rate", encoder.keyFrameInterval, int{SxEncoderOptions::kKeyFrameIntervalMin},
+                      int{SxEncoderOptions::kKeyFrameIntervalMax});
     reader.readName("complexity", encoder.complexity, fx_ComplexityFromName, fx_ComplexityNames());
     reader.readName("profile", encoder.profile, fx_ProfileFromName, fx_ProfileNames());
     reader.readName("level", encoder.level, fx_LevelFromName, fx_LevelNames());

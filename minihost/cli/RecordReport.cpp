@@ -103,7 +103,7 @@ QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& sum
     else if (sufficientQuality(unlimited))
         advice += QStringLiteral("level %1 allows no more, a higher --level does.")
                       .arg(fx_LevelName(request.encoder.level));
-    else if (request.encoder.keyFrameRate < 30)
+    else if (request.encoder.keyFrameInterval < 30)
         advice += QStringLiteral("not even --quality 10 would keep them all, but fewer key frames "
                                  "(--keyframe-rate 30) may help.");
     else

@@ -1,18 +1,11 @@
 #include <QCoreApplication>
 #include <clocale>
 #include <langinfo.h>
+#include <optional>
 
 #include "Commands.h"
 #include "Console.h"
 #include "ExitCode.h"
-#include "Viewer.h"
-
-/// What `help view` does; main() runs the viewer itself.
-static int fx_HelpOnView(QStringList const&)
-{
-    Console::data(fx_ViewerHelp());
-    return kDone;
-}
 
 struct SxCommand
 {
@@ -25,7 +18,7 @@ static constexpr SxCommand kCommands[] = {
     {"record", "pictures into a raw H.264 file", fx_RunRecord},
     {"info", "what a recording holds: size, frames, duration, bit rate", fx_RunInfo},
     {"export", "frames of a recording as pictures, a contact sheet, a stream, hashes", fx_RunExport},
-    {"view", "a window to watch, play and record in", fx_HelpOnView},
+    {"view", "a window to watch, play and record in", fx_RunView},
     {"verify", "decode a recording and report the first frame that fails", fx_RunVerify},
 };
 
@@ -86,8 +79,11 @@ static void fx_UseUtf8()
 int main(int argc, char** argv)
 {
     fx_UseUtf8();
-    if (argc > 1 && qstrcmp(argv[1], "view") == 0)
-        return fx_RunViewer(argc, argv); // with an application object of its own
-    QCoreApplication const app(argc, argv);
-    return fx_Dispatch(QCoreApplication::arguments().mid(1));
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    std::optional<QCoreApplication> app;
+    if (arguments.value(0) != QLatin1String("view")) // which has one of its own
+        app.emplace(argc, argv);
+    return fx_Dispatch(arguments);
 }

@@ -2,8 +2,9 @@
 
 #include <QString>
 
-/// Runs the viewer: `minihost view [FILE|SOURCE]`, the whole command line. Makes the application object
-/// itself, so there must be none yet. \return the program's exit code.
-int fx_RunViewer(int& argc, char** argv);
-
-QString fx_ViewerHelp();
+/// Shows the window until it is closed. Makes the application object itself, so there must be none yet.
+///
+/// \param pluginPath  as CxPluginHost::load() takes it.
+/// \param toOpen  a recording or a source; empty for a window to choose in.
+/// \return false, with \p error one sentence, when there can be no window.
+bool fx_ShowWindow(QString const& pluginPath, QString const& toOpen, QString& error);
