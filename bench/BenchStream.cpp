@@ -27,10 +27,10 @@ std::vector<PicturePtr> fx_CameraPictures(QSize size, int count)
     return pictures;
 }
 
-QByteArray fx_EncodeCamera(QSize size, int count, int keyFrameRate)
+QByteArray fx_EncodeCamera(QSize size, int count, int keyFrameInterval)
 {
     CxOpenH264Encoder encoder;
-    encoder.setEncoderOptions({{QStringLiteral("h264_keyframerate"), keyFrameRate}});
+    encoder.setEncoderOptions({{QStringLiteral("h264_keyframerate"), keyFrameInterval}});
     QByteArray stream;
     for (PicturePtr const& picture : fx_CameraPictures(size, count)) {
         unsigned long bytes = encoder.maxEncodedSize(*picture);

@@ -79,7 +79,7 @@ private:
 
 static void encode_to_EncodeFrame(benchmark::State& state)
 {
-    constexpr int kPictures = 60, kKeyFrameRate = 5;
+    constexpr int kPictures = 60, kKeyFrameInterval = 5;
     std::vector<PicturePtr> const pictures = fx_CameraPictures(k1080p, kPictures);
     std::vector<std::vector<uchar>> planes;
     for (PicturePtr const& picture : pictures) {
@@ -95,7 +95,7 @@ static void encode_to_EncodeFrame(benchmark::State& state)
         for (int i = 0; i < kPictures; ++i) {
             auto const index = static_cast<size_t>(i);
             double const bareSeconds =
-                fx_Seconds([&] { bare.encode(planes[index], k1080p, i % kKeyFrameRate == 0); });
+                fx_Seconds([&] { bare.encode(planes[index], k1080p, i % kKeyFrameInterval == 0); });
             unsigned long size = out.size();
             double const ourSeconds =
                 fx_Seconds([&] { ours.encode(*pictures[index], out.data(), size, nullptr); });
@@ -119,8 +119,8 @@ BENCHMARK(encode_to_EncodeFrame)
 /// A recording of the test camera, and its coded frames in memory.
 struct SxRecording
 {
-    SxRecording(QSize size, int count, int keyFrameRate)
-        : stream(fx_EncodeCamera(size, count, keyFrameRate))
+    SxRecording(QSize size, int count, int keyFrameInterval)
+        : stream(fx_EncodeCamera(size, count, keyFrameInterval))
         , name(folder.filePath(QStringLiteral("recording.h264")))
     {
         QFile file(name);

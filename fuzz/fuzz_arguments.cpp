@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         break;
     default:
         TARN_EXPECT(fx_ParseExportArguments(line, exported, error) == error.isEmpty());
-        TARN_EXPECT(!error.isEmpty() || exported.common.help || exported.frames);
+        TARN_EXPECT(!error.isEmpty() || exported.common.run.help || exported.frames);
     }
     return 0;
 }

@@ -118,7 +118,7 @@ void tst_roundtrip::record(int count, quint32 width, quint32 height) const
 void tst_roundtrip::recording_data()
 {
     QTest::addColumn<int>("profile");
-    QTest::addColumn<int>("keyFrameRate");
+    QTest::addColumn<int>("keyFrameInterval");
     QTest::addColumn<int>("count");
 
     for (int const profile : {66, 77, 88, 100})
@@ -132,9 +132,9 @@ void tst_roundtrip::recording_data()
 void tst_roundtrip::recording()
 {
     QFETCH(int, profile);
-    QFETCH(int, keyFrameRate);
+    QFETCH(int, keyFrameInterval);
     QFETCH(int, count);
-    fx_SetCodecOptions(kFourCC, {{"h264_profile_idc", profile}, {"h264_keyframerate", keyFrameRate}});
+    fx_SetCodecOptions(kFourCC, {{"h264_profile_idc", profile}, {"h264_keyframerate", keyFrameInterval}});
     bool const isLong = count > 5;
     record(count, isLong ? 96 : 320, isLong ? 64 : 240);
 
@@ -161,7 +161,7 @@ void tst_roundtrip::recording()
         QVERIFY2(fx_Load(loader, frame) == expected.at(frame), qPrintable(QString::number(frame)));
     for (int frame = count - 1; frame >= 0; --frame)
         QVERIFY2(fx_Load(loader, frame) == expected.at(frame), qPrintable(QString::number(frame)));
-    std::mt19937 random(static_cast<unsigned>(profile + keyFrameRate));
+    std::mt19937 random(static_cast<unsigned>(profile + keyFrameInterval));
     for (int i = 0; i < qMin(2 * count, 100); ++i) {
         int const frame = static_cast<int>(random() % static_cast<unsigned>(count));
         QVERIFY2(fx_Load(loader, frame) == expected.at(frame), qPrintable(QString::number(frame)));

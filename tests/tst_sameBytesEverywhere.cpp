@@ -122,7 +122,7 @@ void tst_sameBytesEverywhere::recordingOfTheSameOpenH264()
     QByteArray const hash = fx_Hash(stream);
     QByteArray const version = fx_OpenH264Version();
     if (!hashes.contains(QString::fromLatin1(version)))
-        QSKIP(("Not known of OpenH264 " + version + ", which gives " + hash).constData());
+        QSKIP(("Not known of OpenH264 " + version + ", which gives " + hash).constData(), );
     QCOMPARE(hash, hashes[QString::fromLatin1(version)].toByteArray());
 }
 

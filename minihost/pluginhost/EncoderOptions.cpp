@@ -12,7 +12,7 @@ struct SxKey
 };
 
 SxKey const kKeys[] = {{"h264_quality", &SxEncoderOptions::quality},
-                       {"h264_keyframerate", &SxEncoderOptions::keyFrameRate},
+                       {"h264_keyframerate", &SxEncoderOptions::keyFrameInterval},
                        {"h264_complexity", &SxEncoderOptions::complexity},
                        {"h264_profile_idc", &SxEncoderOptions::profile},
                        {"h264_level_idc", &SxEncoderOptions::level}};

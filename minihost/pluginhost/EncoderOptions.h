@@ -11,16 +11,17 @@
 /// host but the map.
 struct SxEncoderOptions
 {
-    int quality = 5;      ///< kQualityMin to kQualityMax; more bits a second with each step
-    int keyFrameRate = 5; ///< pictures from one key frame to the next, kKeyFrameRateMin to kKeyFrameRateMax
-    int complexity = 1;   ///< 0 low, 1 medium, 2 high
-    int profile = 66;     ///< profile_idc
-    int level = 52;       ///< level_idc; 9 stands for level 1b
+    int quality = 5; ///< kQualityMin to kQualityMax; more bits a second with each step
+    int keyFrameInterval =
+        5; ///< pictures from one key frame to the next, kKeyFrameIntervalMin to kKeyFrameIntervalMax
+    int complexity = 1; ///< 0 low, 1 medium, 2 high
+    int profile = 66;   ///< profile_idc
+    int level = 52;     ///< level_idc; 9 stands for level 1b
 
     static constexpr int kQualityMin = 1;
     static constexpr int kQualityMax = 10;
-    static constexpr int kKeyFrameRateMin = 1;
-    static constexpr int kKeyFrameRateMax = 100;
+    static constexpr int kKeyFrameIntervalMin = 1;
+    static constexpr int kKeyFrameIntervalMax = 100;
 
     /// The options under the keys that the encoder reads.
     QMap<QString, QVariant> toMap() const;

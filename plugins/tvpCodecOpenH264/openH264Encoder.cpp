@@ -48,7 +48,7 @@ void CxOpenH264Encoder::setEncoderOptions(QMap<QString, QVariant> const& options
             member = it->toInt();
     };
     take(kQualityKey, m_options.quality);
-    take(kKeyFrameRateKey, m_options.keyFrameRate);
+    take(kKeyFrameRateKey, m_options.keyFrameInterval);
     take(kComplexityKey, m_options.complexity);
     take(kProfileKey, m_options.profile);
     take(kLevelKey, m_options.level);
@@ -240,7 +240,7 @@ bool CxOpenH264Encoder::encode(SxPicBuf const& picture, void* out, unsigned long
     source.iPicHeight = static_cast<int>(picture.height);
     source.uiTimeStamp = static_cast<long long>(picture.timestamp / 1000); // milliseconds
 
-    if (m_frameCounter - m_lastKeyFrame >= m_options.keyFrameRate || m_frameCounter == 0)
+    if (m_frameCounter - m_lastKeyFrame >= m_options.keyFrameInterval || m_frameCounter == 0)
         m_encoder->ForceIntraFrame(true, -1); // an IDR picture, in all layers
 
     int const error = m_encoder->EncodeFrame(&source, &m_frameInfo);

@@ -6,7 +6,7 @@
 struct SxEncoderOptions
 {
     int quality = 5;                    ///< 1 to 10
-    int keyFrameRate = 5;               ///< a key frame every so many coded pictures
+    int keyFrameInterval = 5;           ///< a key frame every so many coded pictures
     int complexity = MEDIUM_COMPLEXITY; ///< ECOMPLEXITY_MODE
     int profile = PRO_BASELINE;         ///< EProfileIdc
     int level = LEVEL_5_2;              ///< ELevelIdc

@@ -42,7 +42,7 @@ void CxPanel::onDefault(bool)
 {
     SxEncoderOptions const defaults;
     findChild<QSlider*>(QStringLiteral("slH264Quality"))->setValue(defaults.quality);
-    findChild<QSpinBox*>(QStringLiteral("spinH264KeyFramerate"))->setValue(defaults.keyFrameRate);
+    findChild<QSpinBox*>(QStringLiteral("spinH264KeyFramerate"))->setValue(defaults.keyFrameInterval);
     fx_Select(findChild<QComboBox*>(QStringLiteral("cbH264Complexity")), defaults.complexity, 0);
     fx_Select(findChild<QComboBox*>(QStringLiteral("cbH264ProfileIdc")), defaults.profile, 0);
     QComboBox* const level = findChild<QComboBox*>(QStringLiteral("cbH264LevelIdc"));
@@ -163,14 +163,14 @@ CxPanel* fx_NewPanel(QWidget* parent, SxEncoderOptions& options)
     QObject::connect(advanced, SIGNAL(clicked(bool)), panel, SLOT(onAdvanced(bool)));
     grid->addWidget(advanced, 2, 0, 1, -1);
 
-    QSpinBox* const keyFrameRate = new QSpinBox(panel);
-    keyFrameRate->setObjectName(QStringLiteral("spinH264KeyFramerate"));
-    keyFrameRate->setMinimum(1);
-    keyFrameRate->setMaximum(100);
-    keyFrameRate->setValue(options.keyFrameRate);
+    QSpinBox* const keyFrameInterval = new QSpinBox(panel);
+    keyFrameInterval->setObjectName(QStringLiteral("spinH264KeyFramerate"));
+    keyFrameInterval->setMinimum(1);
+    keyFrameInterval->setMaximum(100);
+    keyFrameInterval->setValue(options.keyFrameInterval);
     grid->addWidget(fx_NewLabel("lbH264KeyFramerate", QT_TRANSLATE_NOOP("CxOpenH264Encoder", "Key frames:")),
                     3, 0);
-    grid->addWidget(keyFrameRate, 3, 1);
+    grid->addWidget(keyFrameInterval, 3, 1);
 
     QComboBox* const complexity = fx_NewComplexityBox(panel, options.complexity);
     grid->addWidget(fx_NewLabel("lbH264Complexity", QT_TRANSLATE_NOOP("CxOpenH264Encoder", "Complexity:")), 3,

@@ -1035,7 +1035,7 @@ struct SxCoding
     quint32 height;
     int bitrate;
     int maxBitrate;
-    int keyFrameRate;
+    int keyFrameInterval;
     ECOMPLEXITY_MODE complexity;
     EProfileIdc profile;
     ELevelIdc level;
@@ -1096,7 +1096,7 @@ static QByteArray fx_LibraryStream(std::vector<std::unique_ptr<CxTestPicture>> c
         source.iPicWidth = int(coding.width);
         source.iPicHeight = int(coding.height);
         source.uiTimeStamp = qint64(picture->buf.timestamp / 1000);
-        if (coded == 0 || coded - lastKey >= coding.keyFrameRate)
+        if (coded == 0 || coded - lastKey >= coding.keyFrameInterval)
             encoder->ForceIntraFrame(true, -1);
         if (encoder->EncodeFrame(&source, &info) != 0)
             return QByteArray();

@@ -397,7 +397,7 @@ void tst_openH264Encoder::optionsReachTheLibrary_data()
 {
     QTest::addColumn<Options>("options");
     QTest::addColumn<int>("rate"); // for 640 x 480
-    QTest::addColumn<int>("keyFrameRate");
+    QTest::addColumn<int>("keyFrameInterval");
     QTest::addColumn<int>("complexity");
     QTest::addColumn<int>("profile");
     QTest::addColumn<int>("level");
@@ -435,11 +435,11 @@ void tst_openH264Encoder::optionsReachTheLibrary_data()
 void tst_openH264Encoder::optionsReachTheLibrary()
 {
     QFETCH(Options, options);
-    QFETCH(int, keyFrameRate);
+    QFETCH(int, keyFrameInterval);
     CxTestPicture const picture(640, 480);
     CxOpenH264Encoder encoder;
     encoder.setEncoderOptions(options);
-    for (int i = 0; i <= keyFrameRate; ++i)
+    for (int i = 0; i <= keyFrameInterval; ++i)
         QVERIFY(fx_Encode(encoder, picture.buf).isOk);
 
     QCOMPARE(fx_OpenH264Double().params.size(), size_t(1));
@@ -454,10 +454,10 @@ void tst_openH264Encoder::optionsReachTheLibrary()
     std::memcpy(&value, &params.sSpatialLayers[0].uiLevelIdc, sizeof value);
     QTEST(value, "level");
     std::vector<int> expected = {0};
-    if (keyFrameRate == 1)
+    if (keyFrameInterval == 1)
         expected.push_back(1);
     else
-        expected.push_back(keyFrameRate);
+        expected.push_back(keyFrameInterval);
     QVERIFY(fx_OpenH264Double().forcedPictures() == expected);
 }
 

@@ -421,9 +421,9 @@ void tst_openH264Panel::clampsOutOfRange()
     QCOMPARE(high->findChild<QSlider*>()->value(), 10);
     QCOMPARE(high->findChild<QSpinBox*>()->value(), 100);
     QCOMPARE(options.quality, 99); // the widgets clamp, the encoder keeps its numbers
-    QCOMPARE(options.keyFrameRate, 1000);
+    QCOMPARE(options.keyFrameInterval, 1000);
 
-    options.quality = options.keyFrameRate = -3;
+    options.quality = options.keyFrameInterval = -3;
     QWidget* const low = fx_NewPanel(&parent, options);
     QCOMPARE(low->findChild<QSlider*>()->value(), 1);
     QCOMPARE(low->findChild<QSpinBox*>()->value(), 1);
