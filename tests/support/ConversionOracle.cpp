@@ -105,6 +105,15 @@ bool fx_OracleToIYUV(SxPicBuf const& source, std::vector<uchar>& bytes)
     return true;
 }
 
+SxPlanes fx_ExpectedPlanes(SxPicBuf const& picture)
+{
+    size_t const pixels = size_t(picture.width) * picture.height;
+    std::vector<uchar> bytes(pixels * 3 / 2);
+    fx_OracleToIYUV(picture, bytes);
+    auto const u = bytes.begin() + std::ptrdiff_t(pixels), v = u + std::ptrdiff_t(pixels / 4);
+    return {{bytes.begin(), u}, {u, v}, {v, bytes.end()}};
+}
+
 static uchar fx_Clamped(int value) { return uchar(value > 255 ? 255 : value < 0 ? 0 : value); }
 
 void fx_OracleToRGB32(int y, int u, int v, uchar* pixel)

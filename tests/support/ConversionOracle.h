@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "SxPicBuf.h"
@@ -35,6 +36,19 @@ uchar fx_OracleV(SxColour colour);
 /// against it and every read against pitch * height.
 /// \return false, \p bytes untouched, where the planes do not fit.
 bool fx_OracleToIYUV(SxPicBuf const& source, std::vector<uchar>& bytes);
+
+/// Planes in I420 order.
+struct SxPlanes
+{
+    std::vector<uchar> y;
+    std::vector<uchar> u;
+    std::vector<uchar> v;
+
+    bool operator==(SxPlanes const& other) const { return y == other.y && u == other.u && v == other.v; }
+};
+
+/// The same for a picture of even size, in memory that it just fills, as planes.
+SxPlanes fx_ExpectedPlanes(SxPicBuf const& picture);
 
 /// One pixel back to blue, green, red and 255.
 void fx_OracleToRGB32(int y, int u, int v, uchar* pixel);

@@ -4,7 +4,7 @@
 #include <vector>
 #include <wels/codec_api.h>
 
-#include "support/TestPicture.h"
+#include "support/ConversionOracle.h"
 
 /// What the double answers to one EncodeFrame().
 struct SxEncodeAnswer

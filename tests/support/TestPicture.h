@@ -23,18 +23,3 @@ private:
     Q_DISABLE_COPY(CxTestPicture)
     std::vector<unsigned char> m_bytes;
 };
-
-/// Planes in I420 order.
-struct SxPlanes
-{
-    std::vector<unsigned char> y;
-    std::vector<unsigned char> u;
-    std::vector<unsigned char> v;
-
-    bool operator==(SxPlanes const& other) const { return y == other.y && u == other.u && v == other.v; }
-};
-
-/// The planes of an 8-bit picture of even size, grey or colour, written down once more and independently
-/// of the plug-in: luma by weights of ITU-R BT.601 in per-mille, chroma of the left pixel of each pair on
-/// even rows.
-SxPlanes fx_ExpectedPlanes(SxPicBuf const& picture);

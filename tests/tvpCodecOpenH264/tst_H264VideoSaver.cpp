@@ -14,6 +14,7 @@
 #include "CxRTTI.h"
 #include "H264VideoSaver.h"
 #include "support/AllocationFailure.h"
+#include "support/ConversionOracle.h"
 #include "support/FFmpegDecoder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestPicture.h"

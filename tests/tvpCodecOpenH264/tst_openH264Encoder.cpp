@@ -7,6 +7,7 @@
 
 #include "openH264Encoder.h"
 #include "support/AllocationFailure.h"
+#include "support/ConversionOracle.h"
 #include "support/MessageRecorder.h"
 #include "support/OpenH264EncoderDouble.h"
 #include "support/TestPicture.h"

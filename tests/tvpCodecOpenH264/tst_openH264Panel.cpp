@@ -13,6 +13,7 @@
 
 #include "openH264Encoder.h"
 #include "support/OpenH264EncoderDouble.h"
+#include "support/TestPicture.h"
 
 namespace {
 
