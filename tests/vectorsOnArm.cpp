@@ -10,7 +10,7 @@
 
 /// Buffers of every size up to four vectors, of bytes that start codes are made of, searched from every
 /// position.
-static std::string fx_CheckSearch(FxPrefixSearch find)
+static std::string fx_CheckSearch(char const* table, FxPrefixSearch find)
 {
     std::minstd_rand random(1);
     for (unsigned round = 0; round < 40; ++round) {
@@ -18,9 +18,13 @@ static std::string fx_CheckSearch(FxPrefixSearch find)
             std::vector<std::uint8_t> bytes(size); // exactly sized
             for (std::uint8_t& byte : bytes)
                 byte = static_cast<std::uint8_t>((random() >> 8) % (round % 4 + 2));
-            for (std::size_t from = 0; from <= size; ++from)
-                if (find(bytes.data(), size, from) != fx_FindPrefixScalar(bytes.data(), size, from))
-                    return "differs at size " + std::to_string(size) + " from " + std::to_string(from);
+            for (std::size_t from = 0; from <= size; ++from) {
+                std::size_t const expected = fx_FindPrefixScalar(bytes.data(), size, from);
+                std::size_t const found = find(bytes.data(), size, from);
+                if (found != expected)
+                    return fx_Difference(table, "start codes", size, "from " + std::to_string(from), expected,
+                                         found);
+            }
         }
     }
     return {};
@@ -39,11 +43,11 @@ int main()
     for (VectorTarget const target : fx_GetVectorTargets()) {
         char const* const name = fx_GetName(target);
         SxIYUVKernels const& rows = fx_GetIYUVKernels(target);
-        isFine &= fx_Report(name, "every colour", fx_CheckColours(rows));
-        isFine &= fx_Report(name, "every (Y, U, V)", fx_CheckSamples(rows));
-        isFine &= fx_Report(name, "every shift", fx_CheckShifts(rows));
-        isFine &= fx_Report(name, "every width", fx_CheckWidths(rows));
-        isFine &= fx_Report(name, "start codes", fx_CheckSearch(fx_GetPrefixSearch(target)));
+        isFine &= fx_Report(name, "every colour", fx_CheckColours(name, rows));
+        isFine &= fx_Report(name, "every (Y, U, V)", fx_CheckSamples(name, rows));
+        isFine &= fx_Report(name, "every shift", fx_CheckShifts(name, rows));
+        isFine &= fx_Report(name, "every width", fx_CheckWidths(name, rows));
+        isFine &= fx_Report(name, "start codes", fx_CheckSearch(name, fx_GetPrefixSearch(target)));
     }
     bool const isNeonUsed = fx_GetVectorTarget() == VectorTarget::NEON;
     return fx_Report("neon", "is used", isNeonUsed ? "" : "not") && isFine ? 0 : 1;

@@ -38,13 +38,34 @@ private:
     std::uint64_t m_value = 0xCBF29CE484222325;
 };
 
-std::string fx_HashError(CxHash const& hash, std::uint64_t expected)
+/// Of one kernel, what the scalar twin and the kernel under proof are given.
+struct SxRun
+{
+    std::string table;
+    std::string kernel;
+    unsigned width;
+    std::string input;
+
+    std::string difference(std::string const& place, unsigned expected, unsigned found) const
+    {
+        return fx_Difference(table, kernel, width, place + ", " + input, expected, found);
+    }
+};
+
+std::string fx_HashError(CxHash const& hash, std::uint64_t expected, std::string const& table,
+                         std::string const& kernel)
 {
     if (hash.value() == expected)
         return {};
-    char text[64];
-    std::snprintf(text, sizeof text, "checksum 0x%016llX", static_cast<unsigned long long>(hash.value()));
-    return text;
+    char text[80];
+    std::snprintf(text, sizeof text, ": checksum 0x%016llX expected, 0x%016llX found",
+                  static_cast<unsigned long long>(expected), static_cast<unsigned long long>(hash.value()));
+    return table + ", " + kernel + text;
+}
+
+std::string fx_Byte(char const* where, std::ptrdiff_t index)
+{
+    return std::string(where) + " byte " + std::to_string(index);
 }
 
 /// The target of a kernel: bytes between guards.
@@ -58,6 +79,16 @@ public:
     uint8_t* data() { return m_bytes.data() + kGuard; }
     size_t size() const { return m_bytes.size() - 2 * kGuard; }
     bool operator==(CxTarget const& other) const { return m_bytes == other.m_bytes; }
+
+    /// Names the first byte that differs: beyond the row it is a guard.
+    std::string difference(CxTarget const& expected, SxRun const& run, char const* where) const
+    {
+        auto const at = std::mismatch(m_bytes.begin(), m_bytes.end(), expected.m_bytes.begin());
+        if (at.first == m_bytes.end())
+            return {};
+        return run.difference(fx_Byte(where, at.first - m_bytes.begin() - std::ptrdiff_t(kGuard)), *at.second,
+                              *at.first);
+    }
 
 private:
     std::vector<uint8_t> m_bytes;
@@ -81,6 +112,15 @@ struct SxPlanes
     bool operator==(SxPlanes const& other) const
     {
         return luma == other.luma && y == other.y && u == other.u && v == other.v;
+    }
+    std::string difference(SxPlanes const& expected, SxRun const& run) const
+    {
+        for (std::string const& error :
+             {luma.difference(expected.luma, run, "luma alone"), y.difference(expected.y, run, "luma"),
+              u.difference(expected.u, run, "U"), v.difference(expected.v, run, "V")})
+            if (!error.empty())
+                return error;
+        return {};
     }
 
     CxTarget luma, y, u, v;
@@ -130,7 +170,14 @@ void fx_SetComponent(SxFormat const& format, std::vector<uint8_t>& row, unsigned
 
 } // namespace
 
-std::string fx_CheckColours(SxIYUVKernels const& rows)
+std::string fx_Difference(std::string const& table, std::string const& kernel, size_t size,
+                          std::string const& place, size_t expected, size_t found)
+{
+    return table + ", " + kernel + ", size " + std::to_string(size) + ", " + place + ": " +
+           std::to_string(expected) + " expected, " + std::to_string(found) + " found";
+}
+
+std::string fx_CheckColours(char const* table, SxIYUVKernels const& rows)
 {
     constexpr unsigned kGreens = 8, kWidth = kGreens * 512;
     for (SxFormat const& format : kFormats) {
@@ -147,21 +194,23 @@ std::string fx_CheckColours(SxIYUVKernels const& rows)
                 expected.convert(fx_GetScalarIYUVKernels().*format.rows, row.data(), kWidth, shift);
                 actual.convert(rows.*format.rows, row.data(), kWidth, shift);
                 if (!(actual == expected))
-                    return std::string(format.name) + " differs at blue " + std::to_string(blue);
+                    return actual.difference(
+                        expected, {table, format.name, kWidth,
+                                   "blue " + std::to_string(blue) + ", green from " + std::to_string(green)});
                 hash.add(actual.y.data(), kWidth);
                 hash.add(actual.u.data(), kWidth / 2);
                 hash.add(actual.v.data(), kWidth / 2);
             }
         }
         // Every format holds the same colours.
-        std::string const error = fx_HashError(hash, kColoursHash);
+        std::string const error = fx_HashError(hash, kColoursHash, table, format.name);
         if (!error.empty())
-            return std::string(format.name) + ": " + error;
+            return error;
     }
     return {};
 }
 
-std::string fx_CheckSamples(SxIYUVKernels const& rows)
+std::string fx_CheckSamples(char const* table, SxIYUVKernels const& rows)
 {
     constexpr unsigned kWidth = 2 * 256; // all V for one U
     CxHash hash;
@@ -183,15 +232,21 @@ std::string fx_CheckSamples(SxIYUVKernels const& rows)
             fx_GetScalarIYUVKernels().toRGB32(planes, expected.data(), expected.data() + row, kWidth);
             rows.toRGB32(planes, actual.data(), actual.data() + row, kWidth);
             rows.toRGB32NonTemporal(planes, aligned, aligned + row, kWidth);
-            if (actual != expected || !std::equal(expected.begin(), expected.end(), aligned))
-                return "differs at luma " + std::to_string(luma) + ", U " + std::to_string(cb);
+            std::string const input = "luma " + std::to_string(luma) + ", U " + std::to_string(cb);
+            for (uint8_t* const bytes : {actual.data(), aligned}) {
+                auto const at = std::mismatch(expected.begin(), expected.end(), bytes);
+                char const* const kernel = bytes == aligned ? "toRGB32NonTemporal" : "toRGB32";
+                if (at.first != expected.end())
+                    return SxRun{table, kernel, kWidth, input}.difference(
+                        fx_Byte("pixel", at.first - expected.begin()), *at.first, *at.second);
+            }
             hash.add(actual.data(), row);
         }
     }
-    return fx_HashError(hash, kSamplesHash);
+    return fx_HashError(hash, kSamplesHash, table, "toRGB32");
 }
 
-std::string fx_CheckShifts(SxIYUVKernels const& rows)
+std::string fx_CheckShifts(char const* table, SxIYUVKernels const& rows)
 {
     CxHash hash;
     for (unsigned components : {1u, 3u, 4u}) {
@@ -210,13 +265,17 @@ std::string fx_CheckShifts(SxIYUVKernels const& rows)
                 actual.convert(rows.*format, src, 65536, shift);
             }
             if (!(actual == expected))
-                return std::to_string(components) + " words a pixel differ at shift " + std::to_string(shift);
+                return actual.difference(expected, {table,
+                                                    components == 1   ? "mono16"
+                                                    : components == 3 ? "rgb48"
+                                                                      : "rgb64",
+                                                    65536, "shift " + std::to_string(shift)});
             hash.add(actual.y.data(), actual.y.size());
             hash.add(actual.u.data(), actual.u.size());
             hash.add(actual.v.data(), actual.v.size());
         }
     }
-    return fx_HashError(hash, kShiftsHash);
+    return fx_HashError(hash, kShiftsHash, table, "words");
 }
 
 static std::vector<unsigned> fx_Widths()
@@ -253,12 +312,15 @@ public:
         return top() +
                (m_bytes.size() / 2 - kNonTemporalAlignment) / kNonTemporalAlignment * kNonTemporalAlignment;
     }
-    /// Compares what stands around the rows as well.
-    bool operator==(CxPixelRows& other)
+    /// Compares what stands around the rows as well. Bytes are counted from the start of the top row.
+    std::string difference(CxPixelRows& expected, SxRun const& run)
     {
-        size_t const before = std::min(m_row, other.m_row);
-        size_t const after = m_bytes.size() - std::max(m_row, other.m_row);
-        return std::equal(top() - before, top() + after, other.top() - before);
+        size_t const before = std::min(m_row, expected.m_row);
+        size_t const after = m_bytes.size() - std::max(m_row, expected.m_row);
+        auto const at = std::mismatch(top() - before, top() + after, expected.top() - before);
+        if (at.first == top() + after)
+            return {};
+        return run.difference(fx_Byte("pixel", at.first - top()), *at.second, *at.first);
     }
 
 private:
@@ -266,7 +328,8 @@ private:
     size_t m_row;
 };
 
-static bool fx_IsSameBack(SxIYUVKernels const& rows, unsigned width, size_t misalignment, bool isLone)
+static std::string fx_DifferenceBack(char const* table, SxIYUVKernels const& rows, unsigned width,
+                                     size_t misalignment, bool isLone)
 {
     std::vector<uint8_t> const y0 = fx_Source(width, misalignment), y1 = fx_Source(width, 2 * misalignment);
     std::vector<uint8_t> const u = fx_Source(width / 2, misalignment),
@@ -282,17 +345,18 @@ static bool fx_IsSameBack(SxIYUVKernels const& rows, unsigned width, size_t misa
     convert(fx_GetScalarIYUVKernels().toRGB32, expected);
     convert(rows.toRGB32, actual);
     convert(rows.toRGB32NonTemporal, nonTemporal);
-    return actual == expected && nonTemporal == expected;
+    std::string const input =
+        "address + " + std::to_string(misalignment) + (isLone ? ", one row" : ", two rows");
+    std::string const error = actual.difference(expected, {table, "toRGB32", width, input});
+    return error.empty() ? nonTemporal.difference(expected, {table, "toRGB32NonTemporal", width, input})
+                         : error;
 }
 
-std::string fx_CheckWidths(SxIYUVKernels const& rows)
+std::string fx_CheckWidths(char const* table, SxIYUVKernels const& rows)
 {
     for (unsigned const width : fx_Widths()) {
         for (size_t const misalignment : {0u, 1u}) {
-            auto const at = [&](char const* what) {
-                return std::string(what) + " differs at width " + std::to_string(width) + ", address + " +
-                       std::to_string(misalignment);
-            };
+            std::string const input = "address + " + std::to_string(misalignment);
             for (SxFormat const& format : kFormats) {
                 std::vector<uint8_t> const source =
                     fx_Source(size_t(width) * format.pixelBytes(), misalignment);
@@ -301,14 +365,14 @@ std::string fx_CheckWidths(SxIYUVKernels const& rows)
                 (fx_GetScalarIYUVKernels().*format.rows).luma(src, expected.data(), width, 3);
                 (rows.*format.rows).luma(src, actual.data(), width, 3);
                 if (!(actual == expected))
-                    return at(format.name);
+                    return actual.difference(expected, {table, format.name, width, input}, "luma alone");
                 if (width % 2 != 0)
                     continue; // pairs only
                 SxPlanes expectedPlanes(width), actualPlanes(width);
                 expectedPlanes.convert(fx_GetScalarIYUVKernels().*format.rows, src, width, 3);
                 actualPlanes.convert(rows.*format.rows, src, width, 3);
                 if (!(actualPlanes == expectedPlanes))
-                    return at(format.name);
+                    return actualPlanes.difference(expectedPlanes, {table, format.name, width, input});
             }
 
             std::vector<uint8_t> const source = fx_Source(size_t(width) * 2, misalignment);
@@ -316,11 +380,15 @@ std::string fx_CheckWidths(SxIYUVKernels const& rows)
             fx_GetScalarIYUVKernels().mono16(source.data() + misalignment, expected.data(), width, 5);
             rows.mono16(source.data() + misalignment, actual.data(), width, 5);
             if (!(actual == expected))
-                return at("mono16");
+                return actual.difference(expected, {table, "mono16", width, input}, "luma");
 
-            if (width % 2 == 0 && !(fx_IsSameBack(rows, width, misalignment, false) &&
-                                    fx_IsSameBack(rows, width, misalignment, true)))
-                return at("toRGB32");
+            if (width % 2 != 0)
+                continue; // pairs only
+            for (bool const isLone : {false, true}) {
+                std::string const error = fx_DifferenceBack(table, rows, width, misalignment, isLone);
+                if (!error.empty())
+                    return error;
+            }
         }
     }
     return {};
