@@ -16,6 +16,7 @@
 #include "IYUVConversion.h"
 #include "Ratio.h"
 #include "VectorTargets.h"
+#include "support/PackedFormats.h"
 
 namespace {
 
@@ -46,10 +47,10 @@ private:
 class CxJob
 {
 public:
-    CxJob(int width, int height, quint32 sampleType, quint32 components)
+    CxJob(int width, int height, SxPackedFormat const& format)
         : m_width(width)
         , m_height(height)
-        , m_bytes(static_cast<int>(components * (sampleType == 4 ? 2 : 1)))
+        , m_bytes(static_cast<int>(format.pixelBytes()))
         , m_packed(size() * static_cast<std::size_t>(m_bytes))
         , m_argb(size() * 8)
         , m_planes(size() * 3 / 2)
@@ -57,13 +58,13 @@ public:
         m_picture.width = static_cast<quint32>(width);
         m_picture.height = static_cast<quint32>(height);
         m_picture.pitch = static_cast<quint32>(width * m_bytes);
-        m_picture.components = components;
-        m_picture.bitsPerSample = sampleType == 4 ? 12 : 8;
-        m_picture.sampleType = sampleType;
+        m_picture.components = format.components;
+        m_picture.bitsPerSample = format.isWords() ? 12 : 8;
+        m_picture.sampleType = format.sampleType;
         m_picture.data = m_packed.data();
     }
 
-    void toIYUV() const { ConvertPicBuftoIYUV(m_picture, y(), size() * 3 / 2); }
+    void toIYUV() { ConvertPicBuftoIYUV(m_picture, y(), size() * 3 / 2); }
     void fromIYUV()
     {
         ConvertIYUVtoRGB32(m_picture, y(), u(), v(), 0, static_cast<unsigned>(m_width),
@@ -132,56 +133,75 @@ struct SxSize
 constexpr SxSize kSizes[] = {
     {"640x480", 640, 480, 401}, {"1920x1080", 1920, 1080, 101}, {"4096x2304", 4096, 2304, 31}};
 
-/// A conversion, its peer and the bars of the fastest table and of AVX2, for each size; 0: no bar.
-struct SxCase
+/// What a conversion is measured against, and the bars of the fastest table and of AVX2, for each size; 0: no
+/// bar.
+struct SxPeer
 {
-    char const* name;
-    quint32 sampleType, components;
+    char const* name; ///< of the conversion
     char const* peerName;
     void (CxJob::*peer)() const;
     double bars[3], avx2Bars[3];
-    bool isToRGB32;
 };
 
-constexpr SxCase kCases[] = {
-    {"mono8", 2, 1, "libyuv", &CxJob::yuvMono8, {1.2, 1.2, 1.2}, {0, 0, 0}, false},
-    {"mono16", 4, 1, "libyuv", &CxJob::yuvMono16, {1.2, 1.2, 1.2}, {0, 0, 0}, false},
-    {"rgb24", 2, 3, "libyuv", &CxJob::yuvRGB24, {0.65, 0.65, 0.65}, {1.2, 1.2, 1.2}, false},
-    {"rgb32", 2, 4, "libyuv", &CxJob::yuvRGB32, {0.8, 0.8, 0.8}, {1.5, 1.5, 1.5}, false},
-    {"rgb48", 4, 3, "memcpy", &CxJob::copy, {2.0, 0, 1.4}, {0, 0, 0}, false},
-    {"rgb64", 4, 4, "libyuv", &CxJob::yuvRGB64, {0.62, 0.62, 0.62}, {1.05, 1.05, 1.05}, false},
-    {"YUV to RGB32", 2, 4, "libyuv", &CxJob::yuvToRGB32, {0.55, 0.75, 1.0}, {1.0, 1.0, 1.0}, true},
+constexpr SxPeer kPeers[] = {
+    {"mono8", "libyuv", &CxJob::yuvMono8, {1.2, 1.2, 1.2}, {0, 0, 0}},
+    {"mono16", "libyuv", &CxJob::yuvMono16, {1.2, 1.2, 1.2}, {0, 0, 0}},
+    {"rgb24", "libyuv", &CxJob::yuvRGB24, {0.65, 0.65, 0.65}, {1.2, 1.2, 1.2}},
+    {"rgb32", "libyuv", &CxJob::yuvRGB32, {0.8, 0.8, 0.8}, {1.5, 1.5, 1.5}},
+    {"rgb48", "memcpy", &CxJob::copy, {2.0, 0, 1.4}, {0, 0, 0}},
+    {"rgb64", "libyuv", &CxJob::yuvRGB64, {0.62, 0.62, 0.62}, {1.05, 1.05, 1.05}},
 };
 
-void fx_Run(benchmark::State& state, SxSize const& size, SxCase const& which, double bar, char const* target)
+/// A format without a peer is measured against memcpy, without bars.
+SxPeer fx_PeerOf(SxPackedFormat const& format)
+{
+    for (SxPeer const& peer : kPeers)
+        if (std::strcmp(peer.name, format.name) == 0)
+            return peer;
+    return {format.name, "memcpy", &CxJob::copy, {0, 0, 0}, {0, 0, 0}};
+}
+
+/// The way back has one format.
+constexpr SxPackedFormat kShown = {"rgb32", 2, 4, &SxIYUVKernels::rgb32};
+constexpr SxPeer kBack = {"YUV to RGB32", "libyuv", &CxJob::yuvToRGB32, {0.55, 0.75, 1.0}, {1.0, 1.0, 1.0}};
+
+using Conversion = void (CxJob::*)();
+
+void fx_Run(benchmark::State& state, SxSize const& size, SxPackedFormat const& format, Conversion conversion,
+            SxPeer const& peer, double bar, char const* target)
 {
     if (!fx_ForceVectorTarget(target))
         state.SkipWithError("no such instruction set");
-    CxJob job(size.width, size.height, which.sampleType, which.components);
-    auto const ours = [&] { which.isToRGB32 ? job.fromIYUV() : job.toIYUV(); };
-    auto const peer = [&] { (job.*which.peer)(); };
-    fx_CompareWork(state, bar, ours, peer);
+    CxJob job(size.width, size.height, format);
+    fx_CompareWork(
+        state, bar, [&] { (job.*conversion)(); }, [&] { (job.*peer.peer)(); });
+}
+
+void fx_Register(SxPackedFormat const& format, Conversion conversion, SxPeer const& peer)
+{
+    for (std::size_t i = 0; i < std::size(kSizes); ++i) {
+        for (VectorTarget const target : fx_GetVectorTargets()) {
+            bool const isFastest = target == fx_GetVectorTargets().front();
+            bool const isAVX2 = target == VectorTarget::AVX2;
+            double const bar = isFastest ? peer.bars[i] : isAVX2 ? peer.avx2Bars[i] : 0;
+            std::string const name = std::string(peer.name) + '/' + kSizes[i].name + '/' +
+                                     fx_GetName(target) + " / " + peer.peerName;
+            benchmark::RegisterBenchmark(name.c_str(), fx_Run, kSizes[i], format, conversion, peer, bar,
+                                         fx_GetName(target))
+                ->UseManualTime()
+                ->Iterations(kSizes[i].turns)
+                ->Unit(benchmark::kMicrosecond);
+        }
+    }
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    for (SxCase const& which : kCases) {
-        for (std::size_t i = 0; i < std::size(kSizes); ++i) {
-            for (VectorTarget const target : fx_GetVectorTargets()) {
-                bool const isFastest = target == fx_GetVectorTargets().front();
-                bool const isAVX2 = target == VectorTarget::AVX2;
-                double const bar = isFastest ? which.bars[i] : isAVX2 ? which.avx2Bars[i] : 0;
-                std::string const name = std::string(which.name) + '/' + kSizes[i].name + '/' +
-                                         fx_GetName(target) + " / " + which.peerName;
-                benchmark::RegisterBenchmark(name.c_str(), fx_Run, kSizes[i], which, bar, fx_GetName(target))
-                    ->UseManualTime()
-                    ->Iterations(kSizes[i].turns)
-                    ->Unit(benchmark::kMicrosecond);
-            }
-        }
-    }
+    for (SxPackedFormat const& format : kPackedFormats)
+        fx_Register(format, &CxJob::toIYUV, fx_PeerOf(format));
+    fx_Register(kShown, &CxJob::fromIYUV, kBack);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

@@ -7,6 +7,7 @@
 #include "FuzzInput.h"
 #include "IYUVConversion.h"
 #include "support/ConversionOracle.h"
+#include "support/PackedFormats.h"
 
 static constexpr quint64 kMostBytes = 1 << 18; // more only take time
 static constexpr quint64 kMostPixels = 1 << 12;
@@ -26,7 +27,7 @@ static quint32 fx_Side(CxFuzzInput& input)
 
 static SxPicBufInfo fx_Format(CxFuzzInput& input)
 {
-    SxSourceFormat const& packing = kSourceFormats[input.byte() % 6];
+    SxPackedFormat const& packing = kPackedFormats[input.byte() % std::size(kPackedFormats)];
     SxPicBufInfo format;
     format.width = fx_Side(input);
     format.height = fx_Side(input);
@@ -112,7 +113,7 @@ static void fx_ToIYUV(CxFuzzInput& input)
     }
     if (convert != ConvertPicBuftoIYUV)
         return; // the record may say another format than the converter's
-    SxSourceFormat const packing{"", source.sampleType, source.components};
+    SxPackedFormat const packing{"", source.sampleType, source.components};
     bool const isEmpty = source.width == 0 || source.height == 0;
     if (!fx_IsKnown(source) || (!isEmpty && (!source.data || source.pitch < packing.pixelBytes()))) {
         TARN_EXPECT(!isConverted);

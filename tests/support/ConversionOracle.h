@@ -14,20 +14,6 @@ struct SxColour
     int blue, green, red;
 };
 
-/// The six packed formats.
-struct SxSourceFormat
-{
-    char const* name;
-    quint32 sampleType;
-    quint32 components;
-
-    quint32 pixelBytes() const { return components * (sampleType == 4 ? 2 : 1); }
-};
-
-constexpr SxSourceFormat kSourceFormats[] = {
-    {"Mono8", 2, 1}, {"RGB24", 2, 3}, {"RGB32", 2, 4}, {"Mono16", 4, 1}, {"RGB48", 4, 3}, {"RGB64", 4, 4},
-};
-
 uchar fx_OracleY(SxColour colour);
 uchar fx_OracleU(SxColour colour);
 uchar fx_OracleV(SxColour colour);

@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+#include "support/PackedFormats.h"
+
 using std::size_t;
 using std::uint8_t;
 
@@ -104,10 +106,17 @@ struct SxPlanes
         , v(width / 2)
     {}
 
-    void convert(SxColourKernels const& rows, uint8_t const* src, unsigned width, unsigned shift)
+    /// Grey has one kernel for words, and none for bytes, which are copied.
+    void convert(SxIYUVKernels const& rows, SxPackedFormat const& format, uint8_t const* src, unsigned width,
+                 unsigned shift)
     {
-        rows.luma(src, luma.data(), width, shift);
-        rows.lumaAndChroma(src, y.data(), u.data(), v.data(), width, shift);
+        if (format.colour) {
+            (rows.*format.colour).luma(src, luma.data(), width, shift);
+            if (width % 2 == 0) // pairs only
+                (rows.*format.colour).lumaAndChroma(src, y.data(), u.data(), v.data(), width, shift);
+        } else if (format.isWords()) {
+            rows.mono16(src, y.data(), width, shift);
+        }
     }
     bool operator==(SxPlanes const& other) const
     {
@@ -126,23 +135,6 @@ struct SxPlanes
     CxTarget luma, y, u, v;
 };
 
-struct SxFormat
-{
-    char const* name;
-    SxColourKernels SxIYUVKernels::*rows;
-    unsigned components;
-    bool isWords;
-
-    unsigned pixelBytes() const { return components * (isWords ? 2 : 1); }
-};
-
-constexpr SxFormat kFormats[] = {
-    {"rgb24", &SxIYUVKernels::rgb24, 3, false},
-    {"rgb32", &SxIYUVKernels::rgb32, 4, false},
-    {"rgb48", &SxIYUVKernels::rgb48, 3, true},
-    {"rgb64", &SxIYUVKernels::rgb64, 4, true},
-};
-
 std::vector<uint8_t> fx_Noise(size_t size, unsigned seed)
 {
     std::vector<uint8_t> bytes(size);
@@ -153,11 +145,11 @@ std::vector<uint8_t> fx_Noise(size_t size, unsigned seed)
 
 /// Sets one component of a row to value(x). Words keep their noise around bits 4 to 11.
 template<class Value>
-void fx_SetComponent(SxFormat const& format, std::vector<uint8_t>& row, unsigned component, Value value)
+void fx_SetComponent(SxPackedFormat const& format, std::vector<uint8_t>& row, unsigned component, Value value)
 {
     for (unsigned x = 0; x < row.size() / format.pixelBytes(); ++x) {
         uint8_t* const pixel = row.data() + size_t(x) * format.pixelBytes();
-        if (!format.isWords) {
+        if (!format.isWords()) {
             pixel[component] = static_cast<uint8_t>(value(x));
             continue;
         }
@@ -180,10 +172,12 @@ std::string fx_Difference(std::string const& table, std::string const& kernel, s
 std::string fx_CheckColours(char const* table, SxIYUVKernels const& rows)
 {
     constexpr unsigned kGreens = 8, kWidth = kGreens * 512;
-    for (SxFormat const& format : kFormats) {
+    for (SxPackedFormat const& format : kPackedFormats) {
+        if (!format.colour)
+            continue;
         CxHash hash;
         std::vector<uint8_t> row = fx_Noise(size_t(kWidth) * format.pixelBytes(), 1);
-        unsigned const shift = format.isWords ? 4 : 0;
+        unsigned const shift = format.isWords() ? 4 : 0;
         SxPlanes expected(kWidth), actual(kWidth);
         // In pairs of pixels, so that each colour is a left one.
         fx_SetComponent(format, row, 2, [](unsigned x) { return x / 2 % 256; });
@@ -191,8 +185,8 @@ std::string fx_CheckColours(char const* table, SxIYUVKernels const& rows)
             fx_SetComponent(format, row, 0, [blue](unsigned) { return blue; });
             for (unsigned green = 0; green < 256; green += kGreens) {
                 fx_SetComponent(format, row, 1, [green](unsigned x) { return green + x / 512; });
-                expected.convert(fx_GetScalarIYUVKernels().*format.rows, row.data(), kWidth, shift);
-                actual.convert(rows.*format.rows, row.data(), kWidth, shift);
+                expected.convert(fx_GetScalarIYUVKernels(), format, row.data(), kWidth, shift);
+                actual.convert(rows, format, row.data(), kWidth, shift);
                 if (!(actual == expected))
                     return actual.difference(
                         expected, {table, format.name, kWidth,
@@ -249,27 +243,21 @@ std::string fx_CheckSamples(char const* table, SxIYUVKernels const& rows)
 std::string fx_CheckShifts(char const* table, SxIYUVKernels const& rows)
 {
     CxHash hash;
-    for (unsigned components : {1u, 3u, 4u}) {
+    for (SxPackedFormat const& format : kPackedFormats) {
+        if (!format.isWords())
+            continue;
+        unsigned const components = format.components;
         std::vector<std::uint16_t> words(65536 * components);
         for (size_t i = 0; i < words.size(); ++i)
             words[i] = static_cast<std::uint16_t>(i / components * (i % components * 4242 + 1));
         uint8_t const* const src = reinterpret_cast<uint8_t const*>(words.data());
         for (unsigned shift = 0; shift < 32; ++shift) {
             SxPlanes expected(65536), actual(65536);
-            if (components == 1) {
-                fx_GetScalarIYUVKernels().mono16(src, expected.y.data(), 65536, shift);
-                rows.mono16(src, actual.y.data(), 65536, shift);
-            } else {
-                auto const format = components == 3 ? &SxIYUVKernels::rgb48 : &SxIYUVKernels::rgb64;
-                expected.convert(fx_GetScalarIYUVKernels().*format, src, 65536, shift);
-                actual.convert(rows.*format, src, 65536, shift);
-            }
+            expected.convert(fx_GetScalarIYUVKernels(), format, src, 65536, shift);
+            actual.convert(rows, format, src, 65536, shift);
             if (!(actual == expected))
-                return actual.difference(expected, {table,
-                                                    components == 1   ? "mono16"
-                                                    : components == 3 ? "rgb48"
-                                                                      : "rgb64",
-                                                    65536, "shift " + std::to_string(shift)});
+                return actual.difference(expected,
+                                         {table, format.name, 65536, "shift " + std::to_string(shift)});
             hash.add(actual.y.data(), actual.y.size());
             hash.add(actual.u.data(), actual.u.size());
             hash.add(actual.v.data(), actual.v.size());
@@ -357,30 +345,16 @@ std::string fx_CheckWidths(char const* table, SxIYUVKernels const& rows)
     for (unsigned const width : fx_Widths()) {
         for (size_t const misalignment : {0u, 1u}) {
             std::string const input = "address + " + std::to_string(misalignment);
-            for (SxFormat const& format : kFormats) {
+            for (SxPackedFormat const& format : kPackedFormats) {
                 std::vector<uint8_t> const source =
                     fx_Source(size_t(width) * format.pixelBytes(), misalignment);
                 uint8_t const* const src = source.data() + misalignment;
-                CxTarget expected(width), actual(width);
-                (fx_GetScalarIYUVKernels().*format.rows).luma(src, expected.data(), width, 3);
-                (rows.*format.rows).luma(src, actual.data(), width, 3);
+                SxPlanes expected(width), actual(width);
+                expected.convert(fx_GetScalarIYUVKernels(), format, src, width, 3);
+                actual.convert(rows, format, src, width, 3);
                 if (!(actual == expected))
-                    return actual.difference(expected, {table, format.name, width, input}, "luma alone");
-                if (width % 2 != 0)
-                    continue; // pairs only
-                SxPlanes expectedPlanes(width), actualPlanes(width);
-                expectedPlanes.convert(fx_GetScalarIYUVKernels().*format.rows, src, width, 3);
-                actualPlanes.convert(rows.*format.rows, src, width, 3);
-                if (!(actualPlanes == expectedPlanes))
-                    return actualPlanes.difference(expectedPlanes, {table, format.name, width, input});
+                    return actual.difference(expected, {table, format.name, width, input});
             }
-
-            std::vector<uint8_t> const source = fx_Source(size_t(width) * 2, misalignment);
-            CxTarget expected(width), actual(width);
-            fx_GetScalarIYUVKernels().mono16(source.data() + misalignment, expected.data(), width, 5);
-            rows.mono16(source.data() + misalignment, actual.data(), width, 5);
-            if (!(actual == expected))
-                return actual.difference(expected, {table, "mono16", width, input}, "luma");
 
             if (width % 2 != 0)
                 continue; // pairs only

@@ -7,6 +7,7 @@
 
 #include "IYUVRows.h"
 #include "support/ConversionOracle.h"
+#include "support/PackedFormats.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ std::vector<uchar> fx_RandomBytes(size_t size, unsigned seed)
 class CxSourcePicture
 {
 public:
-    CxSourcePicture(SxSourceFormat const& format, quint32 width, quint32 height, quint32 padding = 0,
+    CxSourcePicture(SxPackedFormat const& format, quint32 width, quint32 height, quint32 padding = 0,
                     quint32 bits = 8, size_t misalignment = 0)
         : m_bytes(fx_RandomBytes(misalignment + size_t(width * format.pixelBytes() + padding) * height,
                                  width * 131 + height * 7 + padding + bits))
@@ -67,7 +68,7 @@ void fx_CompareWithOracle(Converter convert, SxPicBuf const& source, size_t capa
     QVERIFY(std::all_of(guarded.end() - kGuard, guarded.end(), isUntouched));
 }
 
-SxPicBuf fx_Picture(SxSourceFormat const& format, quint32 width, quint32 height, uchar* data)
+SxPicBuf fx_Picture(SxPackedFormat const& format, quint32 width, quint32 height, uchar* data)
 {
     SxPicBuf picture;
     picture.width = width;
@@ -84,11 +85,11 @@ void fx_AddFormats()
 {
     QTest::addColumn<int>("format");
     int index = 0;
-    for (SxSourceFormat const& format : kSourceFormats)
+    for (SxPackedFormat const& format : kPackedFormats)
         QTest::newRow(format.name) << index++;
 }
 
-SxSourceFormat const& fx_Format(int index) { return kSourceFormats[index]; }
+SxPackedFormat const& fx_Format(int index) { return kPackedFormats[index]; }
 
 constexpr Converter kConverters[] = {
     ConvertMono8toIYUV,  ConvertRGB24toIYUV, ConvertRGB32toIYUV,
@@ -227,7 +228,7 @@ void tst_IYUVConversion::everyByteColour()
     // For each blue, every green and red as a block of two by two pixels, so that each colour is also
     // a left pixel of an even row.
     constexpr quint32 kSize = 512;
-    SxSourceFormat const format = {"", 2, quint32(components)};
+    SxPackedFormat const format = {"", 2, quint32(components)};
     std::vector<uchar> pixels(size_t(kSize) * kSize * format.components);
     SxPicBuf const source = fx_Picture(format, kSize, kSize, pixels.data());
     std::vector<uchar> actual(GetIYUVSize(source)), expected(actual.size());
