@@ -11,6 +11,8 @@
 #include <QSpinBox>
 #include <wels/codec_api.h>
 
+#include "openH264Levels.h"
+
 /// The panel is part of the encoder for translators too.
 static QString fx_Tr(char const* text) { return QCoreApplication::translate("CxOpenH264Encoder", text); }
 
@@ -111,35 +113,11 @@ static QComboBox* fx_NewProfileBox(CxPanel* panel, int& profile)
 
 static QComboBox* fx_NewLevelBox(CxPanel* panel, int& level)
 {
-    // The order of ITU-T H.264, table A-1, where 1b stands between 1 and 1.1.
-    static struct
-    {
-        char const* text;
-        int level;
-    } const items[] = {
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "1"), LEVEL_1_0},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "1b"), LEVEL_1_B},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "1.1"), LEVEL_1_1},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "1.2"), LEVEL_1_2},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "1.3"), LEVEL_1_3},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "2"), LEVEL_2_0},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "2.1"), LEVEL_2_1},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "2.2"), LEVEL_2_2},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "3"), LEVEL_3_0},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "3.1"), LEVEL_3_1},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "3.2"), LEVEL_3_2},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "4"), LEVEL_4_0},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "4.1"), LEVEL_4_1},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "4.2"), LEVEL_4_2},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "5"), LEVEL_5_0},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "5.1"), LEVEL_5_1},
-        {QT_TRANSLATE_NOOP("CxOpenH264Encoder", "5.2"), LEVEL_5_2},
-    };
     QComboBox* const box = new QComboBox(panel);
     box->setObjectName(QStringLiteral("cbH264LevelIdc"));
-    for (auto const& item : items)
-        box->addItem(fx_Tr(item.text), item.level);
-    if (!fx_Select(box, level, 16))
+    for (SxLevel const& item : fx_GetLevels())
+        box->addItem(fx_Tr(item.name), int(item.level));
+    if (!fx_Select(box, level, box->count() - 1))
         level = SxEncoderOptions().level;
     return box;
 }
