@@ -1,6 +1,19 @@
 // The work on vectors of 64 bytes, for AVX-512 with its permutations of bytes and its dot products. It does
-// in two thirds of the instructions what the portable form does; docs/kernels.md has the figures. Included by
-// IYUVRowsSimd.cpp inside its namespace; hence no include guard and no includes.
+// in two thirds of the instructions what the portable form does; docs/kernels.md has the figures.
+
+#if defined(TARN_IYUVROWSAVX512_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef TARN_IYUVROWSAVX512_INL_H_
+#undef TARN_IYUVROWSAVX512_INL_H_
+#else
+#define TARN_IYUVROWSAVX512_INL_H_
+#endif
+
+#include "IYUVRowsVectors-inl.h"
+
+#if HWY_TARGET == HWY_AVX3
+TARN_BEFORE_NAMESPACE();
+namespace HWY_NAMESPACE {
+namespace {
 
 /// Every other dword, block by block.
 HWY_INLINE __m512i fx_EvenDwords(V32 a, V32 b)
@@ -334,3 +347,10 @@ private:
     V8 m_inTurn;
     SxChange m_change;
 };
+
+} // namespace
+} // namespace HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+#endif
+
+#endif

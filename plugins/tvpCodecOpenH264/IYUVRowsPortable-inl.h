@@ -1,5 +1,19 @@
-// The work on vectors of any width, in Highway's terms. Included by IYUVRowsSimd.cpp, once for each
-// instruction set, inside that set's namespace; hence no include guard and no includes.
+// The work on vectors of any width, in Highway's terms, once for each instruction set without rows of its
+// own.
+
+#if defined(TARN_IYUVROWSPORTABLE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef TARN_IYUVROWSPORTABLE_INL_H_
+#undef TARN_IYUVROWSPORTABLE_INL_H_
+#else
+#define TARN_IYUVROWSPORTABLE_INL_H_
+#endif
+
+#include "IYUVRowsVectors-inl.h"
+
+#if TARN_HAS_VECTORS && HWY_TARGET != HWY_AVX3
+TARN_BEFORE_NAMESPACE();
+namespace HWY_NAMESPACE {
+namespace {
 
 // What Highway 1.0.3 has no name for, or only in an order that costs another permutation: each of these
 // works within blocks, and one permutation at the end puts everything right.
@@ -354,3 +368,10 @@ private:
     Permutation m_order;
     V8 m_twice;
 };
+
+} // namespace
+} // namespace HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+#endif
+
+#endif
