@@ -4,7 +4,7 @@
 #include "support/RecordedCamera.h"
 
 /// What info, export and verify have in common: how they open a recording and how they are asked.
-class tst_PlaySession : public QObject, private CxRecordedCamera
+class tst_PlayCommand : public QObject, private CxRecordedCamera
 {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ private slots:
     void helpOfEveryCommand();
 };
 
-void tst_PlaySession::unreadableRecordings_data()
+void tst_PlayCommand::unreadableRecordings_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("cause");
@@ -36,7 +36,7 @@ void tst_PlaySession::unreadableRecordings_data()
     QTest::newRow("missing") << QByteArray() << "there is no such file.";
 }
 
-void tst_PlaySession::unreadableRecordings()
+void tst_PlayCommand::unreadableRecordings()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, cause);
@@ -54,7 +54,7 @@ void tst_PlaySession::unreadableRecordings()
     QCOMPARE(run({"info", "."}).err, QByteArray("error: .: this is a folder.\n"));
 }
 
-void tst_PlaySession::wrongUsage_data()
+void tst_PlayCommand::wrongUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
@@ -64,7 +64,7 @@ void tst_PlaySession::wrongUsage_data()
     QTest::newRow("unknown option") << QStringList{"info", "--fast", "a"} << "Unknown option 'fast'.";
 }
 
-void tst_PlaySession::wrongUsage()
+void tst_PlayCommand::wrongUsage()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, sentence);
@@ -76,7 +76,7 @@ void tst_PlaySession::wrongUsage()
     QCOMPARE(QDir(m_shared.path()).entryList(QDir::Files), QStringList{"in.h264"});
 }
 
-void tst_PlaySession::quietSaysNothing()
+void tst_PlayCommand::quietSaysNothing()
 {
     for (QStringList const& arguments :
          {QStringList{"verify", m_recording, "-q"},
@@ -88,14 +88,14 @@ void tst_PlaySession::quietSaysNothing()
     }
 }
 
-void tst_PlaySession::helpOfEveryCommand_data()
+void tst_PlayCommand::helpOfEveryCommand_data()
 {
     QTest::addColumn<QString>("command");
     for (char const* command : {"info", "export", "verify"})
         QTest::newRow(command) << command;
 }
 
-void tst_PlaySession::helpOfEveryCommand()
+void tst_PlayCommand::helpOfEveryCommand()
 {
     QFETCH(QString, command);
     SxMinihostRun const help = run({command, "--help"});
@@ -107,5 +107,5 @@ void tst_PlaySession::helpOfEveryCommand()
     QCOMPARE(run({"help", command}).out, help.out);
 }
 
-QTEST_GUILESS_MAIN(tst_PlaySession)
-#include "tst_PlaySession.moc"
+QTEST_GUILESS_MAIN(tst_PlayCommand)
+#include "tst_PlayCommand.moc"
