@@ -38,16 +38,18 @@ int fx_RunView(QStringList const& arguments)
 {
     QCommandLineParser parser;
     fx_AddOptions(parser, fx_Options());
-    SxRunOptions options;
-    QString error;
-    if (!fx_ParseOptions(parser, arguments, options, error))
-        return fx_WrongUsage(QStringLiteral("view"), error);
-    if (options.help) {
+    bool const isParsed = parser.parse(arguments);
+    if (parser.isSet(QStringLiteral("help"))) {
         Console::data(fx_Help());
         return kDone;
     }
+    if (!isParsed)
+        return fx_WrongUsage(QStringLiteral("view"), parser.errorText());
     QStringList const names = parser.positionalArguments();
     if (names.size() > 1)
         return fx_WrongUsage(QStringLiteral("view"), QStringLiteral("One file or source can be opened."));
-    return fx_ShowWindow(options.pluginPath, names.value(0), error) ? kDone : fx_Failed(error);
+    QString error;
+    return fx_ShowWindow(parser.value(QStringLiteral("plugin-path")), names.value(0), error)
+               ? kDone
+               : fx_Failed(error);
 }
