@@ -68,12 +68,7 @@ void tst_PlayCommand::wrongUsage()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, sentence);
-    SxMinihostRun const refused = fx_RunMinihost(arguments, QByteArray(), m_shared.path());
-    QCOMPARE(refused.exitCode, 2);
-    QVERIFY2(refused.err.contains(sentence.toUtf8()), refused.err);
-    QVERIFY2(refused.err.contains("See minihost " + arguments.first().toUtf8() + " --help."), refused.err);
-    QCOMPARE(refused.err.count('\n'), 1);
-    QCOMPARE(QDir(m_shared.path()).entryList(QDir::Files), QStringList{"in.h264"});
+    checkRefused(arguments, sentence);
 }
 
 void tst_PlayCommand::quietSaysNothing()

@@ -1,5 +1,6 @@
 #include "support/RecordedCamera.h"
 
+#include <QDir>
 #include <QTest>
 
 void CxRecordedCamera::makeRecording()
@@ -16,4 +17,14 @@ void CxRecordedCamera::makeFolder()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
+}
+
+void CxRecordedCamera::checkRefused(QStringList const& arguments, QString const& sentence) const
+{
+    SxMinihostRun const refused = fx_RunMinihost(arguments, QByteArray(), m_shared.path());
+    QCOMPARE(refused.exitCode, 2);
+    QVERIFY2(refused.err.contains(sentence.toUtf8()), refused.err);
+    QVERIFY2(refused.err.contains("See minihost " + arguments.first().toUtf8() + " --help."), refused.err);
+    QCOMPARE(refused.err.count('\n'), 1);
+    QCOMPARE(QDir(m_shared.path()).entryList(QDir::Files), QStringList{"in.h264"});
 }

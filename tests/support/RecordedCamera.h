@@ -18,6 +18,10 @@ protected:
     void makeRecording(); ///< for initTestCase(), which fails when it cannot be made
     void makeFolder();    ///< for init()
 
+    /// A command line that is wrong usage: fails the test unless it is refused in one line that holds
+    /// \p sentence and where to read on, and leaves nothing beside the recording.
+    void checkRefused(QStringList const& arguments, QString const& sentence) const;
+
     QString path(QString const& name) const { return m_folder->filePath(name); }
     SxMinihostRun run(QStringList const& arguments) const
     {
