@@ -14,9 +14,9 @@ private slots:
     void everyLevelHasItsLargestBitRate();
 };
 
-// Below, between and above the levels, up to numbers that no level will ever have.
-static constexpr int kFirstValue = -3;
-static constexpr int kLastValue = 300;
+// Every number that the enumeration can hold: its largest enumerator, 52, takes six bits.
+static constexpr int kFirstValue = 0;
+static constexpr int kLastValue = 63;
 
 void tst_openH264Levels::everyLevelHasItsLargestPicture()
 {
