@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "ContactSheet.h"
+#include "ExitCode.h"
 #include "NumberedFileName.h"
 
 namespace {
@@ -157,5 +158,5 @@ QString fx_ExportHelp()
                "\n"
                "Usage: minihost export FILE --frames SPEC --output PATTERN|- [options]\n"
                "\n") +
-           fx_OptionsHelp(fx_Options()) + QStringLiteral("\nExit code: 0 done, 1 failed, 2 wrong usage.");
+           fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') + fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
 }

@@ -48,8 +48,9 @@ QString fx_Help()
            fx_OptionsHelp(fx_Options()) +
            QStringLiteral("\n"
                           "A raw stream carries no frame rate: durations and bit rates assume %1 pictures a\n"
-                          "second. Exit code: 0 done, 1 failed, 2 wrong usage.")
-               .arg(kPicturesASecond);
+                          "second.\n")
+               .arg(kPicturesASecond) +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
 }
 
 /// Profile and level as the first sequence parameter set names them: profile_idc, constraint flags,

@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include "ExitCode.h"
+
 namespace {
 
 QString const kCamera = QStringLiteral("camera:");
@@ -248,5 +250,6 @@ QString fx_RecordHelp()
            fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +
            fx_OptionsHelp(fx_OutputOptions()) +
            QStringLiteral("\n"
-                          "Ctrl-C ends a recording cleanly. Exit code: 0 done, 1 failed, 2 wrong usage.");
+                          "Ctrl-C ends a recording cleanly.\n") +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
 }

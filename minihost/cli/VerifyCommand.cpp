@@ -39,8 +39,7 @@ QString fx_Help()
                "\n"
                "Usage: minihost verify [options] FILE\n"
                "\n") +
-           fx_OptionsHelp(fx_Options()) +
-           QStringLiteral("\nExit code: 0 every frame decodes, 1 a frame fails, 2 wrong usage.");
+           fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') + fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
 }
 
 /// Pictures that begin in these coded bytes: slices (nal_unit_type 1 and 5) with first_mb_in_slice 0,

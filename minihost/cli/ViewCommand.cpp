@@ -30,8 +30,8 @@ static QString fx_Help()
                           "\n") +
            fx_OptionsHelp(fx_Options()) +
            QStringLiteral("\n"
-                          "F1 in the window lists its keys. Texts follow the locale: English or German.\n"
-                          "Exit code: 0 done, 1 failed, 2 wrong usage.");
+                          "F1 in the window lists its keys. Texts follow the locale: English or German.\n") +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
 }
 
 int fx_RunView(QStringList const& arguments)

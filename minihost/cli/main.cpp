@@ -39,8 +39,8 @@ static QString fx_Help()
            commands +
            QStringLiteral("  help C     how to use command C, as C --help\n"
                           "  --version  version of this program\n"
-                          "\n"
-                          "Exit code: 0 done, 1 failed, 2 wrong usage.");
+                          "\n") +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
 }
 
 static int fx_Dispatch(QStringList arguments)
