@@ -64,14 +64,14 @@ class tst_roundtrip : public QObject
 private slots:
     void initTestCase();
 
-    void recording_data();
-    void recording();
-    void cutRecording_data();
-    void cutRecording();
-    void damagedRecording_data();
-    void damagedRecording();
-    void foreignStream_data();
-    void foreignStream();
+    void everyPictureIsThatOfFFmpeg_data();
+    void everyPictureIsThatOfFFmpeg();
+    void cutRecordingPlaysUpToItsEnd_data();
+    void cutRecordingPlaysUpToItsEnd();
+    void damagedRecordingGivesPicturesOrNone_data();
+    void damagedRecordingGivesPicturesOrNone();
+    void foreignStreamGivesPicturesOrNone_data();
+    void foreignStreamGivesPicturesOrNone();
     void foreignBaselineIsExact();
 
 private:
@@ -115,7 +115,7 @@ void tst_roundtrip::record(int count, quint32 width, quint32 height) const
     }
 }
 
-void tst_roundtrip::recording_data()
+void tst_roundtrip::everyPictureIsThatOfFFmpeg_data()
 {
     QTest::addColumn<int>("profile");
     QTest::addColumn<int>("keyFrameInterval");
@@ -129,7 +129,7 @@ void tst_roundtrip::recording_data()
 }
 
 /// Every picture, in whatever order it is asked for, is FFmpeg's.
-void tst_roundtrip::recording()
+void tst_roundtrip::everyPictureIsThatOfFFmpeg()
 {
     QFETCH(int, profile);
     QFETCH(int, keyFrameInterval);
@@ -186,10 +186,10 @@ static QList<QByteArray> fx_LoadAll(QString const& fileName)
     return pictures;
 }
 
-void tst_roundtrip::cutRecording_data() { fx_AddProfiles(); }
+void tst_roundtrip::cutRecordingPlaysUpToItsEnd_data() { fx_AddProfiles(); }
 
 /// A camera program that was killed: the file ends anywhere within the last two frames.
-void tst_roundtrip::cutRecording()
+void tst_roundtrip::cutRecordingPlaysUpToItsEnd()
 {
     QFETCH(int, profile);
     SxCodedStream const stream =
@@ -219,10 +219,10 @@ void tst_roundtrip::cutRecording()
     }
 }
 
-void tst_roundtrip::damagedRecording_data() { fx_AddProfiles(); }
+void tst_roundtrip::damagedRecordingGivesPicturesOrNone_data() { fx_AddProfiles(); }
 
 /// One byte changed, anywhere: pictures or none, and nothing else happens.
-void tst_roundtrip::damagedRecording()
+void tst_roundtrip::damagedRecordingGivesPicturesOrNone()
 {
     QFETCH(int, profile);
     QByteArray const whole =
@@ -247,7 +247,7 @@ void tst_roundtrip::damagedRecording()
     QVERIFY(pictures > kDamagedFiles); // most of them are still there
 }
 
-void tst_roundtrip::foreignStream_data()
+void tst_roundtrip::foreignStreamGivesPicturesOrNone_data()
 {
     QTest::addColumn<QByteArray>("profile");
     QTest::addColumn<QByteArray>("options");
@@ -284,7 +284,7 @@ static QByteArray fx_WithOurHeaders(QByteArray stream)
 }
 
 /// Streams of another encoder, as they are and dressed up as ours: opened or refused, pictures or none.
-void tst_roundtrip::foreignStream()
+void tst_roundtrip::foreignStreamGivesPicturesOrNone()
 {
     QFETCH(QByteArray, profile);
     QFETCH(QByteArray, options);

@@ -19,11 +19,11 @@ class tst_sameBytesEverywhere : public QObject
 
 private slots:
     void initTestCase();
-    void planesOfAPicture_data();
-    void planesOfAPicture();
-    void recordingOfTheSameOpenH264_data();
-    void recordingOfTheSameOpenH264();
-    void decodedPicturesOfEveryOpenH264();
+    void planesAndPixelsAreTheSame_data();
+    void planesAndPixelsAreTheSame();
+    void recordingIsTheSameWithTheSameOpenH264_data();
+    void recordingIsTheSameWithTheSameOpenH264();
+    void decodedPicturesAreTheSameWithEveryOpenH264();
 };
 
 static QByteArray fx_OpenH264Version()
@@ -49,7 +49,7 @@ static CxTestCamera fx_Camera(QString const& format)
 
 void tst_sameBytesEverywhere::initTestCase() { qInfo("OpenH264 %s", fx_OpenH264Version().constData()); }
 
-void tst_sameBytesEverywhere::planesOfAPicture_data()
+void tst_sameBytesEverywhere::planesAndPixelsAreTheSame_data()
 {
     QTest::addColumn<QByteArray>("planes");
     QTest::addColumn<QByteArray>("pixels");
@@ -62,7 +62,7 @@ void tst_sameBytesEverywhere::planesOfAPicture_data()
                               << QByteArray("c5eca73b9e6b78ae32b88c18bc8635fc");
 }
 
-void tst_sameBytesEverywhere::planesOfAPicture()
+void tst_sameBytesEverywhere::planesAndPixelsAreTheSame()
 {
     QFETCH(QByteArray, planes);
     QFETCH(QByteArray, pixels);
@@ -87,7 +87,7 @@ void tst_sameBytesEverywhere::planesOfAPicture()
     QCOMPARE(fx_Hash(shown), pixels);
 }
 
-void tst_sameBytesEverywhere::recordingOfTheSameOpenH264_data()
+void tst_sameBytesEverywhere::recordingIsTheSameWithTheSameOpenH264_data()
 {
     QTest::addColumn<QMap<QString, QVariant>>("options");
     QTest::addColumn<QMap<QString, QVariant>>("hashes"); // by the version of OpenH264
@@ -102,7 +102,7 @@ void tst_sameBytesEverywhere::recordingOfTheSameOpenH264_data()
         {{"2.3.1", "4ecb14c681ba252122c4851e57e8206b"}, {"2.6.0", "cc2e13a55158053cc19ef4a8958d11d0"}});
 }
 
-void tst_sameBytesEverywhere::recordingOfTheSameOpenH264()
+void tst_sameBytesEverywhere::recordingIsTheSameWithTheSameOpenH264()
 {
     using Options = QMap<QString, QVariant>;
     QFETCH(Options, options);
@@ -126,7 +126,7 @@ void tst_sameBytesEverywhere::recordingOfTheSameOpenH264()
     QCOMPARE(hash, hashes[QString::fromLatin1(version)].toByteArray());
 }
 
-void tst_sameBytesEverywhere::decodedPicturesOfEveryOpenH264()
+void tst_sameBytesEverywhere::decodedPicturesAreTheSameWithEveryOpenH264()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(QStringLiteral(CAMERA_RECORDING));

@@ -107,23 +107,23 @@ private slots:
     void newLoaderHoldsNothing();
     void offersOneFileFormat();
     void buffersAreAllocatedAndFreed();
-    void refusedFiles_data();
-    void refusedFiles();
+    void unusableFileIsRefusedSilently_data();
+    void unusableFileIsRefusedSilently();
     void unreadableFileIsReported_data();
     void unreadableFileIsReported();
     void opensLazily_data();
     void opensLazily();
-    void indexOfOurStream();
+    void indexHasEveryFrameOfOurStream();
     void keyFramesAreShared();
     void framesOpenAtParameterSetsAndSlices_data();
     void framesOpenAtParameterSetsAndSlices();
-    void strangeFile_data();
-    void strangeFile();
-    void everyShortFile_data();
-    void everyShortFile();
-    void startCodeAcrossEveryPageEdge();
-    void spsAtTheEndOfThePage();
-    void manyTinyFrames();
+    void strangeFileIsIndexedLikeThePlainScan_data();
+    void strangeFileIsIndexedLikeThePlainScan();
+    void everyShortFileIsIndexedLikeThePlainScan_data();
+    void everyShortFileIsIndexedLikeThePlainScan();
+    void startCodeIsFoundAcrossEveryPageEdge();
+    void nothingIsReadBehindAnSpsAtThePageEnd();
+    void manyTinyFramesAreIndexed();
     void frameDataIsReadFromTheFile();
     void noFrameDataWithoutAFile();
     void picturesComeWithTheirTimes();
@@ -131,19 +131,19 @@ private slots:
     void pictureOutsideTheStreamIsNone();
     void pictureHasThePitchOfTheHost_data();
     void pictureHasThePitchOfTheHost();
-    void sizeThatTheDecoderContradicts();
+    void contradictedSizeGivesNoPicture();
     void damagedFrameGivesNoPictureUntilTheNextKeyFrame();
-    void damagedStreamOfEveryProfile_data();
-    void damagedStreamOfEveryProfile();
+    void damageStaysInItsGroup_data();
+    void damageStaysInItsGroup();
     void otherInputFileOfAnOpenLoaderWaits();
     void reopeningDoublesTheIndex();
     void reopeningForgetsReferencePictures();
     void failedOpenKeepsTheIndex();
     void openingTwiceKeepsOneDecoder();
     void decoderLivesWhileOpen();
-    void everyOrderOfOpenCloseDelete();
-    void fileGrowsBehindItsMapping();
-    void besideAWriter();
+    void decoderFollowsEveryOrderOfOpenAndClose();
+    void growthBehindTheMappingIsLeftOut();
+    void opensBesideAWriter();
     void shrunkFileIsNotReadBeyondItsEnd_data();
     void shrunkFileIsNotReadBeyondItsEnd();
     void vanishedFileGivesSoundPicturesOrNone();
@@ -229,7 +229,7 @@ void tst_H264VideoLoader::buffersAreAllocatedAndFreed()
     loader.freeBuffer(nullptr);
 }
 
-void tst_H264VideoLoader::refusedFiles_data()
+void tst_H264VideoLoader::unusableFileIsRefusedSilently_data()
 {
     QTest::addColumn<QByteArray>("bytes");
 
@@ -249,7 +249,7 @@ void tst_H264VideoLoader::refusedFiles_data()
         << fx_Unit(0x61, "\x01\x02\x03") + QByteArray::fromHex("00000001674200");
 }
 
-void tst_H264VideoLoader::refusedFiles()
+void tst_H264VideoLoader::unusableFileIsRefusedSilently()
 {
     QFETCH(QByteArray, bytes);
     CxMessageRecorder messages;
@@ -340,7 +340,7 @@ void tst_H264VideoLoader::opensLazily()
     QCOMPARE(loader.sequenceSize(), kFrames); // and it was not opened twice
 }
 
-void tst_H264VideoLoader::indexOfOurStream()
+void tst_H264VideoLoader::indexHasEveryFrameOfOurStream()
 {
     CxH264VideoLoader loader;
     loader.setInputFile(write(m_stream.bytes(), QStringLiteral("gr\u00FC\u00DFe \u65E5\u672C.h264")));
@@ -451,7 +451,7 @@ void tst_H264VideoLoader::checkIndex(QByteArray const& bytes)
         fx_Load(loader, frame);
 }
 
-void tst_H264VideoLoader::strangeFile_data()
+void tst_H264VideoLoader::strangeFileIsIndexedLikeThePlainScan_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     int const kSize = 100000;
@@ -479,13 +479,13 @@ void tst_H264VideoLoader::strangeFile_data()
     }
 }
 
-void tst_H264VideoLoader::strangeFile()
+void tst_H264VideoLoader::strangeFileIsIndexedLikeThePlainScan()
 {
     QFETCH(QByteArray, bytes);
     checkIndex(bytes);
 }
 
-void tst_H264VideoLoader::everyShortFile_data()
+void tst_H264VideoLoader::everyShortFileIsIndexedLikeThePlainScan_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QByteArray const sps = fx_SpsUnit(5, 3);
@@ -496,7 +496,7 @@ void tst_H264VideoLoader::everyShortFile_data()
     QTest::newRow("of SPS headers") << QByteArray::fromHex("00000167").repeated(16);
 }
 
-void tst_H264VideoLoader::everyShortFile()
+void tst_H264VideoLoader::everyShortFileIsIndexedLikeThePlainScan()
 {
     QFETCH(QByteArray, bytes);
     for (int size = 1; size <= 64; ++size) {
@@ -506,7 +506,7 @@ void tst_H264VideoLoader::everyShortFile()
     }
 }
 
-void tst_H264VideoLoader::startCodeAcrossEveryPageEdge()
+void tst_H264VideoLoader::startCodeIsFoundAcrossEveryPageEdge()
 {
     QByteArray const sps = fx_SpsUnit(5, 3);
     for (int const edge : {4096, 8192, 16384, 65536}) {
@@ -524,7 +524,7 @@ void tst_H264VideoLoader::startCodeAcrossEveryPageEdge()
 }
 
 /// The mapping ends with the set: whatever its codes say, nothing is read behind it.
-void tst_H264VideoLoader::spsAtTheEndOfThePage()
+void tst_H264VideoLoader::nothingIsReadBehindAnSpsAtThePageEnd()
 {
     int const page = static_cast<int>(sysconf(_SC_PAGESIZE));
     QByteArray const whole = fx_SpsUnit(5, 3);
@@ -552,7 +552,7 @@ void tst_H264VideoLoader::spsAtTheEndOfThePage()
     }
 }
 
-void tst_H264VideoLoader::manyTinyFrames()
+void tst_H264VideoLoader::manyTinyFramesAreIndexed()
 {
     int const kCount = 100000;
     QByteArray const sps = fx_SpsUnit(5, 3);
@@ -697,7 +697,7 @@ void tst_H264VideoLoader::pictureHasThePitchOfTheHost()
     QCOMPARE(image->picBuf()->pitch, pitch);
 }
 
-void tst_H264VideoLoader::sizeThatTheDecoderContradicts()
+void tst_H264VideoLoader::contradictedSizeGivesNoPicture()
 {
     for (auto const& size : {qMakePair(6u, 3u), qMakePair(5u, 4u), qMakePair(1u, 1u), qMakePair(8000u, 9000u),
                              qMakePair(1u << 28, 1u << 28), qMakePair(0x08000000u, 1u)}) {
@@ -733,7 +733,7 @@ void tst_H264VideoLoader::damagedFrameGivesNoPictureUntilTheNextKeyFrame()
         QCOMPARE(fx_Load(loader, frame), m_pictures.at(frame));
 }
 
-void tst_H264VideoLoader::damagedStreamOfEveryProfile_data()
+void tst_H264VideoLoader::damageStaysInItsGroup_data()
 {
     QTest::addColumn<int>("profile");
     for (int const profile : {66, 77, 88, 100})
@@ -742,7 +742,7 @@ void tst_H264VideoLoader::damagedStreamOfEveryProfile_data()
 
 /// Bits flipped in one frame: the frames of other groups, and those ahead of it in its own, are
 /// exactly what they were, in every order.
-void tst_H264VideoLoader::damagedStreamOfEveryProfile()
+void tst_H264VideoLoader::damageStaysInItsGroup()
 {
     QFETCH(int, profile);
     SxCodedStream const stream =
@@ -880,7 +880,7 @@ void tst_H264VideoLoader::decoderLivesWhileOpen()
 }
 
 /// What each leaves behind is for the leak checker.
-void tst_H264VideoLoader::everyOrderOfOpenCloseDelete()
+void tst_H264VideoLoader::decoderFollowsEveryOrderOfOpenAndClose()
 {
     QString const good = write(m_stream.bytes());
     QString const bad = write("no stream", QStringLiteral("bad.h264"));
@@ -913,7 +913,7 @@ void tst_H264VideoLoader::everyOrderOfOpenCloseDelete()
     }
 }
 
-void tst_H264VideoLoader::fileGrowsBehindItsMapping()
+void tst_H264VideoLoader::growthBehindTheMappingIsLeftOut()
 {
     QString const name = write(m_stream.bytes(), QStringLiteral("growing.h264"));
     bool hasGrown = false;
@@ -981,7 +981,7 @@ private:
 } // namespace
 
 /// A recording in progress: it opens with what is there, up to the middle of its last frame.
-void tst_H264VideoLoader::besideAWriter()
+void tst_H264VideoLoader::opensBesideAWriter()
 {
     QByteArray const round = m_stream.bytes();
     qint64 largest = 0;

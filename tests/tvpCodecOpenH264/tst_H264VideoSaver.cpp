@@ -119,9 +119,9 @@ private slots:
 
     void isASaver();
     void isCreatedThroughItsMetaObject();
-    void supportedImageFormats();
-    void querySavedImageFormat();
-    void querySavedImageFormatWithoutEncoder();
+    void offersOneFileFormat();
+    void savedFormatIsThatOfTheEncoder();
+    void withoutEncoderNoFormatIsSaved();
     void sequenceSizeHasNoEffect();
 
     void nullDataIsRefusedSilently();
@@ -130,39 +130,39 @@ private slots:
     void fileThatCannotBeOpenedIsReported();
     void missingEncoderIsReported();
     void fileThatCannotBeOpenedIsReportedWithoutEncoder();
-    void encoderCannotTellASize();
-    void pictureWithoutSize();
-    void nullPicture();
-    void pictureWithoutPixels_data();
-    void pictureWithoutPixels();
-    void firstPictureWithoutPixels();
-    void encoderFails();
+    void pictureOfNoEncodedSizeIsPassedOver();
+    void pictureWithoutSizeIsPassedOver();
+    void nullPictureIsRefused();
+    void pictureWithoutPixelsTakesNoNumber_data();
+    void pictureWithoutPixelsTakesNoNumber();
+    void firstPictureWithoutPixelsSetsNoSize();
+    void failedEncodingIsReported();
     void failedWriteIsReported();
-    void lastBytesCannotBeWritten();
-    void outputBufferCannotBeAllocated();
-    void resizeBufferCannotBeAllocated();
-    void scalingFails();
+    void lostLastBytesAreReported();
+    void missingOutputBufferIsRefusedSilently();
+    void missingResizeBufferIsRefusedSilently();
+    void failedScalingIsRefusedSilently();
     void messageNamesItsPlace();
 
     void writesWhatTheEncoderGives();
     void replacesAnExistingFile();
     void laterFileNameHasNoEffect();
     void indexAndSequenceSizeHaveNoEffect();
-    void skippedPictureCounts();
-    void keyFlagIsPreset();
+    void skippedPictureTakesANumber();
+    void keyFlagIsPresetForEveryTenthPicture();
     void outputFileIsAChild();
     void oneEncoderForTheRecording();
-    void openAndClose();
-    void closeWithoutOpen();
+    void closeEndsTheEncoderAndTheCountGoesOn();
+    void closeWithoutOpenDoesNothing();
 
     void sameSizeIsPassedOn();
-    void resizeBuffer_data();
-    void resizeBuffer();
+    void scaledPictureKeepsItsFormat_data();
+    void scaledPictureKeepsItsFormat();
     void resizeBufferIsSetUpOnce();
-    void sizeIsThatOfTheScaledPicture();
+    void encodedSizeIsThatOfTheScaledPicture();
     void bufferIsClearedAndReused();
     void bufferIsAllocatedCleared();
-    void allocBufferWithoutMemory();
+    void failedAllocationGivesNullAndForgetsTheBlock();
 
     void recordingEqualsTheLibrarys_data();
     void recordingEqualsTheLibrarys();
@@ -230,7 +230,7 @@ void tst_H264VideoSaver::isCreatedThroughItsMetaObject()
     QCOMPARE(s_script.created, 0);
 }
 
-void tst_H264VideoSaver::supportedImageFormats()
+void tst_H264VideoSaver::offersOneFileFormat()
 {
     CxH264VideoSaver saver;
     QList<CxImageFormat> const formats = saver.supportedImageFormats();
@@ -239,7 +239,7 @@ void tst_H264VideoSaver::supportedImageFormats()
     QCOMPARE(formats[0].kind, 2);
 }
 
-void tst_H264VideoSaver::querySavedImageFormat()
+void tst_H264VideoSaver::savedFormatIsThatOfTheEncoder()
 {
     fx_UnregisterClasses(nullptr);
     fx_Register(CxOpenH264Encoder::staticMetaObject);
@@ -267,7 +267,7 @@ void tst_H264VideoSaver::querySavedImageFormat()
     QCOMPARE(s_script.alive, 0);
 }
 
-void tst_H264VideoSaver::querySavedImageFormatWithoutEncoder()
+void tst_H264VideoSaver::withoutEncoderNoFormatIsSaved()
 {
     fx_UnregisterClasses(nullptr);
     SxPicBufInfo input;
@@ -404,7 +404,7 @@ void tst_H264VideoSaver::fileThatCannotBeOpenedIsReportedWithoutEncoder()
     QVERIFY(saver.save(&data, 0));
 }
 
-void tst_H264VideoSaver::encoderCannotTellASize()
+void tst_H264VideoSaver::pictureOfNoEncodedSizeIsPassedOver()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -425,7 +425,7 @@ void tst_H264VideoSaver::encoderCannotTellASize()
     QCOMPARE(fx_Read(path()), QByteArray());
 }
 
-void tst_H264VideoSaver::pictureWithoutSize()
+void tst_H264VideoSaver::pictureWithoutSizeIsPassedOver()
 {
     fx_UnregisterClasses(nullptr);
     fx_Register(CxOpenH264Encoder::staticMetaObject);
@@ -449,7 +449,7 @@ public:
 
 } // namespace
 
-void tst_H264VideoSaver::nullPicture()
+void tst_H264VideoSaver::nullPictureIsRefused()
 {
     CxNoPictureData const nothing;
     CxTestPicture const picture(16, 16);
@@ -471,7 +471,7 @@ void tst_H264VideoSaver::nullPicture()
     QCOMPARE(fx_Read(path()), QByteArray("frame0"));
 }
 
-void tst_H264VideoSaver::pictureWithoutPixels_data()
+void tst_H264VideoSaver::pictureWithoutPixelsTakesNoNumber_data()
 {
     QTest::addColumn<bool>("isScaled");
     QTest::addColumn<unsigned long>("maxEncodedSize");
@@ -484,7 +484,7 @@ void tst_H264VideoSaver::pictureWithoutPixels_data()
     QTest::newRow("to be scaled, without an encoded size") << true << 0ul << false << QStringList();
 }
 
-void tst_H264VideoSaver::pictureWithoutPixels()
+void tst_H264VideoSaver::pictureWithoutPixelsTakesNoNumber()
 {
     QFETCH(bool, isScaled);
     QFETCH(unsigned long, maxEncodedSize);
@@ -518,7 +518,7 @@ void tst_H264VideoSaver::pictureWithoutPixels()
 }
 
 /// The recording gets the size of the first picture that has pixels.
-void tst_H264VideoSaver::firstPictureWithoutPixels()
+void tst_H264VideoSaver::firstPictureWithoutPixelsSetsNoSize()
 {
     fx_UnregisterClasses(nullptr);
     fx_Register(CxOpenH264Encoder::staticMetaObject);
@@ -542,7 +542,7 @@ void tst_H264VideoSaver::firstPictureWithoutPixels()
     QCOMPARE(QSize(decoded[0].width, decoded[0].height), QSize(320, 240));
 }
 
-void tst_H264VideoSaver::encoderFails()
+void tst_H264VideoSaver::failedEncodingIsReported()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -588,7 +588,7 @@ void tst_H264VideoSaver::failedWriteIsReported()
     QCOMPARE(s_script.calls.back().keyFrame, true);
 }
 
-void tst_H264VideoSaver::lastBytesCannotBeWritten()
+void tst_H264VideoSaver::lostLastBytesAreReported()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -600,7 +600,7 @@ void tst_H264VideoSaver::lastBytesCannotBeWritten()
     QCOMPARE(m_messages->takeTexts(), fx_SaveText("Error when writing encoded frame to file."));
 }
 
-void tst_H264VideoSaver::outputBufferCannotBeAllocated()
+void tst_H264VideoSaver::missingOutputBufferIsRefusedSilently()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -621,7 +621,7 @@ void tst_H264VideoSaver::outputBufferCannotBeAllocated()
     QCOMPARE(fx_Read(path()), QByteArray("frame0"));
 }
 
-void tst_H264VideoSaver::resizeBufferCannotBeAllocated()
+void tst_H264VideoSaver::missingResizeBufferIsRefusedSilently()
 {
     CxTestPicture const picture(32, 32);
     CxPictureData const data(picture.buf);
@@ -637,7 +637,7 @@ void tst_H264VideoSaver::resizeBufferCannotBeAllocated()
     QCOMPARE(s_script.calls.back().picture.width, 16u);
 }
 
-void tst_H264VideoSaver::scalingFails()
+void tst_H264VideoSaver::failedScalingIsRefusedSilently()
 {
     CxTestPicture picture(32, 32, 4, 4);
     picture.buf.sampleType = 3; // two bytes a sample, in a format that the host does not scale
@@ -736,7 +736,7 @@ void tst_H264VideoSaver::indexAndSequenceSizeHaveNoEffect()
     QCOMPARE(fx_Read(path()), QByteArray("frame0frame1frame2frame3frame4"));
 }
 
-void tst_H264VideoSaver::skippedPictureCounts()
+void tst_H264VideoSaver::skippedPictureTakesANumber()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -753,7 +753,7 @@ void tst_H264VideoSaver::skippedPictureCounts()
     QCOMPARE(saver.findChild<QFile*>()->pos(), 0);
 }
 
-void tst_H264VideoSaver::keyFlagIsPreset()
+void tst_H264VideoSaver::keyFlagIsPresetForEveryTenthPicture()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -803,7 +803,7 @@ void tst_H264VideoSaver::oneEncoderForTheRecording()
     QCOMPARE(s_script.alive, 2);
 }
 
-void tst_H264VideoSaver::openAndClose()
+void tst_H264VideoSaver::closeEndsTheEncoderAndTheCountGoesOn()
 {
     CxTestPicture const picture(16, 16);
     CxPictureData const data(picture.buf);
@@ -826,7 +826,7 @@ void tst_H264VideoSaver::openAndClose()
     QCOMPARE(fx_Read(path()), QByteArray("frame0"));
 }
 
-void tst_H264VideoSaver::closeWithoutOpen()
+void tst_H264VideoSaver::closeWithoutOpenDoesNothing()
 {
     CxH264VideoSaver saver;
     saver.close();
@@ -856,7 +856,7 @@ void tst_H264VideoSaver::sameSizeIsPassedOn()
     QCOMPARE(seen.components, 4u);
 }
 
-void tst_H264VideoSaver::resizeBuffer_data()
+void tst_H264VideoSaver::scaledPictureKeepsItsFormat_data()
 {
     QTest::addColumn<quint32>("components");
     QTest::addColumn<quint32>("sampleType");
@@ -874,7 +874,7 @@ void tst_H264VideoSaver::resizeBuffer_data()
     QTest::newRow("larger") << 4u << 2u << 2048u << 1100u << 8192u;
 }
 
-void tst_H264VideoSaver::resizeBuffer()
+void tst_H264VideoSaver::scaledPictureKeepsItsFormat()
 {
     QFETCH(quint32, components);
     QFETCH(quint32, sampleType);
@@ -945,7 +945,7 @@ void tst_H264VideoSaver::resizeBufferIsSetUpOnce()
     QCOMPARE(s_script.calls[2].picture.data, grey.buf.data);
 }
 
-void tst_H264VideoSaver::sizeIsThatOfTheScaledPicture()
+void tst_H264VideoSaver::encodedSizeIsThatOfTheScaledPicture()
 {
     CxTestPicture const picture(320, 240);
     CxPictureData const data(picture.buf);
@@ -999,7 +999,7 @@ void tst_H264VideoSaver::bufferIsAllocatedCleared()
     QVERIFY(std::all_of(larger, larger + 100000, [](uchar byte) { return byte == 0; }));
 }
 
-void tst_H264VideoSaver::allocBufferWithoutMemory()
+void tst_H264VideoSaver::failedAllocationGivesNullAndForgetsTheBlock()
 {
     CxH264VideoSaver saver;
     QVERIFY(saver.allocBuffer(100));

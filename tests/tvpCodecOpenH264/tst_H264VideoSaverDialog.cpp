@@ -71,7 +71,7 @@ private slots:
     void withoutEncoderNothingIsShown();
     void encoderWithoutPanelShowsNothing();
     void keepsOnlySecondOptions();
-    void callableBySlot();
+    void worksThroughTheInterfaceAlone();
     void offersOneFileFormat();
     void formatsAreTranslated();
 
@@ -281,7 +281,7 @@ void tst_H264VideoSaverDialog::keepsOnlySecondOptions()
     QVERIFY(messages.takeRaw().isEmpty());
 }
 
-void tst_H264VideoSaverDialog::callableBySlot()
+void tst_H264VideoSaverDialog::worksThroughTheInterfaceAlone()
 {
     registerEncoder(CxOpenH264Encoder::staticMetaObject);
     std::unique_ptr<QObject> const object(CxH264VideoSaver::staticMetaObject.newInstance());

@@ -105,24 +105,24 @@ class tst_IYUVConversion : public QObject
     Q_OBJECT
 
 private slots:
-    void sizeOfPlanes_data();
-    void sizeOfPlanes();
-    void sizeOfPlanesWrapsAtThirtyTwoBits_data();
-    void sizeOfPlanesWrapsAtThirtyTwoBits();
-    void knownColours_data();
-    void knownColours();
-    void everyByteColour_data();
-    void everyByteColour();
-    void everyWord_data();
-    void everyWord();
+    void sizeIsThatOfThePlanes_data();
+    void sizeIsThatOfThePlanes();
+    void sizeWrapsAtThirtyTwoBits_data();
+    void sizeWrapsAtThirtyTwoBits();
+    void knownColoursGiveTheirPlanes_data();
+    void knownColoursGiveTheirPlanes();
+    void everyByteColourIsTheOracles_data();
+    void everyByteColourIsTheOracles();
+    void everyWordIsTheOracles_data();
+    void everyWordIsTheOracles();
     void shiftCountIsTakenModulo32_data();
     void shiftCountIsTakenModulo32();
     void fourthSampleIsIgnored();
     void chromaIsPickedFromTheLeftPixelOfEvenRows();
-    void evenSizes_data() { fx_AddFormats(); }
-    void evenSizes();
-    void smallSizesEvenAndOdd_data() { fx_AddFormats(); }
-    void smallSizesEvenAndOdd();
+    void evenSizesAreTheOracles_data() { fx_AddFormats(); }
+    void evenSizesAreTheOracles();
+    void smallSizesAreTheOracles_data() { fx_AddFormats(); }
+    void smallSizesAreTheOracles();
     void oddWidthRunsOnePixelPastTheRow();
     void oddHeightWritesOneChromaRowMore();
     void pitchBelowTheRowReadsOnlyThePicture();
@@ -142,17 +142,17 @@ private slots:
     void otherFormatsAreRefused_data();
     void otherFormatsAreRefused();
 
-    void knownPixelsBack_data();
-    void knownPixelsBack();
-    void everySampleTripleBack();
-    void picturesBack_data();
-    void picturesBack();
+    void knownPlanesGiveTheirPixel_data();
+    void knownPlanesGiveTheirPixel();
+    void everySampleTripleGivesTheOraclesPixel();
+    void picturesBackAreTheOracles_data();
+    void picturesBackAreTheOracles();
     void oddWidthBackWritesIntoThePadding();
     void oddWidthBackStaysInsideTightMemory();
-    void emptyPictureBack();
+    void emptyPictureBackIsNoFailure();
 };
 
-void tst_IYUVConversion::sizeOfPlanes_data()
+void tst_IYUVConversion::sizeIsThatOfThePlanes_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -165,7 +165,7 @@ void tst_IYUVConversion::sizeOfPlanes_data()
     QTest::newRow("widened, not sign-extended") << 65536u << 32768u << 3221225472ull;
 }
 
-void tst_IYUVConversion::sizeOfPlanes()
+void tst_IYUVConversion::sizeIsThatOfThePlanes()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);
@@ -175,7 +175,7 @@ void tst_IYUVConversion::sizeOfPlanes()
     QTEST(qulonglong(GetIYUVSize(picture)), "size");
 }
 
-void tst_IYUVConversion::sizeOfPlanesWrapsAtThirtyTwoBits_data()
+void tst_IYUVConversion::sizeWrapsAtThirtyTwoBits_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -185,9 +185,9 @@ void tst_IYUVConversion::sizeOfPlanesWrapsAtThirtyTwoBits_data()
     QTest::newRow("sum wraps too") << 0xFFFFFFFFu << 1u << 0x7FFFFFFEull;
 }
 
-void tst_IYUVConversion::sizeOfPlanesWrapsAtThirtyTwoBits() { sizeOfPlanes(); }
+void tst_IYUVConversion::sizeWrapsAtThirtyTwoBits() { sizeIsThatOfThePlanes(); }
 
-void tst_IYUVConversion::knownColours_data()
+void tst_IYUVConversion::knownColoursGiveTheirPlanes_data()
 {
     QTest::addColumn<SxColour>("colour");
     QTest::addColumn<int>("y");
@@ -201,7 +201,7 @@ void tst_IYUVConversion::knownColours_data()
     QTest::newRow("quotients truncate toward zero") << SxColour{1, 1, 2} << 1 << 128 << 128;
 }
 
-void tst_IYUVConversion::knownColours()
+void tst_IYUVConversion::knownColoursGiveTheirPlanes()
 {
     QFETCH(SxColour, colour);
     uchar const blue = uchar(colour.blue), green = uchar(colour.green), red = uchar(colour.red);
@@ -215,14 +215,14 @@ void tst_IYUVConversion::knownColours()
     QTEST(int(planes[5]), "v");
 }
 
-void tst_IYUVConversion::everyByteColour_data()
+void tst_IYUVConversion::everyByteColourIsTheOracles_data()
 {
     QTest::addColumn<int>("components");
     QTest::newRow("RGB24") << 3;
     QTest::newRow("RGB32") << 4;
 }
 
-void tst_IYUVConversion::everyByteColour()
+void tst_IYUVConversion::everyByteColourIsTheOracles()
 {
     QFETCH(int, components);
     // For each blue, every green and red as a block of two by two pixels, so that each colour is also
@@ -258,7 +258,7 @@ void tst_IYUVConversion::everyByteColour()
     }
 }
 
-void tst_IYUVConversion::everyWord_data()
+void tst_IYUVConversion::everyWordIsTheOracles_data()
 {
     QTest::addColumn<int>("format");
     QTest::addColumn<quint32>("bits");
@@ -267,7 +267,7 @@ void tst_IYUVConversion::everyWord_data()
             QTest::addRow("%s of %u bits", fx_Format(format).name, bits) << format << bits;
 }
 
-void tst_IYUVConversion::everyWord()
+void tst_IYUVConversion::everyWordIsTheOracles()
 {
     QFETCH(int, format);
     QFETCH(quint32, bits);
@@ -329,7 +329,7 @@ void tst_IYUVConversion::chromaIsPickedFromTheLeftPixelOfEvenRows()
     QCOMPARE(int(planes[5]), 108);
 }
 
-void tst_IYUVConversion::evenSizes()
+void tst_IYUVConversion::evenSizesAreTheOracles()
 {
     QFETCH(int, format);
     quint32 const widths[] = {2,   14,  16,  30,  32,  34,  62,  64,   66,
@@ -346,7 +346,7 @@ void tst_IYUVConversion::evenSizes()
     }
 }
 
-void tst_IYUVConversion::smallSizesEvenAndOdd()
+void tst_IYUVConversion::smallSizesAreTheOracles()
 {
     QFETCH(int, format);
     for (quint32 width = 1; width <= 9; ++width) {
@@ -532,7 +532,7 @@ void tst_IYUVConversion::otherFormatsAreRefused()
     QCOMPARE(std::count(planes.begin(), planes.end(), kUntouched), std::ptrdiff_t(planes.size()));
 }
 
-void tst_IYUVConversion::knownPixelsBack_data()
+void tst_IYUVConversion::knownPlanesGiveTheirPixel_data()
 {
     QTest::addColumn<int>("y");
     QTest::addColumn<int>("u");
@@ -543,7 +543,7 @@ void tst_IYUVConversion::knownPixelsBack_data()
     QTest::newRow("clamped to 0") << 0 << 0 << 0 << QByteArray("\x00\x86\x00\xFF", 4);
 }
 
-void tst_IYUVConversion::knownPixelsBack()
+void tst_IYUVConversion::knownPlanesGiveTheirPixel()
 {
     QFETCH(int, y);
     QFETCH(int, u);
@@ -556,7 +556,7 @@ void tst_IYUVConversion::knownPixelsBack()
     QCOMPARE(actual, pixel.repeated(4));
 }
 
-void tst_IYUVConversion::everySampleTripleBack()
+void tst_IYUVConversion::everySampleTripleGivesTheOraclesPixel()
 {
     // For each luma, every U and V as a block of two by two pixels.
     std::vector<uchar> u(65536), v(65536), pixels(512 * 512 * 4), expected(pixels.size());
@@ -580,7 +580,7 @@ void tst_IYUVConversion::everySampleTripleBack()
     }
 }
 
-void tst_IYUVConversion::picturesBack_data()
+void tst_IYUVConversion::picturesBackAreTheOracles_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -601,7 +601,7 @@ void tst_IYUVConversion::picturesBack_data()
     QTest::newRow("2049x2049") << 2049u << 2049u << 0u << 1u << 0u;
 }
 
-void tst_IYUVConversion::picturesBack()
+void tst_IYUVConversion::picturesBackAreTheOracles()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);
@@ -683,7 +683,7 @@ void tst_IYUVConversion::oddWidthBackStaysInsideTightMemory()
     QCOMPARE(std::count(pixels.begin(), pixels.end(), uchar(77)), std::ptrdiff_t(9));
 }
 
-void tst_IYUVConversion::emptyPictureBack()
+void tst_IYUVConversion::emptyPictureBackIsNoFailure()
 {
     SxPicBuf target = fx_Picture({"RGB32", 2, 4}, 16, 0, nullptr);
     QVERIFY(ConvertIYUVtoRGB32(target, nullptr, nullptr, nullptr, 0, 16, 8));

@@ -9,14 +9,14 @@ class tst_IYUVRows : public QObject
     Q_OBJECT
 
 private slots:
-    void everyColour_data() { fx_AddTargets(); }
-    void everyColour();
-    void everySampleTriple_data() { fx_AddTargets(); }
-    void everySampleTriple();
-    void everyShift_data() { fx_AddTargets(); }
-    void everyShift();
-    void everyWidth_data() { fx_AddTargets(); }
-    void everyWidth();
+    void everyColourIsThatOfTheScalar_data() { fx_AddTargets(); }
+    void everyColourIsThatOfTheScalar();
+    void everySampleTripleIsThatOfTheScalar_data() { fx_AddTargets(); }
+    void everySampleTripleIsThatOfTheScalar();
+    void everyShiftIsThatOfTheScalar_data() { fx_AddTargets(); }
+    void everyShiftIsThatOfTheScalar();
+    void everyWidthIsThatOfTheScalar_data() { fx_AddTargets(); }
+    void everyWidthIsThatOfTheScalar();
     void differenceIsDescribed();
 
 private:
@@ -35,13 +35,13 @@ private:
     }
 };
 
-void tst_IYUVRows::everyColour() { fx_Run(fx_CheckColours); }
+void tst_IYUVRows::everyColourIsThatOfTheScalar() { fx_Run(fx_CheckColours); }
 
-void tst_IYUVRows::everySampleTriple() { fx_Run(fx_CheckSamples); }
+void tst_IYUVRows::everySampleTripleIsThatOfTheScalar() { fx_Run(fx_CheckSamples); }
 
-void tst_IYUVRows::everyShift() { fx_Run(fx_CheckShifts); }
+void tst_IYUVRows::everyShiftIsThatOfTheScalar() { fx_Run(fx_CheckShifts); }
 
-void tst_IYUVRows::everyWidth() { fx_Run(fx_CheckWidths); }
+void tst_IYUVRows::everyWidthIsThatOfTheScalar() { fx_Run(fx_CheckWidths); }
 
 // Whoever reads a failure of a foreign processor has nothing but the sentence.
 void tst_IYUVRows::differenceIsDescribed()

@@ -145,7 +145,7 @@ private slots:
     void unknownProfileHasNoChromaFields();
     void emulationPreventionIsReadAsItStands();
     void longestCodeIsRead();
-    void truncatedAtEveryByte();
+    void setCutAtEveryByteIsReadLikeTheReference();
     void hugeCycleEnds_data();
     void hugeCycleEnds();
     void emptyParameterSetGivesNoSize();
@@ -379,7 +379,7 @@ void tst_SPS::longestCodeIsRead()
     }
 }
 
-void tst_SPS::truncatedAtEveryByte()
+void tst_SPS::setCutAtEveryByteIsReadLikeTheReference()
 {
     std::vector<SxSps> sets(4);
     sets[1].profile_idc = 100;

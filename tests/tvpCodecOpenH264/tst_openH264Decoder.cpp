@@ -109,8 +109,8 @@ private slots:
 
     void isADecoder();
     void libraryIsSetUpOnceWithFixedParameters();
-    void endsWithItsObject();
-    void untouchedWithoutDecoding();
+    void libraryEndsWithItsObject();
+    void libraryIsUntouchedWithoutDecoding();
     void frameIsFedUnitByUnit_data();
     void frameIsFedUnitByUnit();
     void libraryIsAskedForEachPicture_data();
@@ -119,25 +119,25 @@ private slots:
     void everyWalkFeedsTheFramesExpected();
     void walkStartsAtKeyFrameUnlessInStep_data();
     void walkStartsAtKeyFrameUnlessInStep();
-    void refusedWithoutAsking();
+    void impossibleFrameIsRefusedWithoutAsking();
     void emptyFrameIsNothingToDecode();
     void missingMemorySkipsTheFrame();
     void suppliedPictureMustBeRGB32_data();
     void suppliedPictureMustBeRGB32();
-    void sizeOfSuppliedPicture_data();
-    void sizeOfSuppliedPicture();
+    void suppliedPictureMustHaveTheSize_data();
+    void suppliedPictureMustHaveTheSize();
     void pictureWithoutMemoryGetsIt();
     void paddedPlanesAreReadByTheirStride();
-    void sizeChangesWithinTheWalk();
+    void sizeThatChangesWithinTheWalkIsRefused();
     void failureIsReportedOnce_data();
     void failureIsReportedOnce();
-    void failedCreation_data();
-    void failedCreation();
+    void failedCreationIsTriedAgain_data();
+    void failedCreationIsTriedAgain();
     void startsAfreshAfterFailure_data();
     void startsAfreshAfterFailure();
     void staysInStepWhenNothingWasFed_data();
     void staysInStepWhenNothingWasFed();
-    void failedRestart();
+    void failedRestartIsTriedAgain();
     void heldPictureIsNeverServedLater_data();
     void heldPictureIsNeverServedLater();
     void stuckFlushEnds();
@@ -194,7 +194,7 @@ void tst_openH264Decoder::libraryIsSetUpOnceWithFixedParameters()
     QVERIFY(record.isParamZeroBeside);
 }
 
-void tst_openH264Decoder::endsWithItsObject()
+void tst_openH264Decoder::libraryEndsWithItsObject()
 {
     CxFakeAccessor accessor;
     fx_Fill(accessor, 1, {0});
@@ -206,7 +206,7 @@ void tst_openH264Decoder::endsWithItsObject()
     QCOMPARE(fx_OpenH264DecoderDouble().calls, QStringList({"end", "destroy"}));
 }
 
-void tst_openH264Decoder::untouchedWithoutDecoding()
+void tst_openH264Decoder::libraryIsUntouchedWithoutDecoding()
 {
     {
         CxOpenH264Decoder decoder;
@@ -368,7 +368,7 @@ void tst_openH264Decoder::walkStartsAtKeyFrameUnlessInStep()
     QCOMPARE(outcome.luma, kLumaBase + target);
 }
 
-void tst_openH264Decoder::refusedWithoutAsking()
+void tst_openH264Decoder::impossibleFrameIsRefusedWithoutAsking()
 {
     CxMessageRecorder messages;
     CxFakeAccessor accessor;
@@ -475,7 +475,7 @@ void tst_openH264Decoder::suppliedPictureMustBeRGB32()
     QCOMPARE(messages.takeRaw(), QStringList());
 }
 
-void tst_openH264Decoder::sizeOfSuppliedPicture_data()
+void tst_openH264Decoder::suppliedPictureMustHaveTheSize_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -493,7 +493,7 @@ void tst_openH264Decoder::sizeOfSuppliedPicture_data()
     QTest::newRow("rows of nothing") << 32u << 16u << 0u << false;
 }
 
-void tst_openH264Decoder::sizeOfSuppliedPicture()
+void tst_openH264Decoder::suppliedPictureMustHaveTheSize()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);
@@ -560,7 +560,7 @@ void tst_openH264Decoder::paddedPlanesAreReadByTheirStride()
     }
 }
 
-void tst_openH264Decoder::sizeChangesWithinTheWalk()
+void tst_openH264Decoder::sizeThatChangesWithinTheWalkIsRefused()
 {
     CxFakeAccessor accessor;
     fx_Fill(accessor, 3, {0});
@@ -616,7 +616,7 @@ void tst_openH264Decoder::failureIsReportedOnce()
     QCOMPARE(script.destroyed, 0); // a failure keeps the library's object
 }
 
-void tst_openH264Decoder::failedCreation_data()
+void tst_openH264Decoder::failedCreationIsTriedAgain_data()
 {
     QTest::addColumn<int>("createError");
     QTest::addColumn<bool>("givesHandle");
@@ -628,7 +628,7 @@ void tst_openH264Decoder::failedCreation_data()
     QTest::newRow("not initialised") << 0 << true << 1 << false;
 }
 
-void tst_openH264Decoder::failedCreation()
+void tst_openH264Decoder::failedCreationIsTriedAgain()
 {
     QFETCH(int, createError);
     QFETCH(bool, givesHandle);
@@ -753,7 +753,7 @@ void tst_openH264Decoder::staysInStepWhenNothingWasFed()
     QCOMPARE(outcome.luma, kLumaBase + 12);
 }
 
-void tst_openH264Decoder::failedRestart()
+void tst_openH264Decoder::failedRestartIsTriedAgain()
 {
     SxOpenH264DecoderDouble& script = fx_OpenH264DecoderDouble();
     CxFakeAccessor accessor;

@@ -25,18 +25,18 @@ private slots:
 
     void isAnEncoderOfH264();
     void isCreatedThroughItsMetaObject();
-    void maxEncodedSize_data();
-    void maxEncodedSize();
+    void maxEncodedSizeIsThatOfThePlanes_data();
+    void maxEncodedSizeIsThatOfThePlanes();
     void bitRateFollowsLevelQualityAndSize_data();
     void bitRateFollowsLevelQualityAndSize();
-    void queryOuputFormat_data();
-    void queryOuputFormat();
-    void queryOuputFormatCopiesAndSetsFields();
-    void queryOuputFormatIntoItsInput();
+    void outputFormatFitsTheLevel_data();
+    void outputFormatFitsTheLevel();
+    void outputFormatIsRGB32AndKeepsAuxField();
+    void outputFormatMayBeItsInput();
 
     void optionsReachTheLibrary_data();
     void optionsReachTheLibrary();
-    void optionsKeepWhatTheyLack();
+    void missingOptionsStayAsTheyWere();
     void optionsAfterTheFirstPictureMakeNoNewEncoder();
 
     void createsAtTheFirstPicture();
@@ -45,13 +45,13 @@ private slots:
     void failedCreationIsReported();
     void failedInitialisationIsReported_data();
     void failedInitialisationIsReported();
-    void initFailureWithSenselessOptions();
-    void dumpOfNegativeOptions();
-    void initFailureOfTheLibrary();
+    void dumpShowsSenselessOptions();
+    void dumpShowsNegativeOptions();
+    void pictureWithoutSizeIsRefusedByTheLibrary();
     void messageNamesItsPlace();
     void dumpListsEveryParameter_data();
     void dumpListsEveryParameter();
-    void dumpInAnyLocale();
+    void dumpIsTheSameInAnyLocale();
     void logCallbackDoesNothing();
 
     void pictureReachesTheLibrary_data();
@@ -59,17 +59,17 @@ private slots:
     void timestampReachesTheLibraryInMilliseconds_data();
     void timestampReachesTheLibraryInMilliseconds();
     void shortBufferIsRefused();
-    void overriddenMaxEncodedSize();
+    void overriddenMaxEncodedSizeDecides();
     void unsupportedFirstPictureIsRefused();
-    void planesCannotBeAllocated();
-    void laterLargerPicture();
-    void laterSmallerPicture();
+    void missingPlanesAreReported();
+    void laterLargerPictureIsRefused();
+    void laterSmallerPictureIsCoded();
     void sizeThatWrapsIsRefused_data();
     void sizeThatWrapsIsRefused();
 
-    void forcedKeyFrames_data();
-    void forcedKeyFrames();
-    void keyFrameRateChanges();
+    void keyFramesAreForcedAtTheirInterval_data();
+    void keyFramesAreForcedAtTheirInterval();
+    void laterKeyFrameIntervalCounts();
     void keyFlagIsThatOfTheFrame_data();
     void keyFlagIsThatOfTheFrame();
     void skippedPictureWritesNothing();
@@ -83,8 +83,8 @@ private slots:
     void planesOutliveTheLibrarysEncoder();
 
     void libraryCodesPictures();
-    void librarySizes_data();
-    void librarySizes();
+    void libraryCodesEverySize_data();
+    void libraryCodesEverySize();
     void libraryTakesOtherSizesLater();
 
 private:
@@ -235,7 +235,7 @@ void tst_openH264Encoder::isCreatedThroughItsMetaObject()
     QCOMPARE(fx_OpenH264Double().created, 0);
 }
 
-void tst_openH264Encoder::maxEncodedSize_data()
+void tst_openH264Encoder::maxEncodedSizeIsThatOfThePlanes_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -249,7 +249,7 @@ void tst_openH264Encoder::maxEncodedSize_data()
     QTest::newRow("wraps to nothing") << 131072u << 65536u << quint64(0);
 }
 
-void tst_openH264Encoder::maxEncodedSize()
+void tst_openH264Encoder::maxEncodedSizeIsThatOfThePlanes()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);
@@ -296,7 +296,7 @@ void tst_openH264Encoder::bitRateFollowsLevelQualityAndSize()
     QTEST(encoder.bitrate(fx_Format(width, height)), "expected");
 }
 
-void tst_openH264Encoder::queryOuputFormat_data()
+void tst_openH264Encoder::outputFormatFitsTheLevel_data()
 {
     QTest::addColumn<int>("level");
     QTest::addColumn<quint32>("width");
@@ -339,7 +339,7 @@ void tst_openH264Encoder::queryOuputFormat_data()
     QTest::newRow("negative when signed") << 52 << 0x80000001u << 11u << 0x80000000u << 10u;
 }
 
-void tst_openH264Encoder::queryOuputFormat()
+void tst_openH264Encoder::outputFormatFitsTheLevel()
 {
     QFETCH(int, level);
     QFETCH(quint32, width);
@@ -354,7 +354,7 @@ void tst_openH264Encoder::queryOuputFormat()
     QCOMPARE(output.pitch, 4 * expectedWidth);
 }
 
-void tst_openH264Encoder::queryOuputFormatCopiesAndSetsFields()
+void tst_openH264Encoder::outputFormatIsRGB32AndKeepsAuxField()
 {
     SxPicBufInfo input;
     input.width = 640;
@@ -383,7 +383,7 @@ void tst_openH264Encoder::queryOuputFormatCopiesAndSetsFields()
     QCOMPARE(output.formatFlag, true);
 }
 
-void tst_openH264Encoder::queryOuputFormatIntoItsInput()
+void tst_openH264Encoder::outputFormatMayBeItsInput()
 {
     SxPicBufInfo format = fx_Format(4096, 2160);
     CxOpenH264Encoder encoder;
@@ -462,7 +462,7 @@ void tst_openH264Encoder::optionsReachTheLibrary()
     QVERIFY(fx_OpenH264Double().forcedPictures() == expected);
 }
 
-void tst_openH264Encoder::optionsKeepWhatTheyLack()
+void tst_openH264Encoder::missingOptionsStayAsTheyWere()
 {
     CxTestPicture const picture(640, 480);
     CxOpenH264Encoder encoder;
@@ -600,7 +600,7 @@ void tst_openH264Encoder::failedInitialisationIsReported()
     QCOMPARE(fx_OpenH264Double().forcedPictures().size(), size_t(1));
 }
 
-void tst_openH264Encoder::initFailureWithSenselessOptions()
+void tst_openH264Encoder::dumpShowsSenselessOptions()
 {
     CxTestPicture const picture(64, 48);
     CxOpenH264Encoder encoder;
@@ -616,7 +616,7 @@ void tst_openH264Encoder::initFailureWithSenselessOptions()
     QVERIFY2(messages[1].contains(QStringLiteral("TargetBitrate=-14080  ")), qPrintable(messages[1]));
 }
 
-void tst_openH264Encoder::dumpOfNegativeOptions()
+void tst_openH264Encoder::dumpShowsNegativeOptions()
 {
     CxTestPicture const picture(64, 48);
     CxOpenH264Encoder encoder;
@@ -630,7 +630,7 @@ void tst_openH264Encoder::dumpOfNegativeOptions()
     QVERIFY2(text.contains(QStringLiteral("  Profile=-2  Level=-2147483648  ")), qPrintable(text));
 }
 
-void tst_openH264Encoder::initFailureOfTheLibrary()
+void tst_openH264Encoder::pictureWithoutSizeIsRefusedByTheLibrary()
 {
     fx_OpenH264Double().forwards = true;
     CxTestPicture const picture(0, 0);
@@ -739,7 +739,7 @@ class CxGermanNumbers : public std::numpunct<char>
 
 } // namespace
 
-void tst_openH264Encoder::dumpInAnyLocale()
+void tst_openH264Encoder::dumpIsTheSameInAnyLocale()
 {
     std::locale const before = std::locale::global(std::locale(std::locale::classic(), new CxGermanNumbers));
     std::string const text = dumpEncParams(fx_DumpParams(2));
@@ -850,7 +850,7 @@ private:
 
 } // namespace
 
-void tst_openH264Encoder::overriddenMaxEncodedSize()
+void tst_openH264Encoder::overriddenMaxEncodedSizeDecides()
 {
     CxTestPicture const picture(16, 16);
     CxBoundedEncoder small(8);
@@ -885,7 +885,7 @@ void tst_openH264Encoder::unsupportedFirstPictureIsRefused()
     QVERIFY(fx_OpenH264Double().forcedPictures() == std::vector<int>{0});
 }
 
-void tst_openH264Encoder::planesCannotBeAllocated()
+void tst_openH264Encoder::missingPlanesAreReported()
 {
     CxTestPicture const picture(640, 480);
     CxOpenH264Encoder encoder;
@@ -904,7 +904,7 @@ void tst_openH264Encoder::planesCannotBeAllocated()
     QCOMPARE(fx_OpenH264Double().created, 1);
 }
 
-void tst_openH264Encoder::laterLargerPicture()
+void tst_openH264Encoder::laterLargerPictureIsRefused()
 {
     CxTestPicture const picture(64, 48);
     CxTestPicture const larger(64, 50);
@@ -918,7 +918,7 @@ void tst_openH264Encoder::laterLargerPicture()
     QVERIFY(fx_Encode(encoder, picture.buf).isOk);
 }
 
-void tst_openH264Encoder::laterSmallerPicture()
+void tst_openH264Encoder::laterSmallerPictureIsCoded()
 {
     CxTestPicture const picture(64, 48);
     CxTestPicture smaller(32, 20);
@@ -959,7 +959,7 @@ void tst_openH264Encoder::sizeThatWrapsIsRefused()
     QVERIFY(fx_OpenH264Double().pictures.empty());
 }
 
-void tst_openH264Encoder::forcedKeyFrames_data()
+void tst_openH264Encoder::keyFramesAreForcedAtTheirInterval_data()
 {
     QTest::addColumn<int>("rate");
     QTest::addColumn<QByteArray>("answers");  // empty: the double's usual ones
@@ -981,7 +981,7 @@ void tst_openH264Encoder::forcedKeyFrames_data()
     QTest::newRow("failures") << 5 << QByteArray("!0oIPPPP!PI") << QByteArray("FFFF----FFF");
 }
 
-void tst_openH264Encoder::forcedKeyFrames()
+void tst_openH264Encoder::keyFramesAreForcedAtTheirInterval()
 {
     QFETCH(int, rate);
     QFETCH(QByteArray, answers);
@@ -1002,7 +1002,7 @@ void tst_openH264Encoder::forcedKeyFrames()
     QCOMPARE(forced, expected);
 }
 
-void tst_openH264Encoder::keyFrameRateChanges()
+void tst_openH264Encoder::laterKeyFrameIntervalCounts()
 {
     CxTestPicture const picture(16, 16);
     CxOpenH264Encoder encoder;
@@ -1270,7 +1270,7 @@ void tst_openH264Encoder::libraryCodesPictures()
     QVERIFY((fx_OpenH264Double().forcedPictures() == std::vector<int>{0, 5, 10}));
 }
 
-void tst_openH264Encoder::librarySizes_data()
+void tst_openH264Encoder::libraryCodesEverySize_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -1284,7 +1284,7 @@ void tst_openH264Encoder::librarySizes_data()
     }
 }
 
-void tst_openH264Encoder::librarySizes()
+void tst_openH264Encoder::libraryCodesEverySize()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);

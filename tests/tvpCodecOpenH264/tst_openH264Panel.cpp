@@ -94,46 +94,46 @@ class tst_openH264Panel : public QObject
     Q_OBJECT
 
 private slots:
-    void metaObject();
-    void parentAndClass();
-    void layoutSettings();
-    void gridCells_data();
-    void gridCells();
+    void classHasTwoSlotsAndNoProperty();
+    void everyPanelIsNewUnderItsParent();
+    void layoutHasItsSpacingAndSize();
+    void everyWidgetStandsInItsCell_data();
+    void everyWidgetStandsInItsCell();
     void everyCellIsKnown();
-    void creationOrder();
-    void focusOrder();
-    void qualitySlider();
-    void valueLabel();
-    void keyFrameSpinBox();
-    void comboBoxes_data();
-    void comboBoxes();
-    void stringConnections();
-    void defaultsOfEncoder();
+    void childrenJoinThePanelInTheirOrder();
+    void tabGoesFromQualityToDefault();
+    void qualityGoesFromOneToTen();
+    void labelShowsTheQuality();
+    void keyFrameIntervalGoesFromOneToAHundred();
+    void boxesOfferTheirItems_data();
+    void boxesOfferTheirItems();
+    void connectionsAreMadeByNameAndOnce();
+    void showsDefaultsOfTheEncoder();
     void showsEncoderOptions();
     void clampsOutOfRange();
     void replacesUnknownValues();
     void unknownValuesAreReplacedInEncoder_data();
     void unknownValuesAreReplacedInEncoder();
-    void level1b();
+    void level1bIsNumberNine();
     void clickShowsAdvanced();
     void keyShowsAdvanced();
     void codeDoesNotShowAdvanced();
-    void startsAdvanced();
-    void clickDefault();
-    void slotIgnoresArgument();
+    void optionShowsAdvancedFromTheStart();
+    void defaultButtonResetsAllButAdvanced();
+    void defaultSlotIgnoresItsArgument();
     void readsAllSixKeys();
-    void readsHiddenAndDisabled();
-    void sliderByKeys();
+    void readsHiddenAndDisabledWidgets();
+    void arrowKeysMoveTheSlider();
     void readsThroughAncestor();
-    void readsNull();
-    void readsPartial();
-    void ignoresOtherClasses();
-    void roundTrip();
-    void survivesEncoder();
-    void translationContext();
+    void nullWidgetReadsAsNothing();
+    void missingWidgetsAreLeftOut();
+    void widgetsOfOtherClassesAreLeftOut();
+    void optionsReadAreThoseShown();
+    void panelOutlivesItsEncoder();
+    void textsAreTranslatedUnderTheEncoder();
 };
 
-void tst_openH264Panel::metaObject()
+void tst_openH264Panel::classHasTwoSlotsAndNoProperty()
 {
     QMetaObject const& meta = CxPanel::staticMetaObject;
     QCOMPARE(meta.className(), "CxPanel");
@@ -146,7 +146,7 @@ void tst_openH264Panel::metaObject()
     QCOMPARE(meta.propertyCount(), meta.propertyOffset());
 }
 
-void tst_openH264Panel::parentAndClass()
+void tst_openH264Panel::everyPanelIsNewUnderItsParent()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -161,7 +161,7 @@ void tst_openH264Panel::parentAndClass()
     QCOMPARE(orphan->parentWidget(), nullptr);
 }
 
-void tst_openH264Panel::layoutSettings()
+void tst_openH264Panel::layoutHasItsSpacingAndSize()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -174,7 +174,7 @@ void tst_openH264Panel::layoutSettings()
     QCOMPARE(grid->rowCount(), 6);
 }
 
-void tst_openH264Panel::gridCells_data()
+void tst_openH264Panel::everyWidgetStandsInItsCell_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("className");
@@ -195,7 +195,7 @@ void tst_openH264Panel::gridCells_data()
     row("btnDefault", "QPushButton", "Default", {5, 4, 1, 1});
 }
 
-void tst_openH264Panel::gridCells()
+void tst_openH264Panel::everyWidgetStandsInItsCell()
 {
     QFETCH(QString, name);
     QFETCH(QString, className);
@@ -249,7 +249,7 @@ void tst_openH264Panel::everyCellIsKnown()
     QVERIFY(spacer->objectName().isEmpty());
 }
 
-void tst_openH264Panel::creationOrder()
+void tst_openH264Panel::childrenJoinThePanelInTheirOrder()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -266,7 +266,7 @@ void tst_openH264Panel::creationOrder()
                           "lbH264ProfileIdc", "cbH264LevelIdc", "lbH264LevelIdc", "btnDefault"}));
 }
 
-void tst_openH264Panel::focusOrder()
+void tst_openH264Panel::tabGoesFromQualityToDefault()
 {
     CxOpenH264Encoder encoder;
     encoder.setEncoderOptions({{"h264_show_advanced", true}});
@@ -284,7 +284,7 @@ void tst_openH264Panel::focusOrder()
                                  "btnDefault", "slH264Quality"}));
 }
 
-void tst_openH264Panel::qualitySlider()
+void tst_openH264Panel::qualityGoesFromOneToTen()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -299,7 +299,7 @@ void tst_openH264Panel::qualitySlider()
     QVERIFY(slider->hasTracking());
 }
 
-void tst_openH264Panel::valueLabel()
+void tst_openH264Panel::labelShowsTheQuality()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -317,7 +317,7 @@ void tst_openH264Panel::valueLabel()
     QCOMPARE(quality.toInt(), 8);
 }
 
-void tst_openH264Panel::keyFrameSpinBox()
+void tst_openH264Panel::keyFrameIntervalGoesFromOneToAHundred()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -330,7 +330,7 @@ void tst_openH264Panel::keyFrameSpinBox()
     QVERIFY(box->isEnabled());
 }
 
-void tst_openH264Panel::comboBoxes_data()
+void tst_openH264Panel::boxesOfferTheirItems_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("which");
@@ -340,7 +340,7 @@ void tst_openH264Panel::comboBoxes_data()
     QTest::newRow("level") << "cbH264LevelIdc" << 2 << true;
 }
 
-void tst_openH264Panel::comboBoxes()
+void tst_openH264Panel::boxesOfferTheirItems()
 {
     QFETCH(QString, name);
     QFETCH(int, which);
@@ -361,7 +361,7 @@ void tst_openH264Panel::comboBoxes()
     }
 }
 
-void tst_openH264Panel::stringConnections()
+void tst_openH264Panel::connectionsAreMadeByNameAndOnce()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -378,7 +378,7 @@ void tst_openH264Panel::stringConnections()
     QVERIFY(!QObject::disconnect(defaults, nullptr, panel, nullptr));
 }
 
-void tst_openH264Panel::defaultsOfEncoder()
+void tst_openH264Panel::showsDefaultsOfTheEncoder()
 {
     CxOpenH264Encoder encoder;
     CxShownPanel const shown(encoder);
@@ -480,7 +480,7 @@ void tst_openH264Panel::unknownValuesAreReplacedInEncoder()
     QTEST((QVector<int>{params.iComplexityMode, layer.uiProfileIdc, layer.uiLevelIdc}), "expected");
 }
 
-void tst_openH264Panel::level1b()
+void tst_openH264Panel::level1bIsNumberNine()
 {
     CxOpenH264Encoder encoder;
     encoder.setEncoderOptions({{"h264_level_idc", 9}});
@@ -523,7 +523,7 @@ void tst_openH264Panel::codeDoesNotShowAdvanced()
     QVERIFY(!shown.child<QWidget>("cbH264LevelIdc")->isVisible());
 }
 
-void tst_openH264Panel::startsAdvanced()
+void tst_openH264Panel::optionShowsAdvancedFromTheStart()
 {
     CxOpenH264Encoder encoder;
     encoder.setEncoderOptions({{"h264_show_advanced", true}});
@@ -533,7 +533,7 @@ void tst_openH264Panel::startsAdvanced()
         QVERIFY2(shown.child<QWidget>(name)->isVisible(), name);
 }
 
-void tst_openH264Panel::clickDefault()
+void tst_openH264Panel::defaultButtonResetsAllButAdvanced()
 {
     for (bool const isAdvanced : {false, true}) {
         CxOpenH264Encoder encoder;
@@ -562,7 +562,7 @@ void tst_openH264Panel::clickDefault()
     }
 }
 
-void tst_openH264Panel::slotIgnoresArgument()
+void tst_openH264Panel::defaultSlotIgnoresItsArgument()
 {
     CxOpenH264Encoder encoder;
     QWidget parent;
@@ -587,7 +587,7 @@ void tst_openH264Panel::readsAllSixKeys()
                  int(key == "h264_show_advanced" ? QMetaType::Bool : QMetaType::Int));
 }
 
-void tst_openH264Panel::readsHiddenAndDisabled()
+void tst_openH264Panel::readsHiddenAndDisabledWidgets()
 {
     CxOpenH264Encoder encoder;
     encoder.setEncoderOptions({{"h264_keyframerate", 42}, {"h264_complexity", 0}, {"h264_profile_idc", 77}});
@@ -601,7 +601,7 @@ void tst_openH264Panel::readsHiddenAndDisabled()
     QCOMPARE(options.value("h264_show_advanced"), QVariant(false));
 }
 
-void tst_openH264Panel::sliderByKeys()
+void tst_openH264Panel::arrowKeysMoveTheSlider()
 {
     CxOpenH264Encoder encoder;
     CxShownPanel const shown(encoder);
@@ -622,13 +622,13 @@ void tst_openH264Panel::readsThroughAncestor()
     QCOMPARE(encoder.optionsFromWidgetInSaveDlg(&grandparent).value("h264_quality"), QVariant(3));
 }
 
-void tst_openH264Panel::readsNull()
+void tst_openH264Panel::nullWidgetReadsAsNothing()
 {
     CxOpenH264Encoder encoder;
     QVERIFY(encoder.optionsFromWidgetInSaveDlg(nullptr).isEmpty());
 }
 
-void tst_openH264Panel::readsPartial()
+void tst_openH264Panel::missingWidgetsAreLeftOut()
 {
     CxOpenH264Encoder encoder;
     QWidget foreign;
@@ -641,7 +641,7 @@ void tst_openH264Panel::readsPartial()
     QCOMPARE(encoder.optionsFromWidgetInSaveDlg(&foreign).value("h264_level_idc"), QVariant(0));
 }
 
-void tst_openH264Panel::ignoresOtherClasses()
+void tst_openH264Panel::widgetsOfOtherClassesAreLeftOut()
 {
     CxOpenH264Encoder encoder;
     QWidget foreign;
@@ -650,7 +650,7 @@ void tst_openH264Panel::ignoresOtherClasses()
     QVERIFY(encoder.optionsFromWidgetInSaveDlg(&foreign).isEmpty());
 }
 
-void tst_openH264Panel::roundTrip()
+void tst_openH264Panel::optionsReadAreThoseShown()
 {
     QMap<QString, QVariant> const options{{"h264_quality", 7},    {"h264_keyframerate", 30},
                                           {"h264_complexity", 2}, {"h264_profile_idc", 100},
@@ -662,7 +662,7 @@ void tst_openH264Panel::roundTrip()
     QCOMPARE(read, options);
 }
 
-void tst_openH264Panel::survivesEncoder()
+void tst_openH264Panel::panelOutlivesItsEncoder()
 {
     QWidget parent;
     CxShownPanel* shown = nullptr;
@@ -678,7 +678,7 @@ void tst_openH264Panel::survivesEncoder()
     delete shown;
 }
 
-void tst_openH264Panel::translationContext()
+void tst_openH264Panel::textsAreTranslatedUnderTheEncoder()
 {
     CxRecordingTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
