@@ -31,25 +31,25 @@ private slots:
     void framesComeInTheOrderAsked();
     void losslessFilesHoldTheExactPicture_data();
     void losslessFilesHoldTheExactPicture();
-    void jpegComesClose();
+    void jpegPictureComesClose();
     void rawStreamIsExact_data();
     void rawStreamIsExact();
-    void streamToAFile_data();
-    void streamToAFile();
+    void streamToAFileIsThatOfThePipe_data();
+    void streamToAFileIsThatOfThePipe();
     void y4mStreamIsReadByOthers();
     void closedPipeEndsQuietly_data();
     void closedPipeEndsQuietly();
     void fullOutputIsAnError();
-    void contactSheet();
-    void fileNames_data();
-    void fileNames();
+    void contactSheetHoldsExactPicturesWithNumbers();
+    void patternNamesTheFiles_data();
+    void patternNamesTheFiles();
     void existingFilesNeedOverwrite();
     void recordingIsNeverReplaced();
-    void exportJson();
+    void jsonNamesEveryFile();
     void interruptedExportFails();
 
-    void wrongUsage_data();
-    void wrongUsage();
+    void wrongUsageIsExplained_data();
+    void wrongUsageIsExplained();
     void missingFrameIsNamed();
 
 private:
@@ -206,7 +206,7 @@ void tst_ExportCommand::losslessFilesHoldTheExactPicture()
     }
 }
 
-void tst_ExportCommand::jpegComesClose()
+void tst_ExportCommand::jpegPictureComesClose()
 {
     QCOMPARE(run({"export", m_recording, "--frames", "4", "-o", "frame.jpg"}).exitCode, 0);
     CxFFmpegSource source({path("frame.jpg")}, 0, nullptr);
@@ -241,7 +241,7 @@ void tst_ExportCommand::rawStreamIsExact()
     QVERIFY(piped.out == expected);
 }
 
-void tst_ExportCommand::streamToAFile_data()
+void tst_ExportCommand::streamToAFileIsThatOfThePipe_data()
 {
     QTest::addColumn<QStringList>("format");
     QTest::addColumn<QString>("file");
@@ -250,7 +250,7 @@ void tst_ExportCommand::streamToAFile_data()
     QTest::newRow("bgra") << QStringList{"--stream", "bgra"} << "all.raw";
 }
 
-void tst_ExportCommand::streamToAFile()
+void tst_ExportCommand::streamToAFileIsThatOfThePipe()
 {
     QFETCH(QStringList, format);
     QFETCH(QString, file);
@@ -323,7 +323,7 @@ void tst_ExportCommand::fullOutputIsAnError()
     }
 }
 
-void tst_ExportCommand::contactSheet()
+void tst_ExportCommand::contactSheetHoldsExactPicturesWithNumbers()
 {
     SxMinihostRun const exported =
         run({"export", m_recording, "--frames", "0-29:5,29", "--sheet", "3", "-o", "sheet.png"});
@@ -357,7 +357,7 @@ void tst_ExportCommand::contactSheet()
     }
 }
 
-void tst_ExportCommand::fileNames_data()
+void tst_ExportCommand::patternNamesTheFiles_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("frames");
@@ -378,7 +378,7 @@ void tst_ExportCommand::fileNames_data()
                                   << "7" << QStringList{"7-07.ppm"};
 }
 
-void tst_ExportCommand::fileNames()
+void tst_ExportCommand::patternNamesTheFiles()
 {
     QFETCH(QString, pattern);
     QFETCH(QString, frames);
@@ -420,7 +420,7 @@ void tst_ExportCommand::recordingIsNeverReplaced()
     QVERIFY(fx_FileBytes(path("in.png")) == m_bytes);
 }
 
-void tst_ExportCommand::exportJson()
+void tst_ExportCommand::jsonNamesEveryFile()
 {
     QJsonObject const json =
         run({"export", m_recording, "--frames", "6,1", "-o", "f_%d.png", "--json"}).json();
@@ -451,7 +451,7 @@ void tst_ExportCommand::interruptedExportFails()
     QVERIFY2(err.contains("in.h264: stopped after ") && err.contains(" of 60030 pictures."), err);
 }
 
-void tst_ExportCommand::wrongUsage_data()
+void tst_ExportCommand::wrongUsageIsExplained_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
@@ -488,7 +488,7 @@ void tst_ExportCommand::wrongUsage_data()
                                         << "'a.png' needs a place for the frame number";
 }
 
-void tst_ExportCommand::wrongUsage()
+void tst_ExportCommand::wrongUsageIsExplained()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, sentence);

@@ -14,8 +14,8 @@ private slots:
 
     void infoTellsWhatIsThere();
     void infoListsTheFrames();
-    void infoOfOneFrame();
-    void infoOfUndecodableRecording();
+    void oneFrameHasNoKeyFrameSpacing();
+    void infoWarnsOfUndecodableFrame();
 };
 
 void tst_InfoCommand::infoTellsWhatIsThere()
@@ -79,7 +79,7 @@ void tst_InfoCommand::infoListsTheFrames()
              json.value("smallestFrame").toObject());
 }
 
-void tst_InfoCommand::infoOfOneFrame()
+void tst_InfoCommand::oneFrameHasNoKeyFrameSpacing()
 {
     QCOMPARE(run({"record", "camera:", "one.h264", "--size", "64x48", "--frames", "1", "--profile", "high",
                   "--level", "3"})
@@ -93,7 +93,7 @@ void tst_InfoCommand::infoOfOneFrame()
     QCOMPARE(json.value("largestFrame").toObject(), json.value("smallestFrame").toObject());
 }
 
-void tst_InfoCommand::infoOfUndecodableRecording()
+void tst_InfoCommand::infoWarnsOfUndecodableFrame()
 {
     QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(60)));
     SxMinihostRun const text = run({"info", "cut.h264"});

@@ -12,16 +12,16 @@ private slots:
     void initTestCase() { makeRecording(); }
     void init() { makeFolder(); }
 
-    void unreadableRecordings_data();
-    void unreadableRecordings();
-    void wrongUsage_data();
-    void wrongUsage();
+    void unreadableRecordingIsRefusedWithItsCause_data();
+    void unreadableRecordingIsRefusedWithItsCause();
+    void wrongUsageIsExplained_data();
+    void wrongUsageIsExplained();
     void quietSaysNothing();
-    void helpOfEveryCommand_data();
-    void helpOfEveryCommand();
+    void everyCommandHasItsHelp_data();
+    void everyCommandHasItsHelp();
 };
 
-void tst_PlayCommand::unreadableRecordings_data()
+void tst_PlayCommand::unreadableRecordingIsRefusedWithItsCause_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("cause");
@@ -36,7 +36,7 @@ void tst_PlayCommand::unreadableRecordings_data()
     QTest::newRow("missing") << QByteArray() << "there is no such file.";
 }
 
-void tst_PlayCommand::unreadableRecordings()
+void tst_PlayCommand::unreadableRecordingIsRefusedWithItsCause()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, cause);
@@ -54,7 +54,7 @@ void tst_PlayCommand::unreadableRecordings()
     QCOMPARE(run({"info", "."}).err, QByteArray("error: .: this is a folder.\n"));
 }
 
-void tst_PlayCommand::wrongUsage_data()
+void tst_PlayCommand::wrongUsageIsExplained_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
@@ -64,7 +64,7 @@ void tst_PlayCommand::wrongUsage_data()
     QTest::newRow("unknown option") << QStringList{"info", "--fast", "a"} << "Unknown option 'fast'.";
 }
 
-void tst_PlayCommand::wrongUsage()
+void tst_PlayCommand::wrongUsageIsExplained()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, sentence);
@@ -83,14 +83,14 @@ void tst_PlayCommand::quietSaysNothing()
     }
 }
 
-void tst_PlayCommand::helpOfEveryCommand_data()
+void tst_PlayCommand::everyCommandHasItsHelp_data()
 {
     QTest::addColumn<QString>("command");
     for (char const* command : {"info", "export", "verify"})
         QTest::newRow(command) << command;
 }
 
-void tst_PlayCommand::helpOfEveryCommand()
+void tst_PlayCommand::everyCommandHasItsHelp()
 {
     QFETCH(QString, command);
     SxMinihostRun const help = run({command, "--help"});

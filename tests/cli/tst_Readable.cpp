@@ -9,7 +9,7 @@ class tst_Readable : public QObject
 private slots:
     void sizesHaveThreeDigits_data();
     void sizesHaveThreeDigits();
-    void timesRatesRangesAndCounts();
+    void timesRatesRangesAndCountsReadWell();
 };
 
 void tst_Readable::sizesHaveThreeDigits_data()
@@ -32,7 +32,7 @@ void tst_Readable::sizesHaveThreeDigits()
     QCOMPARE(fx_ReadableSize(bytes), QString::fromLatin1(QTest::currentDataTag()));
 }
 
-void tst_Readable::timesRatesRangesAndCounts()
+void tst_Readable::timesRatesRangesAndCountsReadWell()
 {
     QCOMPARE(fx_ReadableTime(0), QString("0:00"));
     QCOMPARE(fx_ReadableTime(59.6), QString("1:00"));

@@ -21,18 +21,18 @@ class tst_RecordCommand : public QObject
 private slots:
     void init();
 
-    void cameraInEveryFormat_data();
-    void cameraInEveryFormat();
+    void cameraIsRecordedInEveryFormat_data();
+    void cameraIsRecordedInEveryFormat();
     void defaultsAreThoseOfTheHelp();
     void encoderOptionsReachTheStream();
     void oddPicturesAreScaledToEvenOnes();
     void picturesLargerThanTheLevelAreScaled();
     void keyFramesComeAtTheirRate();
 
-    void pictureFilesInTheOrderGiven();
-    void standardInput();
-    void picturesOnStandardInput();
-    void rawPicturesOnStandardInput();
+    void pictureFilesAreRecordedInTheOrderGiven();
+    void videoOnStandardInputIsRecorded();
+    void picturesOnStandardInputAreRecorded();
+    void rawPicturesOnStandardInputAreRecorded();
     void inputOptionsThatFitNothingAreNamed_data();
     void inputOptionsThatFitNothingAreNamed();
     void framesEndsARecordingEarly();
@@ -58,7 +58,7 @@ private slots:
     void interruptEndsTheWaitForData();
     void pipeTakesARecording();
 
-    void jsonSummary();
+    void jsonSummaryCountsPicturesAndBytes();
     void quietSaysNothing();
     void verboseShowsTheRawMessage();
     void memoryStaysFlat();
@@ -94,14 +94,14 @@ void tst_RecordCommand::init()
     QVERIFY(m_folder->isValid());
 }
 
-void tst_RecordCommand::cameraInEveryFormat_data()
+void tst_RecordCommand::cameraIsRecordedInEveryFormat_data()
 {
     QTest::addColumn<QString>("format");
     for (QString const& format : fx_TestCameraFormats())
         QTest::newRow(qPrintable(format)) << format;
 }
 
-void tst_RecordCommand::cameraInEveryFormat()
+void tst_RecordCommand::cameraIsRecordedInEveryFormat()
 {
     QFETCH(QString, format);
     SxMinihostRun const run = fx_RunMinihost(
@@ -212,7 +212,7 @@ void tst_RecordCommand::keyFramesComeAtTheirRate()
         QVERIFY2(decoded[i].isKeyFrame == (i % 7 == 0), qPrintable(QString::number(i)));
 }
 
-void tst_RecordCommand::pictureFilesInTheOrderGiven()
+void tst_RecordCommand::pictureFilesAreRecordedInTheOrderGiven()
 {
     // Grey levels tell the pictures apart; names that sort otherwise and look like patterns stay literal.
     QStringList const names{"z.pgm", "a%02d.png", "b:1.pgm"};
@@ -231,7 +231,7 @@ void tst_RecordCommand::pictureFilesInTheOrderGiven()
         QVERIFY(std::abs(decoded[static_cast<size_t>(i)].i420[0] - levels[i]) <= 3);
 }
 
-void tst_RecordCommand::standardInput()
+void tst_RecordCommand::videoOnStandardInputIsRecorded()
 {
     QByteArray const picture = QByteArray(64 * 48, char(90)) + QByteArray(64 * 48 / 2, char(128));
     SxMinihostRun const run =
@@ -241,7 +241,7 @@ void tst_RecordCommand::standardInput()
     QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{9});
 }
 
-void tst_RecordCommand::picturesOnStandardInput()
+void tst_RecordCommand::picturesOnStandardInputAreRecorded()
 {
     QByteArray const picture = fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, char(90)));
     SxMinihostRun const run = fx_RunMinihost({"record", "-", path("out.h264")}, picture.repeated(7));
@@ -250,7 +250,7 @@ void tst_RecordCommand::picturesOnStandardInput()
     QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{7});
 }
 
-void tst_RecordCommand::rawPicturesOnStandardInput()
+void tst_RecordCommand::rawPicturesOnStandardInputAreRecorded()
 {
     QByteArray const picture = QByteArray::fromHex("20406000").repeated(64 * 48);
     QStringList const options{"--input-format",   "rawvideo",       "--input-option",
@@ -600,7 +600,7 @@ void tst_RecordCommand::pipeTakesARecording()
     QCOMPARE(fx_DecodeH264File(path("copy.h264"), error).size(), size_t{12});
 }
 
-void tst_RecordCommand::jsonSummary()
+void tst_RecordCommand::jsonSummaryCountsPicturesAndBytes()
 {
     SxMinihostRun const run = fx_RunMinihost(
         {"record", "camera:", path("out.h264"), "--size", "320x240", "--frames", "30", "--json"});

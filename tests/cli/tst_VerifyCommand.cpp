@@ -12,7 +12,7 @@ private slots:
     void initTestCase() { makeRecording(); }
     void init() { makeFolder(); }
 
-    void verifyOfSoundRecording();
+    void verifyPassesSoundRecording();
     void verifyFindsCutOffFrame();
     void verifyFindsDamagedFrame();
     void verifyFindsBytesOfNoFrame();
@@ -26,7 +26,7 @@ static int fx_Offset(QString const& recording, int frame)
     return json.value("frameList").toArray()[frame].toObject().value("offset").toInt(-1);
 }
 
-void tst_VerifyCommand::verifyOfSoundRecording()
+void tst_VerifyCommand::verifyPassesSoundRecording()
 {
     SxMinihostRun const verified = run({"verify", m_recording});
     QCOMPARE(verified.exitCode, 0);

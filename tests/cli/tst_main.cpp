@@ -10,18 +10,18 @@ class tst_main : public QObject
     Q_OBJECT
 
 private slots:
-    void helpAndVersion_data();
-    void helpAndVersion();
-    void wrongUsage_data();
-    void wrongUsage();
+    void helpAndVersionArePrinted_data();
+    void helpAndVersionArePrinted();
+    void wrongUsageIsExplained_data();
+    void wrongUsageIsExplained();
     void wrongUsageTouchesNothing();
-    void pluginIsLookedFor_data();
-    void pluginIsLookedFor();
-    void pluginPathFromTheEnvironment();
-    void fileNamesWithoutALocale();
+    void unusablePluginIsNamed_data();
+    void unusablePluginIsNamed();
+    void pluginPathMayComeFromTheEnvironment();
+    void fileNamesAreKeptWithoutALocale();
 };
 
-void tst_main::helpAndVersion_data()
+void tst_main::helpAndVersionArePrinted_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("start");
@@ -35,7 +35,7 @@ void tst_main::helpAndVersion_data()
     QTest::newRow("help record") << QStringList{"help", "record"} << QByteArray("Records pictures");
 }
 
-void tst_main::helpAndVersion()
+void tst_main::helpAndVersionArePrinted()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, start);
@@ -50,7 +50,7 @@ void tst_main::helpAndVersion()
         QVERIFY2(line.size() <= 90, line);
 }
 
-void tst_main::wrongUsage_data()
+void tst_main::wrongUsageIsExplained_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("sentence");
@@ -122,7 +122,7 @@ void tst_main::wrongUsage_data()
     }
 }
 
-void tst_main::wrongUsage()
+void tst_main::wrongUsageIsExplained()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, sentence);
@@ -144,7 +144,7 @@ void tst_main::wrongUsageTouchesNothing()
     QVERIFY(!QFile::exists(folder.filePath("out.h264")));
 }
 
-void tst_main::pluginIsLookedFor_data()
+void tst_main::unusablePluginIsNamed_data()
 {
     QTest::addColumn<QString>("pluginPath");
     QTest::addColumn<QByteArray>("cause");
@@ -158,7 +158,7 @@ void tst_main::pluginIsLookedFor_data()
                                 << QByteArray("the plug-in cannot be loaded: ");
 }
 
-void tst_main::pluginIsLookedFor()
+void tst_main::unusablePluginIsNamed()
 {
     QFETCH(QString, pluginPath);
     QFETCH(QByteArray, cause);
@@ -174,7 +174,7 @@ void tst_main::pluginIsLookedFor()
     QVERIFY(!QFile::exists(folder.filePath("out.h264")));
 }
 
-void tst_main::fileNamesWithoutALocale()
+void tst_main::fileNamesAreKeptWithoutALocale()
 {
     QString const name = QStringLiteral("/no/such/gr\u00FC\u00DFe.h264");
     SxMinihostRun const expected = fx_RunMinihost({"info", name});
@@ -191,7 +191,7 @@ void tst_main::fileNamesWithoutALocale()
     QCOMPARE(unnamed.err, expected.err);
 }
 
-void tst_main::pluginPathFromTheEnvironment()
+void tst_main::pluginPathMayComeFromTheEnvironment()
 {
     QTemporaryDir folder;
     QStringList const arguments{"record",   "camera:", folder.filePath("out.h264"), "--size", "64x48",

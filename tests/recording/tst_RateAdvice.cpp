@@ -7,12 +7,12 @@ class tst_RateAdvice : public QObject
     Q_OBJECT
 
 private slots:
-    void targetBitRateOfSizeLevelAndQuality_data();
-    void targetBitRateOfSizeLevelAndQuality();
+    void targetBitRateFollowsSizeLevelAndQuality_data();
+    void targetBitRateFollowsSizeLevelAndQuality();
     void advisedQualityHasRoomForEveryPicture();
 };
 
-void tst_RateAdvice::targetBitRateOfSizeLevelAndQuality_data()
+void tst_RateAdvice::targetBitRateFollowsSizeLevelAndQuality_data()
 {
     QTest::addColumn<quint32>("width");
     QTest::addColumn<quint32>("height");
@@ -26,7 +26,7 @@ void tst_RateAdvice::targetBitRateOfSizeLevelAndQuality_data()
     QTest::newRow("the level's limit is below the least") << 1920U << 1080U << 10 << 5 << qint64{76800};
 }
 
-void tst_RateAdvice::targetBitRateOfSizeLevelAndQuality()
+void tst_RateAdvice::targetBitRateFollowsSizeLevelAndQuality()
 {
     QFETCH(quint32, width);
     QFETCH(quint32, height);

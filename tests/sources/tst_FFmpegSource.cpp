@@ -17,23 +17,23 @@ class tst_FFmpegSource : public QObject
 
 private slots:
     void init();
-    void exactSamples_data();
-    void exactSamples();
+    void samplesAreExact_data();
+    void samplesAreExact();
     void lossyPicturesComeClose();
-    void videoColours_data();
-    void videoColours();
+    void videoColoursComeClose_data();
+    void videoColoursComeClose();
     void deepVideoStaysDeep();
     void bitsAreTheUsersWhereTheFileIsSilent();
     void bitsThatTheFileKnowsStay();
-    void sequenceOfFiles();
-    void clockOfAVideo();
+    void filesFollowEachOther();
+    void timestampsAreThoseOfTheVideo();
     void rawPicturesAreCopied_data();
     void rawPicturesAreCopied();
     void wordFormatsKeepTheirSamples();
     void errorNamesTheFile();
     void stopEndsTheWait();
-    void devicesByName_data();
-    void devicesByName();
+    void devicesAreOpenedByName_data();
+    void devicesAreOpenedByName();
 
 private:
     QString path(QString const& name) const { return m_folder->filePath(name); }
@@ -83,7 +83,7 @@ static QVector<quint16> fx_SamplesOf(SxPicBuf const& picture)
     return samples;
 }
 
-void tst_FFmpegSource::exactSamples_data()
+void tst_FFmpegSource::samplesAreExact_data()
 {
     QTest::addColumn<int>("codec"); // AV_CODEC_ID_NONE: PNM by hand
     QTest::addColumn<int>("format");
@@ -117,7 +117,7 @@ void tst_FFmpegSource::exactSamples_data()
                               << QVector<int>{0, 0, 0, -1};
 }
 
-void tst_FFmpegSource::exactSamples()
+void tst_FFmpegSource::samplesAreExact()
 {
     QFETCH(int, codec);
     QFETCH(int, format);
@@ -166,7 +166,7 @@ void tst_FFmpegSource::lossyPicturesComeClose()
         QVERIFY(std::abs(picture.get().data[i] - 250) <= 2);
 }
 
-void tst_FFmpegSource::videoColours_data()
+void tst_FFmpegSource::videoColoursComeClose_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
@@ -180,7 +180,7 @@ void tst_FFmpegSource::videoColours_data()
     QTest::newRow("blue, 709") << 1280 << 720 << QVector<int>{32, 240, 118} << QVector<int>{255, 0, 0};
 }
 
-void tst_FFmpegSource::videoColours()
+void tst_FFmpegSource::videoColoursComeClose()
 {
     QFETCH(int, width);
     QFETCH(int, height);
@@ -241,7 +241,7 @@ void tst_FFmpegSource::bitsThatTheFileKnowsStay()
     QCOMPARE(source.takeWarnings(), QStringList());
 }
 
-void tst_FFmpegSource::sequenceOfFiles()
+void tst_FFmpegSource::filesFollowEachOther()
 {
     QByteArray const planes(64 * 48 * 3 / 2, char(128));
     QVERIFY(fx_WriteFile(path("a.pgm"), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, 'a'))));
@@ -268,7 +268,7 @@ void tst_FFmpegSource::sequenceOfFiles()
     }
 }
 
-void tst_FFmpegSource::clockOfAVideo()
+void tst_FFmpegSource::timestampsAreThoseOfTheVideo()
 {
     QByteArray file = fx_Y4mFile(64, 48, "420jpeg", QByteArray(64 * 48 * 3 / 2, char(128)), 3);
     file.replace("F30:1", "F10:1");
@@ -377,7 +377,7 @@ void tst_FFmpegSource::stopEndsTheWait()
     QCOMPARE(source.errorText(), QString());
 }
 
-void tst_FFmpegSource::devicesByName_data()
+void tst_FFmpegSource::devicesAreOpenedByName_data()
 {
     QTest::addColumn<QString>("reader");
     QTest::addColumn<QString>("before");
@@ -387,7 +387,7 @@ void tst_FFmpegSource::devicesByName_data()
                           << "lavfi:";
 }
 
-void tst_FFmpegSource::devicesByName()
+void tst_FFmpegSource::devicesAreOpenedByName()
 {
     QFETCH(QString, reader);
     QFETCH(QString, before);

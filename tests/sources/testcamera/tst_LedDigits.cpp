@@ -7,12 +7,12 @@ class tst_LedDigits : public QObject
     Q_OBJECT
 
 private slots:
-    void digitsAtTheSmallestSize_data();
-    void digitsAtTheSmallestSize();
+    void digitsAreReadableAtTheSmallestSize_data();
+    void digitsAreReadableAtTheSmallestSize();
     void digitsStayInsideTheirWidth();
 };
 
-void tst_LedDigits::digitsAtTheSmallestSize_data()
+void tst_LedDigits::digitsAreReadableAtTheSmallestSize_data()
 {
     QTest::addColumn<QByteArray>("rows"); // 5 rows of 3
     QTest::newRow("0") << QByteArray("###"
@@ -67,7 +67,7 @@ void tst_LedDigits::digitsAtTheSmallestSize_data()
                                      "###");
 }
 
-void tst_LedDigits::digitsAtTheSmallestSize()
+void tst_LedDigits::digitsAreReadableAtTheSmallestSize()
 {
     QFETCH(QByteArray, rows);
     SxCanvas canvas{3, 5, std::vector<quint16>(3 * 5 * 3)};
