@@ -161,10 +161,10 @@ int CxEncoderDouble::EncodeFrame(SSourcePicture const* picture, SFrameBSInfo* in
     m_isForced = false;
     size_t const number = record.pictures.size();
     record.pictures.push_back(std::move(seen));
-    if (m_real)
+    bool const isScripted = number < record.answers.size();
+    if (m_real && !(isScripted && record.answers[number].error != 0))
         return m_real->EncodeFrame(picture, info);
-
-    if (number < record.answers.size())
+    if (isScripted)
         return answer(record.answers[number], info);
     SxEncodeAnswer usual;
     usual.type = record.pictures.back().isForced ? videoFrameTypeIDR : videoFrameTypeP;

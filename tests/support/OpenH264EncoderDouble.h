@@ -29,7 +29,8 @@ struct SxEncodedPicture
 /// -Wl,--wrap=WelsCreateSVCEncoder,--wrap=WelsDestroySVCEncoder.
 ///
 /// Without a script every encoder can be created and initialised and codes each picture as one layer
-/// of one NAL unit: IDR when forced, else P. With `forwards` the calls go on to the real library.
+/// of one NAL unit: IDR when forced, else P. With `forwards` the calls go on to the real library, but for
+/// pictures whose answer is an error.
 struct SxOpenH264Double
 {
     // The script
