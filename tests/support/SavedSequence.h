@@ -22,12 +22,12 @@ public:
     bool save(CxH264VideoSaver& saver, int number);
 
     int count() const { return m_count; }
-    QByteArray bytes() const;                            ///< the whole stream
+    QByteArray bytes() const; ///< the whole stream
     QByteArray frame(int number) const { return m_frames.at(number); }
     QList<QByteArray> const& pictures() const { return m_pictures; } ///< decoded
 
-    /// How many frames of the sequence, from the first on, \p fileName holds whole, when it is the beginning of
-    /// the stream, opens and gives exactly the reference's picture for each of them. -1 when it does not.
+    /// How many frames of the sequence, from the first on, \p fileName holds whole, when it is the beginning
+    /// of the stream, opens and gives exactly the reference's picture for each of them. -1 when it does not.
     int wholeFrames(QString const& fileName) const;
 
 private:

@@ -139,10 +139,10 @@ void tst_H264VideoSaverDisk::fileStopsAtTheSizeLimitAndPlays()
     QCOMPARE(m_messages->takeTexts().filter(QStringLiteral("CxOpenH264Decoder")).size(), 1); // the half frame
 }
 
-/// Records until save() fails, makes room and records the rest: what save() said is written is in the file, in
-/// order and nothing else, and from the next key frame on it plays again.
+/// Records until save() fails, makes room and records the rest: what save() said is written is in the file,
+/// in order and nothing else, and from the next key frame on it plays again.
 void tst_H264VideoSaverDisk::checkFailsAndGoesOn(QString const& fileName,
-                                                   std::function<void()> const& makeRoom)
+                                                 std::function<void()> const& makeRoom)
 {
     QByteArray said;
     QList<int> numbers;
@@ -215,10 +215,10 @@ void tst_H264VideoSaverDisk::readOnlyFolderIsReported()
 {
     QString const folder = m_folder->filePath(QStringLiteral("read-only"));
     QVERIFY(QDir().mkdir(folder));
-    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther |
-                                              QFile::ExeOther));
-    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
-                                                        QFile::ExeOther));
+    QVERIFY(QFile::setPermissions(folder,
+                                  QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
+    QVERIFY(QFile::setPermissions(m_folder->path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther));
     QString const fileName = folder + QStringLiteral("/out.h264");
     CxH264VideoSaver saver;
     saver.setOutputFile(fileName);
@@ -235,8 +235,8 @@ void tst_H264VideoSaverDisk::readOnlyFileIsReportedAndKept()
 {
     QVERIFY(fx_WriteFile(path(), "kept"));
     QVERIFY(QFile::setPermissions(path(), QFile::ReadOwner | QFile::ReadOther));
-    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
-                                                        QFile::ExeOther));
+    QVERIFY(QFile::setPermissions(m_folder->path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther));
     CxH264VideoSaver saver;
     saver.setOutputFile(path());
     {
