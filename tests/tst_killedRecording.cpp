@@ -27,7 +27,8 @@ static constexpr int kKills = 50;
 static constexpr qint64 kMostBuffered = 16384; ///< bytes that QFile keeps back
 
 /// Records in a process of its own and kills that \p turns turns of an empty loop after it has saved
-/// \p pictures pictures. \return the bytes that it had said by then that it has saved; -1 when it said nothing.
+/// \p pictures pictures. \return the bytes that it had said by then that it has saved; -1 when it said
+/// nothing.
 static qint64 fx_RecordAndKill(CxSavedSequence& sequence, QString const& fileName, int pictures, int turns)
 {
     int said[2];
@@ -50,7 +51,8 @@ static qint64 fx_RecordAndKill(CxSavedSequence& sequence, QString const& fileNam
     for (int i = 0; i < pictures; ++i)
         if (read(said[0], &position, sizeof position) != sizeof position)
             break;
-    for (int volatile turn = 0; turn < turns; turn = turn + 1) {}
+    for (int volatile turn = 0; turn < turns; turn = turn + 1) {
+    }
     kill(process, SIGKILL);
     for (qint64 later; read(said[0], &later, sizeof later) == sizeof later;)
         position = later;
