@@ -93,8 +93,8 @@ void tst_H264VideoLoaderChanges::changedWhilePlaying_data()
     }
 }
 
-/// Whatever happens to the file and whenever: no crash, and no picture but the right one where the file was only
-/// cut or replaced. Each run is a file of its own, changed by another thread at a random moment.
+/// Whatever happens to the file and whenever: no crash, and no picture but the right one where the file was
+/// only cut or replaced. Each run is a file of its own, changed by another thread at a random moment.
 void tst_H264VideoLoaderChanges::changedWhilePlaying()
 {
     QFETCH(bool, isScrubbing);
@@ -122,7 +122,8 @@ void tst_H264VideoLoaderChanges::changedWhilePlaying()
         std::thread changer([&] {
             while (played < frameOfChange)
                 std::this_thread::yield();
-            for (qint64 volatile turn = 0; turn < turns; turn = turn + 1) {}
+            for (qint64 volatile turn = 0; turn < turns; turn = turn + 1) {
+            }
             (this->*kChanges[change])(fileName, changing);
         });
         int wrong = 0;
