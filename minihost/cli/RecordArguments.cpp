@@ -249,7 +249,9 @@ QString fx_RecordHelp()
            fx_OptionsHelp(fx_SourceOptions()) + QStringLiteral("How to encode\n") +
            fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +
            fx_OptionsHelp(fx_OutputOptions()) +
-           QStringLiteral("\n"
-                          "Ctrl-C ends a recording cleanly.\n") +
-           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
+           QStringLiteral(
+               "\n"
+               "Ctrl-C ends a recording cleanly. With a source that has no end, such as a webcam or\n"
+               "camera: without --frames, that is success; any other is interrupted.\n") +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kInterrupted});
 }

@@ -115,9 +115,7 @@ private:
     /// Now the source has opened something and knows its length, and the size to be saved is known.
     void onFirstPicture(SxRecordSummary const& summary)
     {
-        int const expected = m_source.expectedPictures();
-        int const limit = m_request.maxPictures;
-        m_line.setTotal(limit > 0 && (expected < 0 || limit < expected) ? limit : expected);
+        m_line.setTotal(summary.expected);
         if (m_request.encoder.profile == kProfileExtended)
             warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));
         tellAboutScaling(summary);
@@ -160,18 +158,19 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
 {
     std::unique_ptr<IxPictureSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
-    SxRecordSummary const summary = fx_Record(
+    SxRecordSummary summary = fx_Record(
         *source, arguments.request, [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
     watcher.onEnd(summary);
+    bool const isInterrupted = summary.error.isEmpty() && fx_IsInterrupted(summary);
+    if (isInterrupted)
+        summary.error = fx_InterruptionText(arguments.request, summary);
     if (summary.given > 0)
         Console::message(fx_RecordSummaryText(arguments.request, summary));
     if (arguments.run.json)
         Console::data(fx_RecordSummaryJson(arguments.request, summary, watcher.warnings()));
-    if (!summary.error.isEmpty())
-        return fx_Failed(summary.error);
-    if (summary.given == 0)
-        Console::message(QStringLiteral("Stopped before the first picture; nothing was recorded."));
-    return kDone;
+    if (isInterrupted)
+        return fx_Interrupted(summary.error);
+    return summary.error.isEmpty() ? kDone : fx_Failed(summary.error);
 }
 
 } // namespace

@@ -22,10 +22,18 @@ static double fx_MsPerPicture(qint64 ns, int pictures)
     return pictures == 0 ? 0 : static_cast<double>(ns) / 1e6 / pictures;
 }
 
+/// "200 of 795 pictures" when that is what a stop left of them.
+static QString fx_PictureCount(SxRecordSummary const& summary)
+{
+    return summary.isCutShort && summary.expected > 0
+               ? QStringLiteral("%1 of %2").arg(summary.given).arg(fx_Count(summary.expected, "picture"))
+               : fx_Count(summary.given, "picture");
+}
+
 QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary)
 {
     QStringList lines;
-    QString first = QStringLiteral("%1: %2").arg(request.outputFile, fx_Count(summary.given, "picture"));
+    QString first = QStringLiteral("%1: %2").arg(request.outputFile, fx_PictureCount(summary));
     if (summary.savedWidth != 0)
         first += QStringLiteral(" of %1 x %2").arg(summary.savedWidth).arg(summary.savedHeight);
     if (summary.wasStopped)
@@ -59,12 +67,14 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         skipped.append(number);
     QJsonObject json{
         {QStringLiteral("output"), request.outputFile},
+        {QStringLiteral("expected"), summary.expected < 0 ? QJsonValue() : QJsonValue(summary.expected)},
         {QStringLiteral("given"), summary.given},
         {QStringLiteral("coded"), summary.coded},
         {QStringLiteral("elapsedSeconds"), static_cast<double>(summary.elapsedNs) / 1e9},
         {QStringLiteral("msPerPicture"), fx_MsPerPicture(summary.elapsedNs, summary.given)},
         {QStringLiteral("encodingMsPerPicture"), fx_MsPerPicture(summary.savingNs, summary.given)},
         {QStringLiteral("stopped"), summary.wasStopped},
+        {QStringLiteral("interrupted"), fx_IsInterrupted(summary)},
         {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)},
         {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},
         {QStringLiteral("skipped"), QJsonValue()},
@@ -83,6 +93,19 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         json[QStringLiteral("height")] = static_cast<int>(summary.savedHeight);
     }
     return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
+}
+
+bool fx_IsInterrupted(SxRecordSummary const& summary)
+{
+    return summary.isCutShort || (summary.wasStopped && summary.given == 0);
+}
+
+QString fx_InterruptionText(SxRecordRequest const& request, SxRecordSummary const& summary)
+{
+    if (summary.given == 0)
+        return QStringLiteral("Interrupted before the first picture; nothing was recorded.");
+    return QStringLiteral("%1: interrupted after %2; the rest is missing, what is written is complete.")
+        .arg(request.outputFile, fx_PictureCount(summary));
 }
 
 QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary)

@@ -12,6 +12,13 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
 QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
                              QStringList const& warnings);
 
+/// True when a recording without an error is no success: it was stopped before all was recorded that was
+/// asked for, or before anything was.
+bool fx_IsInterrupted(SxRecordSummary const& summary);
+
+/// What is missing then, one sentence.
+QString fx_InterruptionText(SxRecordRequest const& request, SxRecordSummary const& summary);
+
 /// What to do about skipped pictures, one sentence; empty when none were skipped.
 QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary);
 

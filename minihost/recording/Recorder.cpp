@@ -56,6 +56,8 @@ private:
     void finish();
     void fail(QString const& sentence);
     bool mayContinue() const;
+    int expectedPictures() const;
+    void noteEnd();
     QString outputError(QStringList const& messages) const;
 
     IxPictureSource& m_source;
@@ -79,6 +81,22 @@ void CxRecording::fail(QString const& sentence)
 bool CxRecording::mayContinue() const
 {
     return m_request.maxPictures == 0 || m_summary.given < m_request.maxPictures;
+}
+
+int CxRecording::expectedPictures() const
+{
+    int const expected = m_source.expectedPictures();
+    int const limit = m_request.maxPictures;
+    return limit > 0 && (expected < 0 || limit < expected) ? limit : expected;
+}
+
+/// What the end of the source says, when a stop flag may have been what ended it.
+void CxRecording::noteEnd()
+{
+    m_summary.wasStopped = m_request.stop && m_request.stop->load();
+    bool const isLimited = m_source.hasEnd() || m_request.maxPictures > 0;
+    bool const hasAll = m_summary.expected > 0 && m_summary.given >= m_summary.expected;
+    m_summary.isCutShort = m_summary.wasStopped && isLimited && !hasAll;
 }
 
 /// The plug-in's messages as one sentence about the output: what it said last, for the reason it gave
@@ -106,20 +124,21 @@ QString CxRecording::outputError(QStringList const& messages) const
 bool CxRecording::nextPicture()
 {
     if (m_request.stop && m_request.stop->load()) {
-        m_summary.wasStopped = true;
+        noteEnd();
         return false;
     }
     switch (m_source.next(m_picture.get())) {
     case IxPictureSource::Result::Picture:
         break;
     case IxPictureSource::Result::End:
-        m_summary.wasStopped = m_request.stop && m_request.stop->load();
+        noteEnd();
         return false;
     case IxPictureSource::Result::Error:
         fail(m_source.errorText());
         return false;
     }
 
+    m_summary.expected = expectedPictures();
     SxPicBuf const& picture = m_picture.get();
     if (m_summary.given > 0 &&
         (picture.width != m_summary.input.width || picture.height != m_summary.input.height)) {

@@ -26,7 +26,9 @@ struct SxRecordSummary
 {
     QString error;             ///< one sentence, or empty when nothing failed
     bool wasStopped = false;   ///< the stop flag ended it
+    bool isCutShort = false;   ///< so pictures are missing that were asked for
     bool sizesKnown = true;    ///< false for pipes and devices, where nobody can see bytes and skips
+    int expected = -1;         ///< pictures that were to come, as far as known by now; else -1
     int given = 0;             ///< pictures handed to the saver
     int coded = 0;             ///< of these, how many the file holds completely
     QVector<int> skipped;      ///< numbers, from 0, of those that the encoder left out without an error

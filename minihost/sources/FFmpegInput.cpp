@@ -30,6 +30,16 @@ SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format)
     return result;
 }
 
+bool fx_HasEnd(AVFormatContext const& opened)
+{
+    AVClass const* const reader = opened.iformat->priv_class;
+    if (reader && AV_IS_INPUT_DEVICE(reader->category))
+        return false;
+    // Without a server in its name it is a file or a pipe.
+    return !QByteArray(opened.url).contains("://") || opened.duration > 0 ||
+           (opened.pb && opened.pb->seekable != 0);
+}
+
 bool fx_IsStillFormat(AVInputFormat const& format)
 {
     QByteArray const name(format.name);

@@ -16,5 +16,8 @@ struct SxFFmpegInput
 /// \param format  name of the reader that the user chose; empty: find out.
 SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format);
 
+/// False for devices, and for streams out of a network that neither know their length nor can be read again.
+bool fx_HasEnd(AVFormatContext const& opened);
+
 /// True for FFmpeg's readers of single pictures: "png_pipe", "jpeg_pipe", "image2".
 bool fx_IsStillFormat(AVInputFormat const& format);

@@ -132,6 +132,7 @@ bool CxFFmpegSource::openInput()
     if (error < 0)
         return fail(QStringLiteral("its pictures cannot be decoded: %1").arg(fx_FFmpegErrorText(error)));
 
+    m_hasEnd = fx_HasEnd(*format);
     m_drained = false;
     m_framesOfInput = 0;
     m_damaged = 0;

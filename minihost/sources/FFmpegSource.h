@@ -33,6 +33,7 @@ public:
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_expected; }
+    bool hasEnd() const override { return m_hasEnd; }
     bool knowsSignificantBits() const override { return m_picture.knowsSignificantBits(); }
     QStringList takeWarnings() override;
 
@@ -67,6 +68,7 @@ private:
     int m_stream = -1;
     bool m_isStill = false;      ///< the open input holds pictures, no video: it has no clock
     bool m_isOnePicture = false; ///< the open input is a picture file
+    bool m_hasEnd = true;        ///< of the input opened last
     bool m_drained = false;      ///< the open input is read to its end
     int m_framesOfInput = 0;     ///< delivered from the open input
     int m_damaged = 0;           ///< packets of the open input that could not be decoded

@@ -30,6 +30,10 @@ public:
     /// Pictures from first to last as far as known before reading them, or -1.
     virtual int expectedPictures() const = 0;
 
+    /// False for a camera or a live stream, which goes on until somebody stops it: stopped, it has lost
+    /// nothing. Known once the first picture has come.
+    virtual bool hasEnd() const { return true; }
+
     /// True when the source itself says how many bits of a word sample count; false when 16 is only
     /// the size of the word.
     virtual bool knowsSignificantBits() const = 0;

@@ -26,6 +26,7 @@ public:
     }
     QString errorText() const override { return m_live.m_source->errorText(); }
     int expectedPictures() const override { return m_live.m_source->expectedPictures(); }
+    bool hasEnd() const override { return m_live.m_source->hasEnd(); }
     bool knowsSignificantBits() const override { return m_live.m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_live.m_source->takeWarnings(); }
 

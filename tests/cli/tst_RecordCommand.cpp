@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+#include <sys/stat.h>
 
 #include "PictureFormat.h"
 #include "TestCamera.h"
@@ -54,8 +55,13 @@ private slots:
     void fullDiskFailsWithASummary();
     void diskThatFillsUpKeepsWhatWasSaved();
     void fullDiskLeavesNoEmptyFile();
+    void interruptKeepsWhatWasRecorded_data();
     void interruptKeepsWhatWasRecorded();
     void interruptEndsTheWaitForData();
+    void interruptedConversionIsNoSuccess_data();
+    void interruptedConversionIsNoSuccess();
+    void interruptBeforeTheFirstPictureIsNoSuccess();
+    void interruptedCountOfACameraIsNoSuccess();
     void pipeTakesARecording();
 
     void jsonSummaryCountsPicturesAndBytes();
@@ -555,10 +561,18 @@ void tst_RecordCommand::diskThatFillsUpKeepsWhatWasSaved()
              qPrintable(QStringLiteral("%1 of %2").arg(packets).arg(coded)));
 }
 
+void tst_RecordCommand::interruptKeepsWhatWasRecorded_data()
+{
+    QTest::addColumn<QString>("source"); // has no end, so that stopping it is no failure
+    QTest::newRow("test camera") << "camera:";
+    QTest::newRow("device") << "lavfi:testsrc=size=640x480";
+}
+
 void tst_RecordCommand::interruptKeepsWhatWasRecorded()
 {
+    QFETCH(QString, source);
     QProcess process;
-    process.start(fx_MinihostProgram(), {"record", "camera:", path("out.h264"), "--frames", "0", "--json"});
+    process.start(fx_MinihostProgram(), {"record", source, path("out.h264"), "--frames", "0", "--json"});
     QVERIFY(process.waitForStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path("out.h264")).size() > 100000, 60000);
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
@@ -584,9 +598,83 @@ void tst_RecordCommand::interruptEndsTheWaitForData()
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.exitCode(), 128 + SIGTERM); // a pipe has an end, which did not come
     QString error;
     QVERIFY2(!fx_DecodeH264File(path("out.h264"), error).empty(), qPrintable(error));
+}
+
+void tst_RecordCommand::interruptedConversionIsNoSuccess_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("INT") << SIGINT;
+    QTest::newRow("TERM") << SIGTERM;
+    QTest::newRow("HUP") << SIGHUP;
+}
+
+void tst_RecordCommand::interruptedConversionIsNoSuccess()
+{
+    QFETCH(int, signal);
+    // The second of three pictures is a pipe that nobody writes to: the conversion waits there.
+    QVERIFY(fx_WriteFile(path("a.pgm"), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, 'a'))));
+    QCOMPARE(::mkfifo(qPrintable(path("b.pgm")), 0600), 0);
+    QProcess process;
+    process.start(fx_MinihostProgram(),
+                  {"record", path("a.pgm"), path("b.pgm"), path("a.pgm"), path("out.h264"), "--json"});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path("out.h264")), 60000);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 128 + signal);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.contains("out.h264: 1 of 3 pictures of 64 x 48, stopped\n"), err);
+    QVERIFY2(err.contains("error: " + path("out.h264").toLocal8Bit() +
+                          ": interrupted after 1 of 3 pictures; the rest is missing"),
+             err);
+    QJsonObject const json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    QCOMPARE(json.value("interrupted").toBool(), true);
+    QCOMPARE(json.value("given").toInt(), 1);
+    QCOMPARE(json.value("expected").toInt(), 3);
+    QVERIFY(json.value("error").toString().contains("the rest is missing"));
+    QString error;
+    QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{1});
+}
+
+void tst_RecordCommand::interruptBeforeTheFirstPictureIsNoSuccess()
+{
+    QProcess process; // its standard input stays open and empty
+    process.start(fx_MinihostProgram(), {"record", "-", path("out.h264"), "--verbose", "--json"});
+    QVERIFY(process.waitForStarted());
+    // Only a program that catches signals shows them so.
+    QString const status = QStringLiteral("/proc/%1/status").arg(process.processId());
+    auto const catchesInterrupts = [&status] {
+        QFile file(status);
+        QRegularExpression const caught(QStringLiteral("SigCgt:\\s*([0-9a-f]+)"));
+        return file.open(QIODevice::ReadOnly) &&
+               (caught.match(QString::fromLatin1(file.readAll())).captured(1).toULongLong(nullptr, 16) &
+                (1ULL << (SIGINT - 1))) != 0;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(catchesInterrupts(), 60000);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 128 + SIGINT);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.contains("error: Interrupted before the first picture; nothing was recorded.\n"), err);
+    QJsonObject const json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    QCOMPARE(json.value("interrupted").toBool(), true);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+void tst_RecordCommand::interruptedCountOfACameraIsNoSuccess()
+{
+    QProcess process;
+    process.start(fx_MinihostProgram(), {"record", "camera:", path("out.h264"), "--frames", "1000000000"});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path("out.h264")), 60000);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitCode(), 128 + SIGINT);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.contains(" of 1000000000 pictures; the rest is missing"), err);
 }
 
 void tst_RecordCommand::pipeTakesARecording()

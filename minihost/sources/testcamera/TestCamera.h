@@ -35,6 +35,7 @@ public:
     Result next(SxPicBuf& picture) override;
     QString errorText() const override;
     int expectedPictures() const override { return m_options.frames == 0 ? -1 : m_options.frames; }
+    bool hasEnd() const override { return false; }
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
 
