@@ -4,6 +4,9 @@ static constexpr int kLeftColumn = 20; // characters, for the option and its val
 
 void fx_AddOptions(QCommandLineParser& parser, QVector<SxOption> const& options)
 {
+    // A file name that begins with a dash is not read as letters behind each other, of which one asks for
+    // help.
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     for (SxOption const& option : options) {
         QStringList names{QString::fromLatin1(option.name)};
         if (option.letter != 0)

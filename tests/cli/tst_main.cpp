@@ -74,6 +74,9 @@ void tst_main::wrongUsageIsExplained_data()
     QTest::newRow("standard input twice") << QStringList{"record", "-", "-", "out.h264"}
                                           << QByteArray("Standard input (-) can be read only once");
     QTest::newRow("unknown option") << record + QStringList{"--fast"} << QByteArray("Unknown option 'fast'.");
+    for (char const* command : {"record", "info", "export", "view", "verify"})
+        QTest::newRow(qPrintable(QStringLiteral("file like letters for %1").arg(QLatin1String(command))))
+            << QStringList{command, "camera:", "-y.h264"} << QByteArray("Unknown option 'y.h264'.");
     QTest::newRow("missing value") << record + QStringList{"--quality"}
                                    << QByteArray("Missing value after '--quality'.");
     QTest::newRow("unknown reader") << QStringList{"record", "-", "out.h264", "--input-format", "rawvdieo"}
