@@ -1,7 +1,9 @@
 #include "Console.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <initializer_list>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -16,6 +18,7 @@ namespace {
 bool s_quiet = false;
 bool s_transientShown = false;
 FILE* s_messages = stderr; ///< where messages go
+int s_dataError = 0;       ///< errno of the first failure on standard output
 
 bool fx_IsTerminal() { return isatty(fileno(s_messages)) == 1 && qgetenv("TERM") != "dumb"; }
 
@@ -27,10 +30,13 @@ int fx_Columns()
     return ioctl(fileno(s_messages), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
-void fx_Write(FILE* stream, QString const& text)
+/// \return errno, or 0 when all is written
+int fx_Write(FILE* stream, QString const& text)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
-    std::fflush(stream);
+    errno = 0;
+    bool const isWritten =
+        std::fputs(text.toLocal8Bit().constData(), stream) >= 0 && std::fflush(stream) == 0;
+    return isWritten ? 0 : errno;
 }
 
 void fx_Labelled(char const* colour, QString const& label, QString const& sentence)
@@ -42,6 +48,15 @@ void fx_Labelled(char const* colour, QString const& label, QString const& senten
 }
 
 } // namespace
+
+void Console::occupyClosedStreams()
+{
+    for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest free number is taken: this one, since those below it are open by now.
+        if (fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+}
 
 void Console::setQuiet(bool quiet) { s_quiet = quiet; }
 
@@ -63,7 +78,15 @@ void Console::hideLibraryOutput()
 void Console::data(QString const& text)
 {
     transient(QString());
-    fx_Write(stdout, text + QLatin1Char('\n'));
+    int const error = fx_Write(stdout, text + QLatin1Char('\n'));
+    if (s_dataError == 0)
+        s_dataError = error;
+}
+
+QString Console::dataFailure()
+{
+    return s_dataError == 0 ? QString()
+                            : QStringLiteral("Standard output: %1.").arg(qt_error_string(s_dataError));
 }
 
 void Console::message(QString const& text)

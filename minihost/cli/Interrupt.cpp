@@ -39,7 +39,6 @@ std::atomic<bool> const& fx_CatchInterrupts()
         if (before.sa_handler != SIG_IGN) // nohup stays nohup
             fx_Handle(signal, fx_OnInterrupt, static_cast<int>(SA_RESETHAND));
     }
-    std::signal(SIGPIPE, SIG_IGN);
     return s_interrupted;
 }
 

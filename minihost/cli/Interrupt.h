@@ -4,7 +4,7 @@
 #include <atomic>
 
 /// Makes Ctrl-C, a hang-up and a polite kill end the running work cleanly instead of the program; the
-/// second one ends the program at once. Also keeps a closed pipe from killing it.
+/// second one ends the program at once.
 ///
 /// What waits for the system is called back once a second from then on, so that it sees the flag even when
 /// the signal came just before it began to wait.

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 
 #include "ExitCode.h"
+#include "SameFile.h"
 
 namespace {
 
@@ -163,6 +164,8 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
         return QStringLiteral("'%1' cannot be the output: its name must end in .h264.")
             .arg(parsed.request.outputFile);
 
+    if (parsed.run.json && fx_IsStandardOutput(parsed.request.outputFile))
+        return QStringLiteral("--json and the recording cannot both go to standard output.");
     for (QString const& name : names) {
         if (name.isEmpty())
             return QStringLiteral("A source has no name.");

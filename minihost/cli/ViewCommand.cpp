@@ -31,7 +31,7 @@ static QString fx_Help()
            fx_OptionsHelp(fx_Options()) +
            QStringLiteral("\n"
                           "F1 in the window lists its keys. Texts follow the locale: English or German.\n") +
-           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kOutputFailed});
 }
 
 int fx_RunView(QStringList const& arguments)

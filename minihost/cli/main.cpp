@@ -1,5 +1,6 @@
 #include <QCoreApplication>
 #include <clocale>
+#include <csignal>
 #include <langinfo.h>
 #include <optional>
 
@@ -40,7 +41,7 @@ static QString fx_Help()
            QStringLiteral("  help C     how to use command C, as C --help\n"
                           "  --version  version of this program\n"
                           "\n") +
-           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kOutputFailed});
 }
 
 static int fx_Dispatch(QStringList arguments)
@@ -76,8 +77,22 @@ static void fx_UseUtf8()
         qputenv(qEnvironmentVariableIsEmpty("LC_ALL") ? "LC_CTYPE" : "LC_ALL", "C.UTF-8");
 }
 
+/// What a command ended with, unless its results did not arrive.
+static int fx_SeeResultsOut(int code)
+{
+    QString const failure = Console::dataFailure();
+    if (failure.isEmpty())
+        return code;
+    fx_Failed(failure, kOutputFailed);
+    return code == kDone || code == kNotWhole ? kOutputFailed : code;
+}
+
 int main(int argc, char** argv)
 {
+    Console::occupyClosedStreams();
+    // A write that fails says so itself, and is told with its cause.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     fx_UseUtf8();
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
@@ -85,5 +100,5 @@ int main(int argc, char** argv)
     std::optional<QCoreApplication> app;
     if (arguments.value(0) != QLatin1String("view")) // which has one of its own
         app.emplace(argc, argv);
-    return fx_Dispatch(arguments);
+    return fx_SeeResultsOut(fx_Dispatch(arguments));
 }

@@ -19,3 +19,11 @@ bool fx_IsSameFile(QString const& source, QString const& output)
     return isFound && fx_Stat(output, out) && S_ISREG(in.st_mode) && in.st_dev == out.st_dev &&
            in.st_ino == out.st_ino;
 }
+
+bool fx_IsStandardOutput(QString const& fileName)
+{
+    struct stat named = {};
+    struct stat standard = {};
+    return fx_Stat(fileName, named) && fstat(STDOUT_FILENO, &standard) == 0 &&
+           named.st_dev == standard.st_dev && named.st_ino == standard.st_ino;
+}

@@ -6,3 +6,6 @@
 /// different paths; so writing one would destroy the other. "-" as \p source is standard input, and a
 /// "file:" before it is no part of its name.
 bool fx_IsSameFile(QString const& source, QString const& output);
+
+/// True when \p fileName leads to what standard output writes to, be it a file, a pipe or a device.
+bool fx_IsStandardOutput(QString const& fileName);

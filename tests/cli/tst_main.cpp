@@ -19,6 +19,11 @@ private slots:
     void unusablePluginIsNamed();
     void pluginPathMayComeFromTheEnvironment();
     void fileNamesAreKeptWithoutALocale();
+    void resultsThatDoNotArriveAreToldWithTheCause_data();
+    void resultsThatDoNotArriveAreToldWithTheCause();
+    void closedStreamsAreNotMistakenForFiles();
+    void jsonAndRecordingDoNotShareStandardOutput_data();
+    void jsonAndRecordingDoNotShareStandardOutput();
 };
 
 void tst_main::helpAndVersionArePrinted_data()
@@ -207,6 +212,73 @@ void tst_main::pluginPathMayComeFromTheEnvironment()
     QCOMPARE(misled.exitCode, 1);
     QVERIFY2(misled.err.contains("/no/such/folder"), misled.err);
     QVERIFY2(led.exitCode == 0, led.err);
+}
+
+void tst_main::resultsThatDoNotArriveAreToldWithTheCause_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("--version") << QStringList{"--version"};
+    QTest::newRow("--help") << QStringList{"--help"};
+    for (char const* command : {"record", "info", "export", "view", "verify"})
+        QTest::newRow(command) << QStringList{command, "--help"};
+    QTest::newRow("record --json") << QStringList{"record", "camera:", "json.h264", "--json", "--size",
+                                                  "64x48",  "-q",      "--frames",  "2",      "--overwrite"};
+    QTest::newRow("info") << QStringList{"info", "in.h264"};
+    QTest::newRow("info --json") << QStringList{"info", "in.h264", "--json"};
+    QTest::newRow("verify --json") << QStringList{"verify", "in.h264", "--json", "-q"};
+}
+
+void tst_main::resultsThatDoNotArriveAreToldWithTheCause()
+{
+    QFETCH(QStringList, arguments);
+    QTemporaryDir folder;
+    QStringList const recording{"record", "camera:", "in.h264", "--size", "64x48", "--frames", "2"};
+    QCOMPARE(fx_RunMinihost(recording, QByteArray(), folder.path()).exitCode, 0);
+
+    SxMinihostRun const full = fx_RunMinihostInShell("\"$@\" >/dev/full", arguments, folder.path());
+    QCOMPARE(full.err, QByteArray("error: Standard output: No space left on device.\n"));
+    QCOMPARE(full.exitCode, 5);
+    SxMinihostRun const closed = fx_RunMinihostInShell("\"$@\" >&-", arguments, folder.path());
+    QCOMPARE(closed.err, QByteArray("error: Standard output: Bad file descriptor.\n"));
+    QCOMPARE(closed.exitCode, 5);
+}
+
+void tst_main::closedStreamsAreNotMistakenForFiles()
+{
+    QTemporaryDir folder;
+    QStringList const recording{"record", "camera:", "out.h264", "--size", "64x48", "--frames", "2"};
+    QCOMPARE(fx_RunMinihostInShell("\"$@\" <&- >&- 2>&-", recording, folder.path()).exitCode, 0);
+    QCOMPARE(fx_RunMinihost({"verify", "out.h264"}, QByteArray(), folder.path()).exitCode, 0);
+    QFile recorded(folder.filePath("out.h264"));
+    QVERIFY(recorded.open(QIODevice::ReadOnly));
+    QVERIFY(!recorded.readAll().contains("pictures")); // what was said is in no file
+
+    SxMinihostRun const input =
+        fx_RunMinihostInShell("\"$@\" <&-", {"record", "-", "none.h264"}, folder.path());
+    QVERIFY2(input.err.contains("standard input: "), input.err);
+    QVERIFY(input.exitCode != 0 && input.exitCode < 128);
+}
+
+void tst_main::jsonAndRecordingDoNotShareStandardOutput_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::newRow("pipe") << "\"$@\" /dev/stdout | cat; exit 2";
+    QTest::newRow("pipe by its number") << "\"$@\" /proc/self/fd/1 | cat; exit 2";
+    QTest::newRow("file") << "\"$@\" out.h264 --overwrite >out.h264";
+    QTest::newRow("file by its number")
+        << "ln -s /proc/self/fd/1 one.h264; \"$@\" one.h264 --overwrite >out.h264";
+}
+
+void tst_main::jsonAndRecordingDoNotShareStandardOutput()
+{
+    QFETCH(QString, script);
+    QTemporaryDir folder;
+    SxMinihostRun const run =
+        fx_RunMinihostInShell(script, {"record", "camera:", "--json", "--frames", "2"}, folder.path());
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(run.err, QByteArray("error: --json and the recording cannot both go to standard output. See "
+                                 "minihost record --help.\n"));
+    QCOMPARE(run.out, QByteArray());
 }
 
 QTEST_GUILESS_MAIN(tst_main)

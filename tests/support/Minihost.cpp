@@ -27,11 +27,12 @@ static QByteArray fx_WithoutLibraryRemarks(QByteArray const& err)
 #endif
 }
 
-SxMinihostRun fx_RunMinihost(QStringList const& arguments, QByteArray const& input, QString const& folder)
+static SxMinihostRun fx_Run(QString const& program, QStringList const& arguments, QByteArray const& input,
+                            QString const& folder)
 {
     QProcess process;
     process.setWorkingDirectory(folder);
-    process.start(fx_MinihostProgram(), arguments);
+    process.start(program, arguments);
     process.write(input);
     process.closeWriteChannel();
     SxMinihostRun run;
@@ -41,6 +42,18 @@ SxMinihostRun fx_RunMinihost(QStringList const& arguments, QByteArray const& inp
     run.out = process.readAllStandardOutput();
     run.err = fx_WithoutLibraryRemarks(process.readAllStandardError());
     return run;
+}
+
+SxMinihostRun fx_RunMinihost(QStringList const& arguments, QByteArray const& input, QString const& folder)
+{
+    return fx_Run(fx_MinihostProgram(), arguments, input, folder);
+}
+
+SxMinihostRun fx_RunMinihostInShell(QString const& script, QStringList const& arguments,
+                                    QString const& folder)
+{
+    QStringList const shell{QStringLiteral("-c"), script, QStringLiteral("sh"), fx_MinihostProgram()};
+    return fx_Run(QStringLiteral("/bin/sh"), shell + arguments, QByteArray(), folder);
 }
 
 long fx_MinihostPeakKb(QStringList const& arguments)

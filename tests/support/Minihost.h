@@ -21,6 +21,10 @@ QString fx_MinihostProgram(); ///< path of the program under test
 SxMinihostRun fx_RunMinihost(QStringList const& arguments, QByteArray const& input = QByteArray(),
                              QString const& folder = QString());
 
+/// The same through a shell, whose \p script has the command as "$@": `"$@" >/dev/full`.
+SxMinihostRun fx_RunMinihostInShell(QString const& script, QStringList const& arguments,
+                                    QString const& folder = QString());
+
 /// Runs minihost quietly and returns the largest memory that it had resident, in kB; -1 unless it
 /// ended with exit code 0.
 long fx_MinihostPeakKb(QStringList const& arguments);
