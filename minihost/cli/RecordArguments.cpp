@@ -124,7 +124,9 @@ QVector<SxOption> fx_EncodingOptions()
 
 QVector<SxOption> fx_OutputOptions()
 {
-    QVector<SxOption> const own{{"overwrite", 0, nullptr, QStringLiteral("replace OUTPUT if it exists")}};
+    QVector<SxOption> const own{
+        {"overwrite", 0, nullptr, QStringLiteral("replace OUTPUT if it exists")},
+        {"strict", 0, nullptr, QStringLiteral("exit code 3 when the encoder skipped pictures")}};
     return own + fx_RunOptions(QStringLiteral("summary as JSON on standard output"));
 }
 
@@ -223,6 +225,7 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
 
     if (parser.isSet(QStringLiteral("frames")))
         parsed.camera.frames = parsed.request.maxPictures;
+    parsed.isStrict = parser.isSet(QStringLiteral("strict"));
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
     error = fx_TakePositionals(parser, parsed);
     if (error.isEmpty())
@@ -256,5 +259,5 @@ QString fx_RecordHelp()
                "\n"
                "Ctrl-C ends a recording cleanly. With a source that has no end, such as a webcam or\n"
                "camera: without --frames, that is success; any other is interrupted.\n") +
-           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kInterrupted});
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kNotWhole, kBadInput, kOutputFailed, kInterrupted});
 }

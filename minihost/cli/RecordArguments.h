@@ -17,6 +17,7 @@ struct SxRecordArguments
     int bits = 0; ///< 0: not given
     SxFFmpegOptions input;
     bool overwrite = false;
+    bool isStrict = false;
     SxRunOptions run;
 };
 

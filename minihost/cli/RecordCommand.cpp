@@ -154,6 +154,21 @@ std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& argument
                                             arguments.input);
 }
 
+int fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summary)
+{
+    switch (summary.failure) {
+    case RecordFailure::Source:
+        return kBadInput;
+    case RecordFailure::Output:
+        return kOutputFailed;
+    case RecordFailure::Other:
+        return kFailed;
+    case RecordFailure::None:
+        break;
+    }
+    return arguments.isStrict && !summary.skipped.isEmpty() ? kNotWhole : kDone;
+}
+
 int fx_RecordAndReport(SxRecordArguments const& arguments)
 {
     std::unique_ptr<IxPictureSource> const source = fx_MakeSource(arguments);
@@ -170,7 +185,9 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
         Console::data(fx_RecordSummaryJson(arguments.request, summary, watcher.warnings()));
     if (isInterrupted)
         return fx_Interrupted(summary.error);
-    return summary.error.isEmpty() ? kDone : fx_Failed(summary.error);
+    if (!summary.error.isEmpty())
+        Console::error(summary.error);
+    return fx_ExitCode(arguments, summary);
 }
 
 } // namespace
@@ -190,9 +207,12 @@ int fx_RunRecord(QStringList const& arguments)
         Console::hideLibraryOutput();
 
     error = fx_SourceObstacle(parsed);
-    if (error.isEmpty())
-        error = fx_OutputObstacle(parsed);
-    if (!error.isEmpty() || !session.load(error))
+    if (!error.isEmpty())
+        return fx_Failed(error, kBadInput);
+    error = fx_OutputObstacle(parsed);
+    if (!error.isEmpty())
+        return fx_Failed(error, kOutputFailed);
+    if (!session.load(error))
         return fx_Failed(error);
     parsed.request.stop = &fx_CatchInterrupts();
     return fx_RecordAndReport(parsed);

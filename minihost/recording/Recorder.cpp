@@ -54,7 +54,7 @@ private:
     bool nextPicture();
     bool saveOne();
     void finish();
-    void fail(QString const& sentence);
+    void fail(QString const& sentence, RecordFailure failure = RecordFailure::Other);
     bool mayContinue() const;
     int expectedPictures() const;
     void noteEnd();
@@ -72,10 +72,13 @@ private:
     qint64 m_written = 0;              ///< bytes given to the file, buffered ones included
 };
 
-void CxRecording::fail(QString const& sentence)
+/// The first failure is told; what follows from it is not.
+void CxRecording::fail(QString const& sentence, RecordFailure failure)
 {
-    if (m_summary.error.isEmpty())
-        m_summary.error = sentence;
+    if (!m_summary.error.isEmpty())
+        return;
+    m_summary.error = sentence;
+    m_summary.failure = failure;
 }
 
 bool CxRecording::mayContinue() const
@@ -134,7 +137,7 @@ bool CxRecording::nextPicture()
         noteEnd();
         return false;
     case IxPictureSource::Result::Error:
-        fail(m_source.errorText());
+        fail(m_source.errorText(), RecordFailure::Source);
         return false;
     }
 
@@ -148,7 +151,8 @@ bool CxRecording::nextPicture()
                  .arg(picture.width)
                  .arg(picture.height)
                  .arg(m_summary.input.width)
-                 .arg(m_summary.input.height));
+                 .arg(m_summary.input.height),
+             RecordFailure::Source);
         return false;
     }
     if (fx_IsWordFormat(picture) && !m_source.knowsSignificantBits())
@@ -241,7 +245,9 @@ bool CxRecording::saveOne()
 
     int const number = m_summary.given++;
     if (!saved) {
-        fail(outputError(CxPluginMessages::take()));
+        bool const isFileAtFault = m_file && m_file->error() != QFileDevice::NoError;
+        fail(outputError(CxPluginMessages::take()),
+             isFileAtFault ? RecordFailure::Output : RecordFailure::Other);
         return false;
     }
     m_summary.sizesKnown = m_file && !m_file->isSequential();
@@ -270,7 +276,7 @@ void CxRecording::finish()
     m_saver.object.reset();
     QStringList const messages = CxPluginMessages::take();
     if (!messages.isEmpty())
-        fail(outputError(messages)); // the last bytes did not reach the disk
+        fail(outputError(messages), RecordFailure::Output); // the last bytes did not reach the disk
 
     QFileInfo const info(m_request.outputFile);
     if (!info.isFile())
@@ -281,7 +287,8 @@ void CxRecording::finish()
             fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")
                      .arg(m_request.outputFile)
                      .arg(m_summary.bytes)
-                     .arg(m_written));
+                     .arg(m_written),
+                 RecordFailure::Output);
         auto const lost = std::upper_bound(m_pictureEnds.begin(), m_pictureEnds.end(), m_summary.bytes);
         m_summary.coded = static_cast<int>(lost - m_pictureEnds.begin());
     }
@@ -295,7 +302,7 @@ void CxRecording::run(RecordProgress const& progress)
     timer.start();
     if (!nextPicture()) {
         if (m_summary.error.isEmpty() && !m_summary.wasStopped)
-            fail(QStringLiteral("There is no picture to record."));
+            fail(QStringLiteral("There is no picture to record."), RecordFailure::Source);
         return;
     }
     if (!start())
@@ -309,6 +316,8 @@ void CxRecording::run(RecordProgress const& progress)
             progress(m_summary);
     } while (mayContinue() && nextPicture());
     finish();
+    if (m_summary.coded == 0)
+        fail(QStringLiteral("Nothing was recorded: the encoder left out every picture."));
     m_summary.elapsedNs = timer.nsecsElapsed();
 }
 

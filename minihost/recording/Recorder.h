@@ -21,10 +21,19 @@ struct SxRecordRequest
     std::atomic<bool> const* stop = nullptr;     ///< set from anywhere to end after the current picture
 };
 
+/// Whose fault it was.
+enum class RecordFailure {
+    None,
+    Source, ///< it cannot be read, or not on
+    Output, ///< it cannot be written, or not on
+    Other,
+};
+
 /// What became of a recording; also the progress so far while it runs.
 struct SxRecordSummary
 {
-    QString error;             ///< one sentence, or empty when nothing failed
+    QString error; ///< one sentence, or empty when nothing failed
+    RecordFailure failure = RecordFailure::None;
     bool wasStopped = false;   ///< the stop flag ended it
     bool isCutShort = false;   ///< so pictures are missing that were asked for
     bool sizesKnown = true;    ///< false for pipes and devices, where nobody can see bytes and skips

@@ -290,7 +290,7 @@ void tst_RecordCommand::inputOptionsThatFitNothingAreNamed()
     QFETCH(QByteArray, sentence);
     SxMinihostRun const run = fx_RunMinihost(
         QStringList{"record"} + options + QStringList{"-", path("out.h264")}, QByteArray(64 * 48 * 4, 'a'));
-    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.exitCode, 4);
     QVERIFY2(run.err.contains(sentence), run.err);
     QVERIFY(!QFile::exists(path("out.h264")));
 }
@@ -311,7 +311,7 @@ void tst_RecordCommand::picturesOfAnotherSizeEndTheRecording()
     QVERIFY(fx_WriteFile(path("a.pgm"), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, 'a'))));
     QVERIFY(fx_WriteFile(path("b.pgm"), fx_PnmFile(48, 64, 1, 255, QByteArray(64 * 48, 'a'))));
     SxMinihostRun const run = fx_RunMinihost({"record", path("a.pgm"), path("b.pgm"), path("out.h264")});
-    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.exitCode, 4);
     QVERIFY2(run.err.contains("Picture 1 has 48 x 64 pixels, those before it 64 x 48"), run.err);
     QString error;
     QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{1});
@@ -335,7 +335,7 @@ void tst_RecordCommand::unreadableSourceLeavesNoOutput()
     if (!content.isNull())
         QVERIFY(fx_WriteFile(path("in.pgm"), content));
     SxMinihostRun const run = fx_RunMinihost({"record", path("in.pgm"), path("out.h264")});
-    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.exitCode, 4);
     QVERIFY2(run.err.contains("in.pgm") && run.err.contains(cause), run.err);
     QCOMPARE(run.err.count('\n'), 1);
     QVERIFY(!QFile::exists(path("out.h264")));
@@ -374,6 +374,14 @@ void tst_RecordCommand::skippedPicturesAreReported()
         QVERIFY(number.toInt() > previous && number.toInt() < 30);
         previous = number.toInt();
     }
+    // Only who asks for whole recordings is told by the exit code.
+    QCOMPARE(fx_RunMinihost({"record", path("in.y4m"), path("strict.h264"), "--quality", "1", "--strict"})
+                 .exitCode,
+             3);
+    QCOMPARE(fx_RunMinihost(
+                 {"record", "camera:", path("whole.h264"), "--size", "320x240", "--frames", "9", "--strict"})
+                 .exitCode,
+             0);
     QVERIFY2(run.err.contains(QByteArray("warning: the encoder begins to skip pictures, at picture ") +
                               QByteArray::number(skipped[0].toInt())),
              run.err);
@@ -453,7 +461,7 @@ void tst_RecordCommand::existingFileNeedsOverwrite()
     QVERIFY(fx_WriteFile(path("out.h264"), precious));
     QStringList const arguments{"record", "camera:", path("out.h264"), "--size", "64x48", "--frames", "2"};
     SxMinihostRun const refused = fx_RunMinihost(arguments);
-    QCOMPARE(refused.exitCode, 1);
+    QCOMPARE(refused.exitCode, 5);
     QVERIFY2(refused.err.contains("out.h264: the file exists; --overwrite replaces it."), refused.err);
     QCOMPARE(QFileInfo(path("out.h264")).size(), qint64{precious.size()});
 
@@ -489,7 +497,7 @@ void tst_RecordCommand::ownSourceIsNeverReplaced()
         {"record", protocol + path("in.h264"),
          path(output.contains('%') ? output.arg(QFileInfo(m_folder->path()).fileName()) : output),
          "--overwrite"});
-    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.exitCode, 5);
     QVERIFY2(run.err.contains("would replace its own source"), run.err);
     QCOMPARE(QFileInfo(path("in.h264")).size(), size);
 }
@@ -497,7 +505,7 @@ void tst_RecordCommand::ownSourceIsNeverReplaced()
 void tst_RecordCommand::missingFolderIsNamed()
 {
     SxMinihostRun const run = fx_RunMinihost({"record", "camera:", path("nowhere/out.h264")});
-    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.exitCode, 5);
     QVERIFY2(run.err.contains("there is no folder") && run.err.contains("nowhere"), run.err);
 }
 
@@ -505,7 +513,7 @@ void tst_RecordCommand::fullDiskFailsWithASummary()
 {
     SxMinihostRun const run =
         fx_RunMinihost({"record", "camera:", "/dev/full", "--size", "320x240", "--frames", "5", "--json"});
-    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.exitCode, 5);
     QVERIFY2(run.err.contains(
                  "error: /dev/full: Error when writing encoded frame to file (No space left on device)."),
              run.err);
@@ -528,14 +536,14 @@ void tst_RecordCommand::fullDiskLeavesNoEmptyFile()
     QProcess process;
     fx_StartWithLimit(process, 0, arguments);
     QVERIFY(process.waitForFinished(-1));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.exitCode(), 5);
     QVERIFY(!QFile::exists(path("out.h264")));
 
     // A file that was there stays there, whatever became of its content.
     QVERIFY(fx_WriteFile(path("out.h264"), "old"));
     fx_StartWithLimit(process, 0, arguments);
     QVERIFY(process.waitForFinished(-1));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.exitCode(), 5);
     QVERIFY(QFile::exists(path("out.h264")));
 }
 
@@ -544,7 +552,7 @@ void tst_RecordCommand::diskThatFillsUpKeepsWhatWasSaved()
     QProcess process;
     fx_StartWithLimit(process, 200, {"record", "camera:", path("out.h264"), "--size", "320x240", "--json"});
     QVERIFY(process.waitForFinished(-1));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.exitCode(), 5);
     QByteArray const err = process.readAllStandardError();
     QVERIFY2(err.contains("Error when writing encoded frame to file"), err);
     QJsonObject const json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();

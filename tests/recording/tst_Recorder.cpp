@@ -16,6 +16,7 @@
 struct SxScript
 {
     bool encodes = true;
+    bool writes = true;
     quint32 height = 0;     ///< of the pictures that the encoder asks for; 0: as they come
     QList<QSize> tried;     ///< sizes of the pictures given to encoders that are not the saver's
     qint64 sizeAtOpen = -1; ///< of the file that the saver replaced
@@ -70,7 +71,7 @@ public:
             s_script.sizeAtOpen = m_file->size();
             m_file->open(QIODevice::WriteOnly);
         }
-        return m_file->write("picture") == 7;
+        return !s_script.writes || m_file->write("picture") == 7;
     }
     QList<CxImageFormat> supportedImageFormats() override { return {}; }
     void setOutputFile(QString const& fileName) override { m_file->setFileName(fileName); }
@@ -99,6 +100,7 @@ private slots:
     void refusedFirstPictureKeepsTheOldFile();
     void trialHasTheSizeThatIsSaved();
     void newFileNeedsNoTrial();
+    void recordingOfNoPictureIsAFailure();
 
 private:
     SxRecordSummary record();
@@ -169,6 +171,17 @@ void tst_Recorder::newFileNeedsNoTrial()
 {
     QCOMPARE(record().coded, 3);
     QVERIFY(s_script.tried.isEmpty());
+}
+
+void tst_Recorder::recordingOfNoPictureIsAFailure()
+{
+    s_script.writes = false; // as when the encoder skips
+    SxRecordSummary const summary = record();
+    QCOMPARE(summary.given, 3);
+    QCOMPARE(summary.skipped.size(), 3);
+    QVERIFY2(summary.error.startsWith("Nothing was recorded"), qPrintable(summary.error));
+    QVERIFY(summary.failure == RecordFailure::Other);
+    QVERIFY(!QFile::exists(path()));
 }
 
 QTEST_GUILESS_MAIN(tst_Recorder)
