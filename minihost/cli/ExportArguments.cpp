@@ -158,5 +158,7 @@ QString fx_ExportHelp()
                "\n"
                "Usage: minihost export FILE --frames SPEC --output PATTERN|- [options]\n"
                "\n") +
-           fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') + fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
+           fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') +
+           fx_ExitCodesHelp(
+               {kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed, kNoSuchFrame, kInterrupted});
 }

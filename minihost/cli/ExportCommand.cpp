@@ -13,7 +13,7 @@
 
 namespace {
 
-enum class Outcome { Done, ReaderGone, Failed };
+enum class Outcome { Done, ReaderGone, Interrupted, BadInput, OutputFailed };
 
 Outcome fx_OutcomeOf(IxExportSink::Result result)
 {
@@ -25,7 +25,7 @@ Outcome fx_OutcomeOf(IxExportSink::Result result)
     case IxExportSink::Result::Error:
         break;
     }
-    return Outcome::Failed;
+    return Outcome::OutputFailed;
 }
 
 /// Decodes the frames in their order and gives each to the sink; \p error one sentence when that fails.
@@ -41,14 +41,14 @@ Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExpo
         if (stop.load()) {
             error = recording.fileName() +
                     QStringLiteral(": stopped after %1 of %2 pictures.").arg(done).arg(frames.size());
-            return Outcome::Failed;
+            return Outcome::Interrupted;
         }
         QString cause;
         std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
         if (!next) {
             error = recording.fileName() +
                     QStringLiteral(": frame %1 cannot be decoded: %2.").arg(frame).arg(cause);
-            return Outcome::Failed;
+            return Outcome::BadInput;
         }
         picture = std::move(next); // the one before lived until now: its memory is reused
         if (prints)
@@ -86,8 +86,10 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     std::optional<QVector<int>> const frames =
         arguments.frames->frames(recording.frameCount(), recording.keyFrames(), error);
     if (!frames || frames->isEmpty())
-        return fx_Failed(QStringLiteral("%1: %2").arg(
-            recording.fileName(), frames ? QStringLiteral("the recording has no key frames.") : error));
+        return fx_Failed(
+            QStringLiteral("%1: %2").arg(recording.fileName(),
+                                         frames ? QStringLiteral("the recording has no key frames.") : error),
+            kNoSuchFrame);
     if (arguments.request.kind == SxExportRequest::Kind::Files &&
         frames->count(frames->first()) != frames->size() && !fx_HasPlaceForNumber(arguments.request.output))
         return fx_WrongUsage(QStringLiteral("export"),
@@ -95,7 +97,7 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
                                  .arg(arguments.request.output));
     std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(arguments.request, *frames, error);
     if (!sink)
-        return fx_Failed(error);
+        return fx_Failed(error, kOutputFailed);
 
     Outcome const outcome =
         fx_Feed(recording, *frames, *sink, arguments.request.kind == SxExportRequest::Kind::Hashes, error);
@@ -104,8 +106,10 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
         return kDone; // "| head" has seen enough
     if (arguments.common.run.json)
         Console::data(fx_Json(arguments, *sink, error));
-    if (outcome == Outcome::Failed)
-        return fx_Failed(error);
+    if (outcome == Outcome::Interrupted)
+        return fx_Interrupted(error);
+    if (outcome != Outcome::Done)
+        return fx_Failed(error, outcome == Outcome::BadInput ? kBadInput : kOutputFailed);
     if (!sink->exported().target.isEmpty())
         Console::message(fx_Summary(arguments.request.kind, sink->exported()));
     return kDone;

@@ -50,7 +50,7 @@ QString fx_Help()
                           "A raw stream carries no frame rate: durations and bit rates assume %1 pictures a\n"
                           "second.\n")
                .arg(kPicturesASecond) +
-           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed});
 }
 
 /// Profile and level as the first sequence parameter set names them: profile_idc, constraint flags,

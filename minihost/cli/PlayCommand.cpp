@@ -30,6 +30,6 @@ int fx_RunOnRecording(SxPlayArguments const& arguments,
         return fx_Failed(error);
     CxRecordingReader recording; // its objects go before the plug-in finishes
     if (!recording.open(arguments.file, error))
-        return fx_Failed(error);
+        return fx_Failed(error, kBadInput);
     return work(recording);
 }

@@ -39,7 +39,8 @@ QString fx_Help()
                "\n"
                "Usage: minihost verify [options] FILE\n"
                "\n") +
-           fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') + fx_ExitCodesHelp({kDone, kFailed, kWrongUsage});
+           fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed, kInterrupted});
 }
 
 /// Pictures that begin in these coded bytes: slices (nal_unit_type 1 and 5) with first_mb_in_slice 0,
@@ -165,8 +166,10 @@ int fx_Verify(CxRecordingReader& recording, bool asJson)
         Console::data(fx_Json(recording, found, complaint, caution));
     if (!caution.isEmpty())
         Console::warning(QStringLiteral("%1: %2").arg(recording.fileName(), caution));
+    if (found.failedFrame < 0 && found.wasStopped)
+        return fx_Interrupted(complaint);
     if (!complaint.isEmpty())
-        return fx_Failed(complaint);
+        return fx_Failed(complaint, kBadInput);
     QString const decoded = found.decoded == 1 ? QStringLiteral("its one frame decodes")
                                                : QStringLiteral("all %1 frames decode").arg(found.decoded);
     Console::message(recording.fileName() +

@@ -46,6 +46,7 @@ private slots:
     void existingFilesNeedOverwrite();
     void recordingIsNeverReplaced();
     void jsonNamesEveryFile();
+    void interruptedExportFails_data();
     void interruptedExportFails();
 
     void wrongUsageIsExplained_data();
@@ -262,7 +263,7 @@ void tst_ExportCommand::streamToAFileIsThatOfThePipe()
     QVERIFY(fx_FileBytes(path(file)) == piped.out);
 
     SxMinihostRun const refused = run(asked + QStringList{"-o", file});
-    QCOMPARE(refused.exitCode, 1);
+    QCOMPARE(refused.exitCode, 5);
     QVERIFY2(refused.err.contains("the file exists; --overwrite replaces it."), refused.err);
     SxMinihostRun const replaced = run(asked + QStringList{"-o", file, "--overwrite", "--json"});
     QCOMPARE(replaced.exitCode, 0);
@@ -317,7 +318,7 @@ void tst_ExportCommand::fullOutputIsAnError()
         process.setStandardOutputFile("/dev/full");
         process.start(fx_MinihostProgram(), QStringList{"export", m_recording, "--frames", "0"} + arguments);
         QVERIFY(process.waitForFinished(-1));
-        QCOMPARE(process.exitCode(), 1);
+        QCOMPARE(process.exitCode(), 5);
         QCOMPARE(process.readAllStandardError(),
                  QByteArray("error: Standard output: No space left on device.\n"));
     }
@@ -393,7 +394,7 @@ void tst_ExportCommand::existingFilesNeedOverwrite()
     QVERIFY(fx_WriteFile(path("f_2.png"), "precious"));
     QStringList const arguments{"export", m_recording, "--frames", "0-3", "-o", "f_%d.png"};
     SxMinihostRun const refused = run(arguments);
-    QCOMPARE(refused.exitCode, 1);
+    QCOMPARE(refused.exitCode, 5);
     QCOMPARE(refused.err, QByteArray("error: f_2.png: the file exists; --overwrite replaces it.\n"));
     QCOMPARE(fx_FileBytes(path("f_2.png")), QByteArray("precious"));
     QVERIFY(!QFile::exists(path("f_0.png"))); // seen before anything was written
@@ -402,7 +403,7 @@ void tst_ExportCommand::existingFilesNeedOverwrite()
     QVERIFY(fx_FileBytes(path("f_2.png")).size() > 1000);
 
     SxMinihostRun const nowhere = run({"export", m_recording, "--frames", "0", "-o", "nowhere/f.png"});
-    QCOMPARE(nowhere.exitCode, 1);
+    QCOMPARE(nowhere.exitCode, 5);
     QVERIFY2(nowhere.err.contains("nowhere/f.png: there is no folder "), nowhere.err);
 }
 
@@ -414,7 +415,7 @@ void tst_ExportCommand::recordingIsNeverReplaced()
     QCOMPARE(::link(qPrintable(path("in.png")), qPrintable(path("hard.y4m"))), 0);
     for (char const* output : {"in.png", "./in.png", "link.png", "hard.png", "hard.y4m"}) {
         SxMinihostRun const refused = run({"export", "in.png", "--frames", "0", "-o", output, "--overwrite"});
-        QCOMPARE(refused.exitCode, 1);
+        QCOMPARE(refused.exitCode, 5);
         QVERIFY2(refused.err.contains("would replace the recording"), refused.err);
     }
     QVERIFY(fx_FileBytes(path("in.png")) == m_bytes);
@@ -433,8 +434,17 @@ void tst_ExportCommand::jsonNamesEveryFile()
     QCOMPARE(exported[1].toObject().value("file").toString(), QString("f_1.png"));
 }
 
+void tst_ExportCommand::interruptedExportFails_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("INT") << SIGINT;
+    QTest::newRow("TERM") << SIGTERM;
+    QTest::newRow("HUP") << SIGHUP;
+}
+
 void tst_ExportCommand::interruptedExportFails()
 {
+    QFETCH(int, signal);
     // Frames without end in sight, so that the signal comes in between.
     QString spec("all");
     for (int i = 0; i < 2000; ++i)
@@ -443,10 +453,10 @@ void tst_ExportCommand::interruptedExportFails()
     process.start(fx_MinihostProgram(), {"export", m_recording, "--frames", spec, "--hash", "md5"});
     QVERIFY(process.waitForStarted());
     QVERIFY(process.waitForReadyRead(-1));
-    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
     QVERIFY(process.waitForFinished(-1));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.exitCode(), 128 + signal);
     QByteArray const err = process.readAllStandardError();
     QVERIFY2(err.contains("in.h264: stopped after ") && err.contains(" of 60030 pictures."), err);
 }
@@ -498,7 +508,7 @@ void tst_ExportCommand::wrongUsageIsExplained()
 void tst_ExportCommand::missingFrameIsNamed()
 {
     SxMinihostRun const refused = run({"export", m_recording, "--frames", "0,4711", "-o", "f_%d.png"});
-    QCOMPARE(refused.exitCode, 1);
+    QCOMPARE(refused.exitCode, 6);
     QCOMPARE(refused.err,
              "error: " + m_recording.toUtf8() + ": frame 4711: the recording has 30 frames, 0 to 29.\n");
     QVERIFY(QDir(m_folder->path()).isEmpty());

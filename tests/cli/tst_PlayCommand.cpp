@@ -47,7 +47,7 @@ void tst_PlayCommand::unreadableRecordingIsRefusedWithItsCause()
          {QStringList{"info", "bad.h264"}, QStringList{"verify", "bad.h264"},
           QStringList{"export", "bad.h264", "--frames", "0", "--hash", "md5"}}) {
         SxMinihostRun const refused = run(arguments);
-        QCOMPARE(refused.exitCode, 1);
+        QCOMPARE(refused.exitCode, 4);
         QCOMPARE(refused.err, expected);
         QCOMPARE(refused.out, QByteArray());
     }

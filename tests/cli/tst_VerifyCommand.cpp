@@ -49,7 +49,7 @@ void tst_VerifyCommand::verifyFindsCutOffFrame()
     QVERIFY(last > 0);
     QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(last + (m_bytes.size() - last) / 2)));
     SxMinihostRun const verified = run({"verify", "cut.h264", "--json"});
-    QCOMPARE(verified.exitCode, 1);
+    QCOMPARE(verified.exitCode, 4);
     QByteArray const start = "error: cut.h264: frame 29 at byte " + QByteArray::number(last) + " (" +
                              QByteArray::number((m_bytes.size() - last) / 2) + " bytes) cannot be decoded: ";
     QVERIFY2(verified.err.startsWith(start), verified.err);
@@ -66,7 +66,7 @@ void tst_VerifyCommand::verifyFindsCutOffFrame()
                 .err.contains("\"CxOpenH264Decoder::decode(): The decoder failed with code: "));
     // A single frame gives the same reason.
     SxMinihostRun const exported = run({"export", "cut.h264", "--frames", "29", "-o", "f.png"});
-    QCOMPARE(exported.exitCode, 1);
+    QCOMPARE(exported.exitCode, 4);
     QVERIFY2(exported.err.startsWith("error: cut.h264: frame 29 cannot be decoded: "), exported.err);
     QVERIFY(!QFile::exists(path("f.png")));
 }
@@ -82,7 +82,7 @@ void tst_VerifyCommand::verifyFindsDamagedFrame()
         damaged[i] = static_cast<char>(0x10 + i * 37 % 0x60);
     QVERIFY(fx_WriteFile(path("damaged.h264"), damaged));
     SxMinihostRun const verified = run({"verify", "damaged.h264", "--json"});
-    QCOMPARE(verified.exitCode, 1);
+    QCOMPARE(verified.exitCode, 4);
     QCOMPARE(verified.json().value("failed").toObject().value("frame").toInt(), 12);
     QCOMPARE(verified.json().value("failed").toObject().value("offset").toInt(), begin);
     QCOMPARE(verified.json().value("decoded").toInt(), 12);
@@ -95,7 +95,7 @@ void tst_VerifyCommand::verifyFindsBytesOfNoFrame()
     QVERIFY(fx_WriteFile(path("loose.h264"), m_bytes.left(last) + QByteArray("\0\0\0\1", 4)));
     int const before = fx_Offset(m_recording, kFrames - 2);
     SxMinihostRun const verified = run({"verify", "loose.h264"});
-    QCOMPARE(verified.exitCode, 1);
+    QCOMPARE(verified.exitCode, 4);
     QCOMPARE(verified.err, "error: loose.h264: the last " + QByteArray::number(last + 4 - before) +
                                " bytes, from byte " + QByteArray::number(before) +
                                " on, belong to no frame; the file seems cut off.\n");
