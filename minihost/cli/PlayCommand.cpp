@@ -3,22 +3,30 @@
 #include "ExitCode.h"
 #include "Session.h"
 
-bool fx_ParsePlayArguments(QCommandLineParser& parser, QStringList const& arguments, SxPlayArguments& parsed,
-                           QString& error)
+bool fx_ParseSeveralPlayArguments(QCommandLineParser& parser, QStringList const& arguments,
+                                  SxPlayArguments& parsed, QString& error)
 {
     if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
     if (parsed.run.help)
         return true;
-    QStringList const names = parser.positionalArguments();
-    if (names.size() != 1 || names.first().isEmpty()) {
-        error = names.size() > 1
-                    ? QStringLiteral("One recording at a time: '%1' is one too many.").arg(names[1])
-                    : QStringLiteral("No recording is given.");
+    parsed.files = parser.positionalArguments();
+    if (parsed.files.isEmpty() || parsed.files.contains(QString())) {
+        error = QStringLiteral("No recording is given.");
         return false;
     }
-    parsed.file = names.first();
+    parsed.file = parsed.files.first();
     return true;
+}
+
+bool fx_ParsePlayArguments(QCommandLineParser& parser, QStringList const& arguments, SxPlayArguments& parsed,
+                           QString& error)
+{
+    if (!fx_ParseSeveralPlayArguments(parser, arguments, parsed, error))
+        return false;
+    if (parsed.files.size() > 1)
+        error = QStringLiteral("One recording at a time: '%1' is one too many.").arg(parsed.files[1]);
+    return error.isEmpty();
 }
 
 int fx_RunOnRecording(SxPlayArguments const& arguments,

@@ -9,13 +9,18 @@
 struct SxPlayArguments
 {
     SxRunOptions run;
-    QString file;
+    QString file;      ///< the first of them
+    QStringList files; ///< one, unless the command takes several
 };
 
 /// Reads \p arguments with \p parser, which knows fx_RunOptions() and the command's own. \return false, with
 /// \p error one sentence, when they make no sense. With help asked for nothing else is looked at.
 bool fx_ParsePlayArguments(QCommandLineParser& parser, QStringList const& arguments, SxPlayArguments& parsed,
                            QString& error);
+
+/// The same for a command that takes several recordings.
+bool fx_ParseSeveralPlayArguments(QCommandLineParser& parser, QStringList const& arguments,
+                                  SxPlayArguments& parsed, QString& error);
 
 /// Opens plug-in and recording and has \p work done with it. \return what \p work returned, or the exit code
 /// of what could not be opened, which is then told.

@@ -20,7 +20,7 @@ static constexpr SxCommand kCommands[] = {
     {"info", "what a recording holds: size, frames, duration, bit rate", fx_RunInfo},
     {"export", "frames of a recording as pictures, a contact sheet, a stream, hashes", fx_RunExport},
     {"view", "a window to watch, play and record in", fx_RunView},
-    {"verify", "decode a recording and report the first frame that fails", fx_RunVerify},
+    {"verify", "decode recordings and report what cannot be decoded", fx_RunVerify},
 };
 
 static QString fx_Help()

@@ -59,8 +59,9 @@ void tst_PlayCommand::wrongUsageIsExplained_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
     QTest::newRow("info of nothing") << QStringList{"info"} << "No recording is given.";
-    QTest::newRow("verify of two") << QStringList{"verify", "a", "b"}
-                                   << "One recording at a time: 'b' is one too many.";
+    QTest::newRow("info of two") << QStringList{"info", "a", "b"}
+                                 << "One recording at a time: 'b' is one too many.";
+    QTest::newRow("verify of nothing") << QStringList{"verify"} << "No recording is given.";
     QTest::newRow("unknown option") << QStringList{"info", "--fast", "a"} << "Unknown option 'fast'.";
 }
 

@@ -1,5 +1,8 @@
 #include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
 #include <QtTest>
+#include <csignal>
 
 #include "support/RecordedCamera.h"
 
@@ -17,6 +20,26 @@ private slots:
     void verifyFindsDamagedFrame();
     void verifyFindsBytesOfNoFrame();
     void verifyFindsCrowdedFrames();
+    void everyDamagedRangeIsReported();
+    void firstDamageAloneIsReportedOnRequest();
+    void severalFilesAreToldALineEach();
+    void severalFilesAreAJsonArray();
+    void crashIsReportedAndTheRestGoesOn();
+    void crashThatLaterFramesMeetAgainIsPassedAtAKeyFrame();
+    void tooManyCrashesEndTheFile();
+    void crashWhileOpeningIsReported();
+    void hangIsReportedAndTheNextFileGoesOn();
+    void interruptedVerifyTakesItsWorkerAlong_data();
+    void interruptedVerifyTakesItsWorkerAlong();
+    void fileThatShrinksMeanwhileFailsWithoutACrash();
+
+private:
+    /// A run with a plug-in whose loader does what the file says.
+    SxMinihostRun runDying(QStringList const& arguments) const
+    {
+        return run(QStringList{"verify", "--plugin-path", DYING_PLUGIN} + arguments);
+    }
+    QByteArray damagedAt(QVector<int> const& frames) const;
 };
 
 /// Offset of frame \p frame as `info` lists it.
@@ -24,6 +47,26 @@ static int fx_Offset(QString const& recording, int frame)
 {
     QJsonObject const json = fx_RunMinihost({"info", "--json", "--frames", recording}).json();
     return json.value("frameList").toArray()[frame].toObject().value("offset").toInt(-1);
+}
+
+/// What a file for the plug-in that dies says, as long as its \p frames of ten bytes.
+static QByteArray fx_Orders(QByteArray const& words, int frames)
+{
+    return words.leftJustified(frames * 10, ' ');
+}
+
+/// The recording with these frames overwritten.
+QByteArray tst_VerifyCommand::damagedAt(QVector<int> const& frames) const
+{
+    QByteArray damaged = m_bytes;
+    for (int const frame : frames) {
+        int const begin = fx_Offset(m_recording, frame);
+        int const end = fx_Offset(m_recording, frame + 1);
+        // No zeros, which would form start codes, and no ones, which stand for an unchanged picture.
+        for (int i = begin + 20; i < end; ++i)
+            damaged[i] = static_cast<char>(0x10 + i * 37 % 0x60);
+    }
+    return damaged;
 }
 
 void tst_VerifyCommand::verifyPassesSoundRecording()
@@ -74,18 +117,12 @@ void tst_VerifyCommand::verifyFindsCutOffFrame()
 void tst_VerifyCommand::verifyFindsDamagedFrame()
 {
     int const begin = fx_Offset(m_recording, 12);
-    int const end = fx_Offset(m_recording, 13);
-    QVERIFY(begin > 0 && end - begin > 100);
-    QByteArray damaged = m_bytes;
-    // No zeros, which would form start codes, and no ones, which stand for an unchanged picture.
-    for (int i = begin + 20; i < end; ++i)
-        damaged[i] = static_cast<char>(0x10 + i * 37 % 0x60);
-    QVERIFY(fx_WriteFile(path("damaged.h264"), damaged));
+    QVERIFY(fx_WriteFile(path("damaged.h264"), damagedAt({12})));
     SxMinihostRun const verified = run({"verify", "damaged.h264", "--json"});
     QCOMPARE(verified.exitCode, 4);
     QCOMPARE(verified.json().value("failed").toObject().value("frame").toInt(), 12);
     QCOMPARE(verified.json().value("failed").toObject().value("offset").toInt(), begin);
-    QCOMPARE(verified.json().value("decoded").toInt(), 12);
+    QCOMPARE(verified.json().value("decoded").toInt(), 27); // 13 and 14 build on it, 15 is a key frame
 }
 
 void tst_VerifyCommand::verifyFindsBytesOfNoFrame()
@@ -114,6 +151,174 @@ void tst_VerifyCommand::verifyFindsCrowdedFrames()
                  "warning: crowded.h264: 6 frames hold 30 pictures, of which only the first in each"),
              verified.err);
     QCOMPARE(verified.json().value("warnings").toArray().size(), 1);
+}
+
+void tst_VerifyCommand::everyDamagedRangeIsReported()
+{
+    QVERIFY(fx_WriteFile(path("d.h264"), damagedAt({3, 12, 13, 21})));
+    SxMinihostRun const verified = run({"verify", "d.h264", "--json"});
+    QCOMPARE(verified.exitCode, 4);
+    QByteArrayList const lines = verified.err.split('\n');
+    QCOMPARE(lines.size(), 5);
+    QCOMPARE(lines[0], QByteArray("error: d.h264: 9 of 30 frames cannot be decoded, in 3 places:"));
+    QVERIFY2(lines[1].startsWith("  frames 3-4 at byte "), lines[1]);
+    QVERIFY2(lines[2].startsWith("  frames 12-14 at byte "), lines[2]);
+    QVERIFY2(lines[3].startsWith("  frames 21-24 at byte "), lines[3]);
+
+    QJsonObject const json = verified.json();
+    QCOMPARE(json.value("decoded").toInt(), 21);
+    QJsonArray const damage = json.value("damage").toArray();
+    QCOMPARE(damage.size(), 3);
+    QCOMPARE(json.value("failed"), QJsonValue(damage[0]));
+    QCOMPARE(damage[1].toObject().value("frame").toInt(), 12);
+    QCOMPARE(damage[1].toObject().value("lastFrame").toInt(), 14);
+    int const begin = fx_Offset(m_recording, 12);
+    QCOMPARE(damage[1].toObject().value("offset").toInt(), begin);
+    QCOMPARE(damage[1].toObject().value("size").toInt(), fx_Offset(m_recording, 15) - begin);
+}
+
+void tst_VerifyCommand::firstDamageAloneIsReportedOnRequest()
+{
+    QVERIFY(fx_WriteFile(path("d.h264"), damagedAt({3, 12})));
+    SxMinihostRun const verified = run({"verify", "--first", "d.h264", "--json"});
+    QCOMPARE(verified.exitCode, 4);
+    QVERIFY2(verified.err.startsWith("error: d.h264: frame 3 at byte "), verified.err);
+    QCOMPARE(verified.err.count('\n'), 1);
+    QCOMPARE(verified.json().value("decoded").toInt(), 3);
+    QCOMPARE(verified.json().value("damage").toArray().size(), 1);
+}
+
+void tst_VerifyCommand::severalFilesAreToldALineEach()
+{
+    QVERIFY(fx_WriteFile(path("good.h264"), m_bytes));
+    QVERIFY(fx_WriteFile(path("bad.h264"), damagedAt({12})));
+    SxMinihostRun const verified = run({"verify", "good.h264", "bad.h264", "none.h264", "good.h264"});
+    QCOMPARE(verified.exitCode, 4);
+    QByteArrayList const lines = verified.err.split('\n');
+    QCOMPARE(lines.size(), 5);
+    QVERIFY2(lines[0].startsWith("good.h264: all 30 frames decode"), lines[0]);
+    QVERIFY2(lines[1].startsWith("error: bad.h264: frames 12-14 at byte "), lines[1]);
+    QCOMPARE(lines[2], QByteArray("error: none.h264: there is no such file."));
+    QCOMPARE(lines[3], lines[0]);
+    QCOMPARE(run({"verify", "good.h264", "good.h264"}).exitCode, 0);
+}
+
+void tst_VerifyCommand::severalFilesAreAJsonArray()
+{
+    QVERIFY(fx_WriteFile(path("good.h264"), m_bytes));
+    SxMinihostRun const verified = run({"verify", "--json", "-q", "good.h264", "none.h264"});
+    QCOMPARE(verified.exitCode, 4);
+    QJsonArray const json = QJsonDocument::fromJson(verified.out).array();
+    QCOMPARE(json.size(), 2);
+    QCOMPARE(json[0].toObject().value("decoded").toInt(), kFrames);
+    QCOMPARE(json[1].toObject().value("file").toString(), QString("none.h264"));
+    QCOMPARE(json[1].toObject().value("error").toString(), QString("none.h264: there is no such file."));
+}
+
+void tst_VerifyCommand::crashIsReportedAndTheRestGoesOn()
+{
+    QVERIFY(fx_WriteFile(path("c.h264"), "frames 20 crash 7"));
+    SxMinihostRun const verified = runDying({"c.h264", "--json"});
+    QCOMPARE(verified.exitCode, 4);
+    QCOMPARE(verified.err,
+             QByteArray("error: c.h264: frame 7 at byte 70 (10 bytes) cannot be decoded: the decoder "
+                        "crashed (signal 11).\n"));
+    QCOMPARE(verified.json().value("decoded").toInt(), 19);
+    QCOMPARE(verified.json().value("failed").toObject().value("frame").toInt(), 7);
+}
+
+void tst_VerifyCommand::crashThatLaterFramesMeetAgainIsPassedAtAKeyFrame()
+{
+    QVERIFY(fx_WriteFile(path("c.h264"), fx_Orders("frames 20 chain crash 6 crash 18", 20)));
+    SxMinihostRun const verified = runDying({"c.h264", "--json"});
+    QCOMPARE(verified.exitCode, 4);
+    QVERIFY2(
+        verified.err.contains("\n  frames 6-9 at byte 60 (40 bytes): the decoder crashed (signal 11).\n"
+                              "  frames 18-19 at byte 180 (20 bytes): the decoder crashed (signal 11).\n"),
+        verified.err);
+    QCOMPARE(verified.json().value("decoded").toInt(), 14);
+}
+
+void tst_VerifyCommand::tooManyCrashesEndTheFile()
+{
+    QByteArray orders("frames 100 chain");
+    for (int frame = 0; frame < 100; frame += 5)
+        orders += " crash " + QByteArray::number(frame);
+    QVERIFY(fx_WriteFile(path("c.h264"), fx_Orders(orders, 100)));
+    SxMinihostRun const verified = runDying({"c.h264"});
+    QCOMPARE(verified.exitCode, 4);
+    QVERIFY2(verified.err.startsWith("error: c.h264: 100 of 100 frames cannot be decoded, in 2 places:\n"),
+             verified.err);
+    QVERIFY2(verified.err.contains(": not looked at after 12 crashes.\n"), verified.err);
+}
+
+void tst_VerifyCommand::crashWhileOpeningIsReported()
+{
+    QVERIFY(fx_WriteFile(path("c.h264"), "crash open"));
+    QVERIFY(fx_WriteFile(path("good.h264"), "frames 3"));
+    SxMinihostRun const verified = runDying({"c.h264", "good.h264"});
+    QCOMPARE(verified.exitCode, 4);
+    QVERIFY2(
+        verified.err.startsWith(
+            "error: c.h264: it cannot be opened: the decoder crashed (signal 11).\ngood.h264: all 3 frames"),
+        verified.err);
+}
+
+void tst_VerifyCommand::hangIsReportedAndTheNextFileGoesOn()
+{
+    QVERIFY(fx_WriteFile(path("h.h264"), "frames 9 hang 4"));
+    QVERIFY(fx_WriteFile(path("good.h264"), "frames 3"));
+    qputenv("MINIHOST_VERIFY_PATIENCE_MS", "5000"); // 30 s are long to wait for
+    SxMinihostRun const verified = runDying({"h.h264", "good.h264"});
+    qunsetenv("MINIHOST_VERIFY_PATIENCE_MS");
+    QCOMPARE(verified.exitCode, 4);
+    QVERIFY2(
+        verified.err.startsWith("error: h.h264: frame 4 at byte 40 (10 bytes) cannot be decoded: the decoder "
+                                "did not come back within 5 s.\ngood.h264: all 3 frames"),
+        verified.err);
+}
+
+void tst_VerifyCommand::interruptedVerifyTakesItsWorkerAlong_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("INT") << SIGINT;
+    QTest::newRow("TERM") << SIGTERM;
+    QTest::newRow("HUP") << SIGHUP;
+}
+
+void tst_VerifyCommand::interruptedVerifyTakesItsWorkerAlong()
+{
+    QFETCH(int, signal);
+    QVERIFY(fx_WriteFile(path("h.h264"), "frames 9 hang 4"));
+    QProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    process.start(fx_MinihostProgram(), {"verify", "--plugin-path", DYING_PLUGIN, "h.h264", "h.h264"});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path("h.h264.pid")), 60000);
+    auto const worker = static_cast<pid_t>(fx_FileBytes(path("h.h264.pid")).toInt());
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitCode(), 128 + signal);
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("error: h.h264: stopped after 4 of 9 frames, which all decode.\n"));
+    QCOMPARE(::kill(worker, 0), -1);
+}
+
+void tst_VerifyCommand::fileThatShrinksMeanwhileFailsWithoutACrash()
+{
+    QVERIFY(fx_WriteFile(path("s.h264"), m_bytes + m_bytes + m_bytes));
+    QProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    process.start(fx_MinihostProgram(), {"verify", "s.h264"});
+    QVERIFY(process.waitForStarted());
+    QFile file(path("s.h264"));
+    qint64 const step = file.size() / 100;
+    while (file.size() > step && !process.waitForFinished(1))
+        QVERIFY(file.resize(file.size() - step));
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QByteArray const err = process.readAllStandardError();
+    QCOMPARE(process.exitCode(), 4);
+    QVERIFY2(err.startsWith("error: s.h264: "), err);
 }
 
 QTEST_GUILESS_MAIN(tst_VerifyCommand)

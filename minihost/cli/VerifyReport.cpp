@@ -1,0 +1,116 @@
+#include "VerifyReport.h"
+
+#include <QJsonArray>
+#include <QStringList>
+
+#include "Readable.h"
+
+namespace {
+
+/// Bytes at the file's end that belong to no frame.
+qint64 fx_LooseBytes(SxFindings const& findings)
+{
+    bool const isWhole = findings.frames > 0 && findings.examined() == findings.frames;
+    return isWhole ? findings.fileBytes - findings.endOfFrames : 0;
+}
+
+/// "frames 12-14 at byte 4711 (815 bytes)"
+QString fx_Place(SxDamagedRange const& range)
+{
+    QString const frames = range.first == range.last
+                               ? QStringLiteral("frame %1").arg(range.first)
+                               : QStringLiteral("frames %1-%2").arg(range.first).arg(range.last);
+    return QStringLiteral("%1 at byte %2 (%3 bytes)").arg(frames).arg(range.offset).arg(range.size);
+}
+
+QString fx_DamageText(SxFindings const& findings)
+{
+    QVector<SxDamagedRange> const& damage = findings.damage;
+    if (damage.size() == 1)
+        return QStringLiteral("%1 cannot be decoded: %2.").arg(fx_Place(damage[0]), damage[0].cause);
+    QString text = QStringLiteral("%1 of %2 cannot be decoded, in %3 places:")
+                       .arg(findings.examined() - findings.decoded)
+                       .arg(fx_Count(findings.frames, "frame"))
+                       .arg(damage.size());
+    for (SxDamagedRange const& range : damage)
+        text += QStringLiteral("\n  %1: %2.").arg(fx_Place(range), range.cause);
+    return text;
+}
+
+QJsonObject fx_RangeJson(SxDamagedRange const& range)
+{
+    return {{QStringLiteral("frame"), range.first},
+            {QStringLiteral("lastFrame"), range.last},
+            {QStringLiteral("offset"), range.offset},
+            {QStringLiteral("size"), range.size},
+            {QStringLiteral("cause"), range.cause}};
+}
+
+} // namespace
+
+QString fx_Complaint(SxFindings const& findings)
+{
+    if (!findings.refusal.isEmpty())
+        return findings.refusal;
+    QString const file = findings.file + QStringLiteral(": ");
+    if (!findings.damage.isEmpty())
+        return file + fx_DamageText(findings);
+    if (findings.wasStopped)
+        return file + QStringLiteral("stopped after %1 of %2 frames, which all decode.")
+                          .arg(findings.decoded)
+                          .arg(findings.frames);
+    qint64 const loose = fx_LooseBytes(findings);
+    if (loose > 0)
+        return file + QStringLiteral("the last %1 bytes, from byte %2 on, belong to no frame; the file seems "
+                                     "cut off.")
+                          .arg(loose)
+                          .arg(findings.endOfFrames);
+    return QString();
+}
+
+QString fx_Caution(SxFindings const& findings)
+{
+    if (findings.crowdedFrames == 0)
+        return QString();
+    return QStringLiteral("%1 hold %2 pictures, of which only the first in each can be shown; the recording "
+                          "was made by another encoder.")
+        .arg(fx_Count(findings.crowdedFrames, "frame"))
+        .arg(findings.picturesInThem);
+}
+
+QString fx_Praise(SxFindings const& findings)
+{
+    QString const decoded = findings.decoded == 1
+                                ? QStringLiteral("its one frame decodes")
+                                : QStringLiteral("all %1 frames decode").arg(findings.decoded);
+    return QStringLiteral("%1: %2, plays %3 s at %4 pictures a second (assumed).")
+        .arg(findings.file, decoded)
+        .arg(findings.decoded / findings.fps, 0, 'f', 1)
+        .arg(findings.fps);
+}
+
+QJsonObject fx_FindingsJson(SxFindings const& findings)
+{
+    QString const complaint = fx_Complaint(findings);
+    QJsonValue const error = complaint.isEmpty() ? QJsonValue() : QJsonValue(complaint);
+    if (findings.frames == 0)
+        return {{QStringLiteral("file"), findings.file}, {QStringLiteral("error"), error}};
+    QJsonArray damage;
+    for (SxDamagedRange const& range : findings.damage)
+        damage.append(fx_RangeJson(range));
+    QJsonArray warnings;
+    QString const caution = fx_Caution(findings);
+    if (!caution.isEmpty())
+        warnings.append(caution);
+    return {
+        {QStringLiteral("file"), findings.file},
+        {QStringLiteral("frames"), findings.frames},
+        {QStringLiteral("decoded"), findings.decoded},
+        {QStringLiteral("failed"), damage.isEmpty() ? QJsonValue() : damage.first()},
+        {QStringLiteral("damage"), damage},
+        {QStringLiteral("looseBytes"), fx_LooseBytes(findings)},
+        {QStringLiteral("stopped"), findings.wasStopped},
+        {QStringLiteral("warnings"), warnings},
+        {QStringLiteral("error"), error},
+    };
+}
