@@ -31,8 +31,8 @@ static std::unique_ptr<Interface> fx_New(char const* interfaceName)
 {
     QList<SxRegisteredClass> const classes = fx_RegisteredClasses(QLatin1String(interfaceName));
     QObject* const object = classes.isEmpty() ? nullptr : classes.first().metaObject->newInstance();
-    return std::unique_ptr<Interface>(
-        object ? static_cast<Interface*>(object->qt_metacast(interfaceName)) : nullptr);
+    return std::unique_ptr<Interface>(object ? static_cast<Interface*>(object->qt_metacast(interfaceName))
+                                             : nullptr);
 }
 
 /// Records a few pictures and plays them, as the host does. False when that fails.
@@ -62,7 +62,9 @@ static bool fx_Use(QString const& fileName)
 
 static int fx_Entries(char const* folder)
 {
-    return QDir(QLatin1String(folder)).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+    return QDir(QLatin1String(folder))
+        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+        .size();
 }
 
 /// Qt keeps a plug-in's code in memory unless it is told not to; the second way is the harder one.

@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr int kMostCrashes = 12;           // of one file; each may take the time of kPatienceMs
-constexpr int kPatienceMs = 30000;         // for one frame
-constexpr int kLookAroundMs = 100;         // for signals
+constexpr int kMostCrashes = 12;            // of one file; each may take the time of kPatienceMs
+constexpr int kPatienceMs = 30000;          // for one frame
+constexpr int kLookAroundMs = 100;          // for signals
 constexpr qint64 kSlowestBytesPerMs = 5000; // of a disk, while a file is opened
 
 /// For one frame; tests have less time.
@@ -40,7 +40,7 @@ public:
     /// What it died of, half a sentence, after which it could not go on; empty: it ended in peace.
     QString const& death() const { return m_death; }
     int nextFrame() const { return m_next; } ///< behind the last that is known of
-    bool isDone() const { return m_isDone; }              ///< nothing more is wanted of anyone
+    bool isDone() const { return m_isDone; } ///< nothing more is wanted of anyone
 
 private:
     void watch(QProcess& worker);
@@ -114,19 +114,19 @@ void CxWorkerRun::watch(QProcess& worker)
     QElapsedTimer silence;
     silence.start();
     while (!m_isDone) {
-        worker.waitForReadyRead(kLookAroundMs);
-        if (stop.load()) {
-            m_findings.wasStopped = m_isDone = true;
-            break;
-        }
+        bool const isStopped = stop.load();
+        worker.waitForReadyRead(isStopped ? 0 : kLookAroundMs); // what it has said until now counts
         while (!m_isDone && worker.canReadLine()) {
             take(QString::fromUtf8(worker.readLine()).trimmed());
             silence.start();
         }
+        if (isStopped)
+            m_findings.wasStopped = m_isDone = true;
         if (m_isDone || (worker.state() == QProcess::NotRunning && !worker.canReadLine()))
             break;
         if (silence.elapsed() > (m_isOpen ? patience : patienceToOpen)) {
-            m_death = QStringLiteral("the decoder did not come back within %1 s").arg((patience + 999) / 1000);
+            m_death =
+                QStringLiteral("the decoder did not come back within %1 s").arg((patience + 999) / 1000);
             break;
         }
     }
@@ -143,7 +143,8 @@ void CxWorkerRun::run(int first)
                   m_findings.file},
                  QIODevice::ReadOnly);
     if (!worker.waitForStarted()) {
-        m_findings.refusal = QStringLiteral("The process that decodes cannot be started: %1.").arg(worker.errorString());
+        m_findings.refusal =
+            QStringLiteral("The process that decodes cannot be started: %1.").arg(worker.errorString());
         m_findings.refusalCode = kFailed;
         m_isDone = true;
         return;
@@ -237,8 +238,8 @@ SxFindings fx_Examine(QString const& file, SxRunOptions const& options, bool sto
         ++crashes;
         if (stopsAtFirst)
             break;
-        // On its way to the frame behind it the next worker may have met the same frame again; then only a key
-        // frame leads past it.
+        // On its way to the frame behind it the next worker may have met the same frame again; then only a
+        // key frame leads past it.
         bool const diedAtOnce = next == first + 1;
         if (crashes == kMostCrashes) {
             fx_PassOver(findings, next, findings.frames,

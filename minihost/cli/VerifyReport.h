@@ -5,8 +5,8 @@
 
 #include "VerifyExamination.h"
 
-/// What is wrong with a recording: a sentence, and below it a line for each damaged range if there are several;
-/// empty when nothing is.
+/// What is wrong with a recording: a sentence, and below it a line for each damaged range if there are
+/// several; empty when nothing is.
 QString fx_Complaint(SxFindings const& findings);
 
 /// What a plain decode would not notice, one sentence; empty when there is nothing.

@@ -39,8 +39,8 @@ void fx_Crash()
 
 } // namespace
 
-/// "Opens" a file that says in words what is to happen: "frames 20", "crash 7", "hang 9", "fail 3", "crash open".
-/// With "chain" a frame does to those behind it what it does itself, up to the next key frame.
+/// "Opens" a file that says in words what is to happen: "frames 20", "crash 7", "hang 9", "fail 3", "crash
+/// open". With "chain" a frame does to those behind it what it does itself, up to the next key frame.
 class CxDyingLoader : public QObject, public IxImageDataLoader, public IxVideoAccessor
 {
     Q_OBJECT
