@@ -41,7 +41,7 @@ bool CxSavedSequence::makeReference(QString const& fileName)
     return m_pictures.size() == m_count && !m_frames.contains(QByteArray());
 }
 
-bool CxSavedSequence::save(CxH264VideoSaver& saver, int number)
+std::unique_ptr<CxImageData> CxSavedSequence::image(int number)
 {
     fx_DrawFrame(m_picture, number);
     // A band that is new in every picture, so that each takes some kilobytes.
@@ -49,9 +49,14 @@ bool CxSavedSequence::save(CxH264VideoSaver& saver, int number)
     std::mt19937 random(static_cast<unsigned>(number));
     for (quint32 i = 0; i < bandBytes; ++i)
         m_picture.buf.data[i] = static_cast<uchar>(random() & 255);
-    CxImageData image;
-    image.setPicBuf(m_picture.buf);
-    return saver.save(&image, number);
+    auto image = std::make_unique<CxImageData>();
+    image->setPicBuf(m_picture.buf);
+    return image;
+}
+
+bool CxSavedSequence::save(CxH264VideoSaver& saver, int number)
+{
+    return saver.save(image(number).get(), number);
 }
 
 QByteArray CxSavedSequence::bytes() const

@@ -3,10 +3,12 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <memory>
 
 #include "support/TestPicture.h"
 
 class CxH264VideoSaver;
+class CxImageData;
 
 /// A sequence of pictures, what the saver makes of it undisturbed, and what of that a file holds.
 class CxSavedSequence
@@ -17,6 +19,9 @@ public:
 
     /// Records all of it undisturbed, to have something to compare with. False when that fails.
     bool makeReference(QString const& fileName);
+
+    /// Picture \p number, as long as no other is asked for.
+    std::unique_ptr<CxImageData> image(int number);
 
     /// Gives picture \p number to a saver.
     bool save(CxH264VideoSaver& saver, int number);
