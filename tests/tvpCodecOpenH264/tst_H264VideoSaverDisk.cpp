@@ -186,7 +186,7 @@ void tst_H264VideoSaverDisk::recordingGoesOnWhereTheLimitIsRaised()
 void tst_H264VideoSaverDisk::fileFillsTheDiskAndPlays()
 {
     if (s_smallDisk.isEmpty())
-        QSKIP("This system mounts no small disk for us.");
+        QSKIP("This system mounts no small disk for us.", );
     QVERIFY(fx_WriteFile(s_smallDisk + QStringLiteral("/other"), QByteArray(kDisk - kRoom, 'o')));
     QString const fileName = s_smallDisk + QStringLiteral("/out.h264");
     {
@@ -204,7 +204,7 @@ void tst_H264VideoSaverDisk::fileFillsTheDiskAndPlays()
 void tst_H264VideoSaverDisk::recordingGoesOnWhenTheDiskHasRoomAgain()
 {
     if (s_smallDisk.isEmpty())
-        QSKIP("This system mounts no small disk for us.");
+        QSKIP("This system mounts no small disk for us.", );
     QVERIFY(fx_WriteFile(s_smallDisk + QStringLiteral("/other"), QByteArray(kDisk - kRoom, 'o')));
     checkFailsAndGoesOn(s_smallDisk + QStringLiteral("/out.h264"),
                         [] { QVERIFY(QFile::remove(s_smallDisk + QStringLiteral("/other"))); });

@@ -82,7 +82,7 @@ static constexpr int kPictures = 12;
 void tst_H264VideoSaverMemory::initTestCase()
 {
     if (!TARN_HAS_OWN_MALLOC)
-        QSKIP("The sanitizer has its own malloc.");
+        QSKIP("The sanitizer has its own malloc.", );
     QVERIFY(m_folder.isValid());
     m_sequence = std::make_unique<CxSavedSequence>(kPictures);
     QVERIFY(m_sequence->makeReference(m_folder.filePath(QStringLiteral("whole.h264"))));
