@@ -74,7 +74,7 @@ public:
         if (summary.given == kPicturesBeforeBitsAdvice)
             adviseBits(summary);
         passWarnings();
-        m_line.update(summary.given, summary.sizesKnown ? summary.bytes : -1,
+        m_line.update(summary.given, summary.bytes,
                       summary.skipped.isEmpty() ? QString()
                                                 : QStringLiteral("%1 skipped").arg(summary.skipped.size()));
     }

@@ -39,19 +39,14 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
     if (summary.wasStopped)
         first += QStringLiteral(", stopped");
     lines += first;
-    if (summary.sizesKnown) {
-        QString coded =
-            QStringLiteral("  %1 coded, %2 skipped").arg(summary.coded).arg(summary.skipped.size());
-        if (!summary.skipped.isEmpty())
-            coded += QStringLiteral(" (%1)").arg(fx_ReadableRanges(summary.skipped, kMostRanges));
-        lines += coded;
-        lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4 pictures a second")
-                     .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
-                     .arg(fx_Seconds(summary), 0, 'f', 1)
-                     .arg(kPicturesASecond);
-    } else {
-        lines += QStringLiteral("  no regular file: its size and the skipped pictures are unknown");
-    }
+    QString coded = QStringLiteral("  %1 coded, %2 skipped").arg(summary.coded).arg(summary.skipped.size());
+    if (!summary.skipped.isEmpty())
+        coded += QStringLiteral(" (%1)").arg(fx_ReadableRanges(summary.skipped, kMostRanges));
+    lines += coded;
+    lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4 pictures a second")
+                 .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
+                 .arg(fx_Seconds(summary), 0, 'f', 1)
+                 .arg(kPicturesASecond);
     lines += QStringLiteral("  took %1 s, %2 ms a picture, %3 of it for encoding")
                  .arg(static_cast<double>(summary.elapsedNs) / 1e9, 0, 'f', 1)
                  .arg(fx_MsPerPicture(summary.elapsedNs, summary.given), 0, 'f', 1)
@@ -77,17 +72,11 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         {QStringLiteral("interrupted"), fx_IsInterrupted(summary)},
         {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)},
         {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},
-        {QStringLiteral("skipped"), QJsonValue()},
-        {QStringLiteral("skippedPictures"), QJsonValue()},
-        {QStringLiteral("bytes"), QJsonValue()},
-        {QStringLiteral("meanBitRate"), QJsonValue()},
+        {QStringLiteral("skipped"), summary.skipped.size()},
+        {QStringLiteral("skippedPictures"), skipped},
+        {QStringLiteral("bytes"), summary.bytes},
+        {QStringLiteral("meanBitRate"), fx_MeanBitRate(summary)},
     };
-    if (summary.sizesKnown) {
-        json[QStringLiteral("skipped")] = summary.skipped.size();
-        json[QStringLiteral("skippedPictures")] = skipped;
-        json[QStringLiteral("bytes")] = summary.bytes;
-        json[QStringLiteral("meanBitRate")] = fx_MeanBitRate(summary);
-    }
     if (summary.savedWidth != 0) {
         json[QStringLiteral("width")] = static_cast<int>(summary.savedWidth);
         json[QStringLiteral("height")] = static_cast<int>(summary.savedHeight);

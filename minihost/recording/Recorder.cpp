@@ -8,14 +8,13 @@
 
 #include "CodecOptions.h"
 #include "CxImageData.h"
-#include "CxPicBufAPI.h"
-#include "CxVideoCodecManager.h"
+#include "EncoderTrial.h"
 #include "IxImageDataSaver.h"
 #include "IxPictureSource.h"
-#include "IxVideoEncoder.h"
 #include "PictureFormat.h"
 #include "PluginHost.h"
 #include "PluginMessages.h"
+#include "RecordingOutput.h"
 
 namespace {
 
@@ -42,32 +41,36 @@ public:
         : m_source(source)
         , m_request(request)
         , m_summary(summary)
-        , m_fileExisted(QFileInfo::exists(request.outputFile))
-        , m_replacesFile(QFileInfo(request.outputFile).isFile() && QFileInfo(request.outputFile).size() > 0)
     {}
 
     void run(RecordProgress const& progress);
 
 private:
     bool start();
+    bool openOutput();
     bool tryEncoder();
     bool nextPicture();
     bool saveOne();
+    bool passOn();
     void finish();
+    void keepCompletePictures();
     void fail(QString const& sentence, RecordFailure failure = RecordFailure::Other);
     bool mayContinue() const;
     int expectedPictures() const;
     void noteEnd();
-    QString outputError(QStringList const& messages) const;
+    QString outputError(QStringList const& messages, QString const& cause = QString()) const;
 
     IxPictureSource& m_source;
     SxRecordRequest const& m_request;
     SxRecordSummary& m_summary;
-    bool m_fileExisted;
-    bool m_replacesFile; ///< a recording, or whatever else has bytes to lose
+    CxRecordingOutput m_output;
+    bool m_replacesFile = false; ///< a recording, or whatever else has bytes to lose
     CxOwnedPicture m_picture;
     SxCreated<IxImageDataSaver> m_saver;
     QFile* m_file = nullptr;           ///< the saver's, and gone with it
+    bool m_isWriting = false;          ///< it is open, so what was in it is gone
+    bool m_isRefused = false;          ///< the saver did not save a picture
+    QStringList m_messages;            ///< what it said then
     std::vector<qint64> m_pictureEnds; ///< file position behind each coded picture
     qint64 m_written = 0;              ///< bytes given to the file, buffered ones included
 };
@@ -102,17 +105,13 @@ void CxRecording::noteEnd()
     m_summary.isCutShort = m_summary.wasStopped && isLimited && !hasAll;
 }
 
-/// The plug-in's messages as one sentence about the output: what it said last, for the reason it gave
-/// first.
-QString CxRecording::outputError(QStringList const& messages) const
+/// The plug-in's messages as one sentence about the output: what it said last, for the reason that the system
+/// gave or it gave first.
+QString CxRecording::outputError(QStringList const& messages, QString const& cause) const
 {
     QString what =
         messages.isEmpty() ? QStringLiteral("The picture was refused without a reason.") : messages.last();
-    QString why = messages.size() > 1 ? messages.first() : QString();
-    if (why.isEmpty() && m_file && m_file->error() != QFileDevice::NoError)
-        why = m_file->errorString();
-    if (why == QLatin1String("Unknown error")) // Qt's text where a write ended halfway
-        why.clear();
+    QString why = cause.isEmpty() && messages.size() > 1 ? messages.first() : cause;
     if (!why.isEmpty()) {
         if (what.endsWith(QLatin1Char('.')))
             what.chop(1);
@@ -161,43 +160,36 @@ bool CxRecording::nextPicture()
     return true;
 }
 
-/// Encodes the picture at hand for nothing, with an encoder of its own. The saver empties its file before
-/// it asks its encoder for anything: only what encodes may cost an old recording.
+/// The saver empties its file before it asks its encoder for anything: only what encodes may cost an old
+/// recording.
 bool CxRecording::tryEncoder()
 {
-    std::unique_ptr<IxVideoEncoder> const encoder(
-        CxVideoCodecManager::instance()->encoderForFourCC(kFourCCH264));
-    if (!encoder) {
-        fail(QStringLiteral("No loaded plug-in provides an H.264 encoder."));
-        return false;
-    }
-    SxPicBuf const* picture = &m_picture.get();
-    SxPicBufInfo wanted;
-    encoder->queryOuputFormat(*picture, wanted);
-    CxOwnedPicture scaled;
     CxPluginMessages::take();
-    bool isEncoded = true;
-    if (wanted.width != picture->width || wanted.height != picture->height) {
-        SxPicBufInfo format = *picture;
-        format.width = wanted.width;
-        format.height = wanted.height;
-        isEncoded = fx_PreparePicture(scaled.get(), format) && CxPicBufAPI::Resize(*picture, scaled.get());
-        picture = &scaled.get();
-    }
-    if (isEncoded) {
-        unsigned long size = encoder->maxEncodedSize(*picture);
-        std::vector<unsigned char> buffer(size);
-        isEncoded = encoder->encode(*picture, buffer.data(), size, nullptr);
-    }
-    if (!isEncoded)
-        fail(outputError(CxPluginMessages::take()) +
-             QStringLiteral(" The file that was there is untouched."));
-    return isEncoded;
+    if (fx_EncoderTakes(m_picture.get()))
+        return true;
+    fail(outputError(CxPluginMessages::take()) + QStringLiteral(" The file that was there is untouched."));
+    return false;
+}
+
+bool CxRecording::openOutput()
+{
+    QFileInfo const there(m_request.outputFile);
+    m_replacesFile = there.isFile() && there.size() > 0;
+    QString error;
+    if (m_output.open(m_request.outputFile, m_request.stop, error))
+        return true;
+    if (error.isEmpty())
+        noteEnd(); // stopped while nobody was there to read
+    else
+        fail(error, RecordFailure::Output);
+    return false;
 }
 
 /// With the first picture at hand: makes the saver and tells it about the recording.
 bool CxRecording::start()
 {
+    if (!openOutput())
+        return false;
     QString error;
     m_saver = fx_Create<IxImageDataSaver>("IxImageDataSaver", error);
     if (!m_saver.as) {
@@ -206,9 +198,13 @@ bool CxRecording::start()
     }
     fx_SetCodecOptions(kFourCCH264, m_request.encoder.toMap());
     m_saver.as->setSaverOptions(m_request.saverOptions);
-    m_saver.as->setOutputFile(m_request.outputFile);
+    m_saver.as->setOutputFile(m_output.saverFile());
     m_saver.as->setSequenceSize(m_source.expectedPictures());
     m_file = m_saver.object->findChild<QFile*>();
+    if (!m_file) {
+        fail(QStringLiteral("The loaded plug-in's saver does not show its file."));
+        return false;
+    }
 
     m_summary.input = m_picture.get();
     SxPicBufInfo saved;
@@ -244,16 +240,11 @@ bool CxRecording::saveOne()
     m_summary.savingNs += timer.nsecsElapsed();
 
     int const number = m_summary.given++;
+    m_isWriting = m_file->isOpen();
     if (!saved) {
-        bool const isFileAtFault = m_file && m_file->error() != QFileDevice::NoError;
-        fail(outputError(CxPluginMessages::take()),
-             isFileAtFault ? RecordFailure::Output : RecordFailure::Other);
+        m_isRefused = true;
+        m_messages = CxPluginMessages::take();
         return false;
-    }
-    m_summary.sizesKnown = m_file && !m_file->isSequential();
-    if (!m_summary.sizesKnown) {
-        ++m_summary.coded;
-        return true;
     }
     // The encoder drops pictures without telling; a picture that added no byte was dropped.
     qint64 const end = m_file->pos();
@@ -265,35 +256,54 @@ bool CxRecording::saveOne()
     }
     m_written = end;
     m_summary.bytes = end;
-    return true;
+    return passOn();
 }
 
-/// Closes the file by deleting the saver and sees what the disk really holds.
+/// What is not a file gets each picture at once: then it is known to have taken it.
+bool CxRecording::passOn()
+{
+    if (!m_output.isRelayed() || (m_file->flush() && m_output.passOn()))
+        return true;
+    fail(QStringLiteral("%1: %2.").arg(m_request.outputFile, m_output.why()), RecordFailure::Output);
+    return false;
+}
+
+/// Closes the file by deleting the saver, and sees what went wrong with it.
 void CxRecording::finish()
 {
     CxPluginMessages::take();
     m_file = nullptr;
     m_saver.object.reset();
-    QStringList const messages = CxPluginMessages::take();
-    if (!messages.isEmpty())
-        fail(outputError(messages), RecordFailure::Output); // the last bytes did not reach the disk
-
-    QFileInfo const info(m_request.outputFile);
-    if (!info.isFile())
-        return; // a device or pipe, or never opened
-    if (m_summary.sizesKnown) {
-        m_summary.bytes = info.size();
-        if (m_summary.bytes < m_written)
-            fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")
-                     .arg(m_request.outputFile)
-                     .arg(m_summary.bytes)
-                     .arg(m_written),
-                 RecordFailure::Output);
-        auto const lost = std::upper_bound(m_pictureEnds.begin(), m_pictureEnds.end(), m_summary.bytes);
-        m_summary.coded = static_cast<int>(lost - m_pictureEnds.begin());
+    QStringList const last = CxPluginMessages::take(); // the last bytes did not reach the disk
+    m_messages += last;
+    if (m_isRefused || !last.isEmpty()) {
+        QString const cause = m_output.why();
+        bool const isEncoderAtFault = cause.isEmpty() && last.isEmpty();
+        fail(outputError(m_messages, cause), isEncoderAtFault ? RecordFailure::Other : RecordFailure::Output);
     }
-    if (!m_fileExisted && info.size() == 0)
-        QFile::remove(m_request.outputFile);
+    keepCompletePictures();
+    m_output.removeIfNewAndEmpty();
+}
+
+/// Cuts off half a picture that a full disk left at the end: all that is in the file then plays.
+void CxRecording::keepCompletePictures()
+{
+    if (!m_isWriting)
+        return;
+    m_summary.bytes = m_output.size();
+    if (m_summary.bytes < m_written)
+        fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")
+                 .arg(m_request.outputFile)
+                 .arg(m_summary.bytes)
+                 .arg(m_written),
+             RecordFailure::Output);
+    auto const lost = std::upper_bound(m_pictureEnds.begin(), m_pictureEnds.end(), m_summary.bytes);
+    m_summary.coded = static_cast<int>(lost - m_pictureEnds.begin());
+    qint64 const end = lost == m_pictureEnds.begin() ? 0 : *(lost - 1);
+    if (m_summary.bytes > end) {
+        m_output.cutOff(end);
+        m_summary.bytes = m_output.size();
+    }
 }
 
 void CxRecording::run(RecordProgress const& progress)
@@ -305,19 +315,19 @@ void CxRecording::run(RecordProgress const& progress)
             fail(QStringLiteral("There is no picture to record."), RecordFailure::Source);
         return;
     }
-    if (!start())
-        return;
-    do {
-        bool const saved = saveOne();
-        m_summary.elapsedNs = timer.nsecsElapsed();
-        if (!saved)
-            break;
-        if (progress)
-            progress(m_summary);
-    } while (mayContinue() && nextPicture());
+    if (start()) {
+        bool goesOn = true;
+        while (goesOn) {
+            goesOn = saveOne();
+            m_summary.elapsedNs = timer.nsecsElapsed();
+            if (goesOn && progress)
+                progress(m_summary);
+            goesOn = goesOn && mayContinue() && nextPicture();
+        }
+        if (m_summary.coded == 0 && !m_isRefused)
+            fail(QStringLiteral("Nothing was recorded: the encoder left out every picture."));
+    }
     finish();
-    if (m_summary.coded == 0)
-        fail(QStringLiteral("Nothing was recorded: the encoder left out every picture."));
     m_summary.elapsedNs = timer.nsecsElapsed();
 }
 

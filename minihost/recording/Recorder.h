@@ -36,12 +36,11 @@ struct SxRecordSummary
     RecordFailure failure = RecordFailure::None;
     bool wasStopped = false;   ///< the stop flag ended it
     bool isCutShort = false;   ///< so pictures are missing that were asked for
-    bool sizesKnown = true;    ///< false for pipes and devices, where nobody can see bytes and skips
     int expected = -1;         ///< pictures that were to come, as far as known by now; else -1
     int given = 0;             ///< pictures handed to the saver
     int coded = 0;             ///< of these, how many the file holds completely
     QVector<int> skipped;      ///< numbers, from 0, of those that the encoder left out without an error
-    qint64 bytes = 0;          ///< in the file
+    qint64 bytes = 0;          ///< in the file, or that a pipe or device took
     qint64 elapsedNs = 0;      ///< from the first picture asked for to the file closed
     qint64 savingNs = 0;       ///< of that, inside the saver
     SxPicBufInfo input;        ///< format of the first picture
@@ -54,6 +53,9 @@ using RecordProgress = std::function<void(SxRecordSummary const&)>; ///< called 
 
 /// Records pictures into a raw H.264 file through the plug-in's saver, as the host's recording does:
 /// one saver per recording, one save() a picture, the file ended by deleting the saver.
+///
+/// The output is held against other recordings meanwhile. A pipe or device gets each picture at once. When
+/// the output fails, it ends with the last complete picture and the error names the cause.
 ///
 /// A plug-in must be loaded and a CxPluginMessages alive. A start that fails leaves no empty file
 /// behind where there was none, and what was there stays until the encoder has taken the first picture.

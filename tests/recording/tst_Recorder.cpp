@@ -17,6 +17,8 @@ struct SxScript
 {
     bool encodes = true;
     bool writes = true;
+    bool opens = true;      ///< the saver its file
+    int saves = -1;         ///< pictures before the saver refuses one; -1: all
     quint32 height = 0;     ///< of the pictures that the encoder asks for; 0: as they come
     QList<QSize> tried;     ///< sizes of the pictures given to encoders that are not the saver's
     qint64 sizeAtOpen = -1; ///< of the file that the saver replaced
@@ -69,8 +71,11 @@ public:
     {
         if (!m_file->isOpen()) {
             s_script.sizeAtOpen = m_file->size();
-            m_file->open(QIODevice::WriteOnly);
+            if (!s_script.opens || !m_file->open(QIODevice::WriteOnly))
+                return false;
         }
+        if (s_script.saves-- == 0)
+            return false;
         return !s_script.writes || m_file->write("picture") == 7;
     }
     QList<CxImageFormat> supportedImageFormats() override { return {}; }
@@ -89,7 +94,7 @@ private:
     QFile* m_file;
 };
 
-/// What a recording does to a file that is there already.
+/// What a recording does to its file, and to one that is there already.
 class tst_Recorder : public QObject
 {
     Q_OBJECT
@@ -100,9 +105,13 @@ private slots:
     void refusedFirstPictureKeepsTheOldFile();
     void trialHasTheSizeThatIsSaved();
     void newFileNeedsNoTrial();
+    void secondRecordingToTheSameFileIsRefused();
+    void fileThatTheSaverCannotOpenKeepsItsContent();
+    void refusedPictureIsTheEncodersFault();
     void recordingOfNoPictureIsAFailure();
 
 private:
+    static SxTestCameraOptions cameraOptions();
     SxRecordSummary record();
     QString path() const { return m_folder->filePath(QStringLiteral("out.h264")); }
     void writeOldFile();
@@ -124,13 +133,18 @@ void tst_Recorder::init()
 
 void tst_Recorder::cleanup() { fx_UnregisterClasses(&m_plugin); }
 
-SxRecordSummary tst_Recorder::record()
+SxTestCameraOptions tst_Recorder::cameraOptions()
 {
     SxTestCameraOptions options;
     options.width = 64;
     options.height = 48;
     options.frames = 3;
-    CxTestCamera camera(options);
+    return options;
+}
+
+SxRecordSummary tst_Recorder::record()
+{
+    CxTestCamera camera(cameraOptions());
     SxRecordRequest request;
     request.outputFile = path();
     CxPluginMessages const messages;
@@ -171,6 +185,66 @@ void tst_Recorder::newFileNeedsNoTrial()
 {
     QCOMPARE(record().coded, 3);
     QVERIFY(s_script.tried.isEmpty());
+}
+
+/// Records the test camera to \p fileName before it delivers its second picture.
+class CxSourceThatRecords : public CxTestCamera
+{
+public:
+    CxSourceThatRecords(SxTestCameraOptions const& options, QString fileName)
+        : CxTestCamera(options)
+        , m_options(options)
+        , m_fileName(fileName)
+    {}
+    Result next(SxPicBuf& picture) override
+    {
+        if (m_delivered++ == 1) {
+            CxTestCamera camera(m_options);
+            SxRecordRequest request;
+            request.outputFile = m_fileName;
+            second = fx_Record(camera, request);
+        }
+        return CxTestCamera::next(picture);
+    }
+    SxRecordSummary second;
+
+private:
+    SxTestCameraOptions m_options;
+    QString m_fileName;
+    int m_delivered = 0;
+};
+
+void tst_Recorder::secondRecordingToTheSameFileIsRefused()
+{
+    CxSourceThatRecords source(cameraOptions(), path());
+    SxRecordRequest request;
+    request.outputFile = path();
+    CxPluginMessages const messages;
+    SxRecordSummary const first = fx_Record(source, request);
+    QCOMPARE(source.second.error, path() + ": another recording is being written to it.");
+    QVERIFY(source.second.failure == RecordFailure::Output);
+    QCOMPARE(first.error, QString());
+    QCOMPARE(QFile(path()).size(), qint64{21});
+}
+
+void tst_Recorder::fileThatTheSaverCannotOpenKeepsItsContent()
+{
+    writeOldFile();
+    s_script.opens = false;
+    SxRecordSummary const summary = record();
+    QVERIFY(!summary.error.isEmpty());
+    QCOMPARE(QFile(path()).size(), qint64{9});
+}
+
+void tst_Recorder::refusedPictureIsTheEncodersFault()
+{
+    s_script.saves = 2;
+    SxRecordSummary const summary = record();
+    QCOMPARE(summary.error, path() + ": The picture was refused without a reason.");
+    QVERIFY(summary.failure == RecordFailure::Other);
+    QCOMPARE(summary.given, 3);
+    QCOMPARE(summary.coded, 2);
+    QCOMPARE(QFile(path()).size(), qint64{14});
 }
 
 void tst_Recorder::recordingOfNoPictureIsAFailure()

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "SxPicBuf.h"
+
+/// Encodes \p picture for nothing with an encoder of its own, at the size that a recording of it would have.
+/// \return false when that fails; the plug-in's messages say why.
+bool fx_EncoderTakes(SxPicBuf const& picture);
