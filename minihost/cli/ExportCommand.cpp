@@ -29,10 +29,14 @@ Outcome fx_OutcomeOf(IxExportSink::Result result)
 }
 
 /// Decodes the frames in their order and gives each to the sink; \p error one sentence when that fails.
-/// \param prints  the sink prints lines, which share a terminal with the progress line.
-Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExportSink& sink, bool prints,
-                QString& error)
+Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExportSink& sink,
+                SxExportRequest const& request, QString& error)
 {
+    // Hashes are lines, which share a terminal with the progress line.
+    bool const prints = request.kind == SxExportRequest::Kind::Hashes;
+    bool const isOneFile =
+        request.kind == SxExportRequest::Kind::Sheet ||
+        (request.kind == SxExportRequest::Kind::Stream && request.output != QLatin1String("-"));
     std::atomic<bool> const& stop = fx_CatchInterrupts();
     CxProgressLine line(static_cast<int>(frames.size()));
     std::unique_ptr<CxImageData> picture;
@@ -41,6 +45,8 @@ Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExpo
         if (stop.load()) {
             error = recording.fileName() +
                     QStringLiteral(": stopped after %1 of %2 pictures.").arg(done).arg(frames.size());
+            if (isOneFile)
+                error += QStringLiteral(" Nothing was written.");
             return Outcome::Interrupted;
         }
         QString cause;
@@ -99,8 +105,7 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     if (!sink)
         return fx_Failed(error, kOutputFailed);
 
-    Outcome const outcome =
-        fx_Feed(recording, *frames, *sink, arguments.request.kind == SxExportRequest::Kind::Hashes, error);
+    Outcome const outcome = fx_Feed(recording, *frames, *sink, arguments.request, error);
     Console::transient(QString());
     if (outcome == Outcome::ReaderGone)
         return kDone; // "| head" has seen enough

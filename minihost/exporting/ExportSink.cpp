@@ -1,7 +1,6 @@
 #include "ExportSink.h"
 
 #include <QCryptographicHash>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QSet>
@@ -19,28 +18,34 @@ namespace {
 
 using Result = IxExportSink::Result;
 
-QString fx_ErrnoText() { return QString::fromLocal8Bit(std::strerror(errno)); }
-
 QSize fx_Size(SxPicBufInfo const& picture)
 {
     return {static_cast<int>(picture.width), static_cast<int>(picture.height)};
 }
 
-Result fx_WriteTo(FILE* stream, QString const& name, QByteArray const& bytes, bool flushes, QString& error)
+Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
 {
     errno = 0;
     auto const wanted = static_cast<size_t>(bytes.size());
-    if (std::fwrite(bytes.constData(), 1, wanted, stream) == wanted && (!flushes || std::fflush(stream) == 0))
+    if (std::fwrite(bytes.constData(), 1, wanted, stdout) == wanted && (!flushes || std::fflush(stdout) == 0))
         return Result::Taken;
     if (errno == EPIPE)
         return Result::ReaderGone;
-    error = QStringLiteral("%1: %2.").arg(name, fx_ErrnoText());
+    error = QStringLiteral("Standard output: %1.").arg(QString::fromLocal8Bit(std::strerror(errno)));
     return Result::Error;
 }
 
-Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
+Result fx_ResultOf(CxOutputFile::Result result)
 {
-    return fx_WriteTo(stdout, QStringLiteral("Standard output"), bytes, flushes, error);
+    switch (result) {
+    case CxOutputFile::Result::Written:
+        return Result::Taken;
+    case CxOutputFile::Result::ReaderGone:
+        return Result::ReaderGone;
+    case CxOutputFile::Result::Error:
+        break;
+    }
+    return Result::Error;
 }
 
 bool fx_WritePicture(CxPictureEncoder& encoder, SxPicBuf const& picture, QString const& fileName,
@@ -88,11 +93,6 @@ private:
     QSize m_size;
 };
 
-struct SxFileCloser
-{
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-
 /// All pictures behind each other, on standard output or in one file.
 class CxStreamSink : public IxExportSink
 {
@@ -100,39 +100,36 @@ public:
     explicit CxStreamSink(SxExportRequest const& request)
         : m_stream(request.stream)
         , m_fileName(request.output == QLatin1String("-") ? QString() : request.output)
+        , m_file(m_fileName)
     {}
 
     Result take(int frame, SxPicBuf const& picture, QString& error) override
     {
-        if (!m_fileName.isEmpty() && !m_file) {
-            m_file.reset(std::fopen(QFile::encodeName(m_fileName).constData(), "wb"));
-            if (!m_file) {
-                error = QStringLiteral("%1: %2.").arg(m_fileName, fx_ErrnoText());
-                return Result::Error;
-            }
-            m_size = fx_Size(picture);
-        }
+        m_size = fx_Size(picture);
         std::optional<QByteArray> const bytes = m_stream.next(picture);
         if (!bytes) {
             error = QStringLiteral("Out of memory.");
             return Result::Error;
         }
-        if (!m_file)
+        if (m_fileName.isEmpty())
             return fx_WriteToStdout(*bytes, true, error);
-        Result const result = fx_WriteTo(m_file.get(), m_fileName, *bytes, true, error);
+        Result const result = fx_ResultOf(m_file.write(*bytes, error));
         if (result == Result::Taken)
             m_json.append(
                 QJsonObject{{QStringLiteral("frame"), frame}, {QStringLiteral("file"), m_fileName}});
         return result;
     }
-    Result finish(QString&) override { return Result::Taken; }
+    Result finish(QString& error) override
+    {
+        return m_fileName.isEmpty() ? Result::Taken : fx_ResultOf(m_file.finish(error));
+    }
     SxExported exported() const override { return {m_fileName, static_cast<int>(m_json.size()), m_size}; }
     QJsonArray exportedJson() const override { return m_json; }
 
 private:
     CxPictureStream m_stream;
     QString m_fileName; ///< empty for standard output
-    std::unique_ptr<FILE, SxFileCloser> m_file;
+    CxOutputFile m_file;
     QSize m_size;
     QJsonArray m_json;
 };

@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
+#include <cerrno>
 
 #include "SameFile.h"
 
@@ -20,19 +22,53 @@ QString fx_Obstacle(QString const& fileName, SxExportRequest const& request)
     return QString();
 }
 
+bool CxOutputFile::open()
+{
+    QFileInfo const info(m_fileName);
+    if (info.exists() && !info.isFile())
+        m_file = std::make_unique<QFile>(m_fileName);
+    else
+        m_file = std::make_unique<QSaveFile>(m_fileName);
+    return m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+}
+
+CxOutputFile::Result CxOutputFile::failure(QString& error) const
+{
+    if (errno == EPIPE)
+        return Result::ReaderGone;
+    error = QStringLiteral("%1: %2.").arg(m_fileName, m_file->errorString());
+    return Result::Error;
+}
+
+CxOutputFile::Result CxOutputFile::write(QByteArray const& bytes, QString& error)
+{
+    errno = 0;
+    if (!m_file && !open())
+        return failure(error);
+    // Qt reports a write that ended halfway without a cause; the attempt to write the rest brings it.
+    for (qint64 done = 0; done < bytes.size();) {
+        qint64 const written = m_file->write(bytes.constData() + done, bytes.size() - done);
+        if (written <= 0)
+            return failure(error);
+        done += written;
+    }
+    return Result::Written;
+}
+
+CxOutputFile::Result CxOutputFile::finish(QString& error)
+{
+    errno = 0;
+    auto* const file = qobject_cast<QSaveFile*>(m_file.get());
+    return !file || file->commit() ? Result::Written : failure(error);
+}
+
 bool fx_WriteFile(QString const& fileName, QByteArray const& bytes, QString& error)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
-        error = QStringLiteral("%1: %2.").arg(fileName, file.errorString());
-        return false;
-    }
-    bool const isWritten = file.write(bytes) == bytes.size() && file.flush();
-    if (!isWritten) {
-        error = QStringLiteral("%1: %2.").arg(fileName, file.errorString());
-        file.close();
-        if (QFileInfo(fileName).isFile())
-            file.remove();
-    }
-    return isWritten;
+    CxOutputFile file(fileName);
+    CxOutputFile::Result result = file.write(bytes, error);
+    if (result == CxOutputFile::Result::Written)
+        result = file.finish(error);
+    if (result == CxOutputFile::Result::ReaderGone)
+        error = QStringLiteral("%1: nobody reads it any more.").arg(fileName);
+    return result == CxOutputFile::Result::Written;
 }

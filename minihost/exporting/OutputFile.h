@@ -1,13 +1,42 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFileDevice>
 #include <QString>
+#include <memory>
+#include <utility>
 
 #include "ExportRequest.h"
 
 /// What stands in the way of writing \p fileName, one sentence; empty when nothing does.
 QString fx_Obstacle(QString const& fileName, SxExportRequest const& request);
 
-/// Writes a whole file. \return false, with \p error one sentence, when that fails; no half file stays
-/// behind.
+/// A file that is there only once it is whole: until finish() the bytes go into another one beside it, which
+/// goes with this object, and a file of that name stays as it was. Pipes and devices take the bytes as they
+/// come.
+class CxOutputFile
+{
+public:
+    enum class Result {
+        Written,
+        ReaderGone, ///< of a pipe
+        Error       ///< with one sentence that names the file and what the disk said
+    };
+
+    explicit CxOutputFile(QString fileName)
+        : m_fileName(std::move(fileName))
+    {}
+
+    Result write(QByteArray const& bytes, QString& error); ///< opens it, too
+    Result finish(QString& error);
+
+private:
+    bool open();
+    Result failure(QString& error) const;
+
+    QString m_fileName;
+    std::unique_ptr<QFileDevice> m_file;
+};
+
+/// Writes a whole file. \return false, with \p error one sentence, when that fails; what was there stays.
 bool fx_WriteFile(QString const& fileName, QByteArray const& bytes, QString& error);

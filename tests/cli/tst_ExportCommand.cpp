@@ -45,6 +45,9 @@ private slots:
     void patternNamesTheFiles();
     void existingFilesNeedOverwrite();
     void recordingIsNeverReplaced();
+    void fullDiskLeavesTheOldFileAsItWas_data();
+    void fullDiskLeavesTheOldFileAsItWas();
+    void interruptedStreamLeavesTheOldFileAsItWas();
     void jsonNamesEveryFile();
     void interruptedExportFails_data();
     void interruptedExportFails();
@@ -419,6 +422,63 @@ void tst_ExportCommand::recordingIsNeverReplaced()
         QVERIFY2(refused.err.contains("would replace the recording"), refused.err);
     }
     QVERIFY(fx_FileBytes(path("in.png")) == m_bytes);
+}
+
+void tst_ExportCommand::fullDiskLeavesTheOldFileAsItWas_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("options");
+    QTest::newRow("picture") << "o.png" << QStringList{"--frames", "0"};
+    QTest::newRow("stream") << "o.y4m" << QStringList{"--frames", "all"};
+    QTest::newRow("sheet") << "o.png" << QStringList{"--frames", "all", "--sheet", "3"};
+}
+
+void tst_ExportCommand::fullDiskLeavesTheOldFileAsItWas()
+{
+    QFETCH(QString, file);
+    QFETCH(QStringList, options);
+    QVERIFY(fx_WriteFile(path(file), "precious"));
+    // A limit of a few kilobytes stands for a disk that fills up on the way.
+    QProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    process.start("/bin/sh",
+                  QStringList{"-c", "trap '' XFSZ; ulimit -f 8; exec \"$@\"", "sh", fx_MinihostProgram(),
+                              "export", m_recording, "-o", file, "--overwrite"} +
+                      options);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitCode(), 5);
+    QCOMPARE(process.readAllStandardError(), "error: " + file.toUtf8() + ": File too large.\n");
+    QCOMPARE(fx_FileBytes(path(file)), QByteArray("precious"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{file});
+}
+
+/// Whether a process has a file in \p folder open, be it without a name.
+static bool fx_HasFileOpenIn(QString const& folder, qint64 process)
+{
+    QDir const opened(QStringLiteral("/proc/%1/fd").arg(process));
+    for (QFileInfo const& entry : opened.entryInfoList(QDir::Files | QDir::System)) {
+        if (entry.symLinkTarget().startsWith(folder + '/'))
+            return true;
+    }
+    return false;
+}
+
+void tst_ExportCommand::interruptedStreamLeavesTheOldFileAsItWas()
+{
+    QVERIFY(fx_WriteFile(path("o.y4m"), "precious"));
+    QProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    QString const endless = QStringLiteral("all,").repeated(1999) + "all";
+    process.start(fx_MinihostProgram(),
+                  {"export", m_recording, "--frames", endless, "-o", "o.y4m", "--overwrite"});
+    QTRY_VERIFY_WITH_TIMEOUT(fx_HasFileOpenIn(m_folder->path(), process.processId()), 60000); // it has begun
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.exitCode(), 128 + SIGINT);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.endsWith(" of 60000 pictures. Nothing was written.\n"), err);
+    QCOMPARE(fx_FileBytes(path("o.y4m")), QByteArray("precious"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"o.y4m"});
 }
 
 void tst_ExportCommand::jsonNamesEveryFile()
