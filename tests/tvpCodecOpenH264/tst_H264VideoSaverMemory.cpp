@@ -23,9 +23,9 @@
 #endif
 
 static bool s_isCounting = false;
-static int s_count = 0;           ///< allocations since the counting began
-static int s_failing = -1;        ///< number of the one that fails; -1: none
-static bool s_staysGone = false;  ///< those behind it fail too
+static int s_count = 0;          ///< allocations since the counting began
+static int s_failing = -1;       ///< number of the one that fails; -1: none
+static bool s_staysGone = false; ///< those behind it fail too
 
 #if TARN_HAS_OWN_MALLOC
 /// Whether this allocation succeeds. OpenH264's own do: it uses some of them without a look.
@@ -101,7 +101,8 @@ struct SxOutcome
 } // namespace
 
 /// The recording, in a process of its own. \return whether the allocation was reached.
-static bool fx_Record(int failing, bool staysGone, CxSavedSequence& sequence, QString const& fileName, int say)
+static bool fx_Record(int failing, bool staysGone, CxSavedSequence& sequence, QString const& fileName,
+                      int say)
 {
     qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) {});
     CxH264VideoSaver saver;
@@ -114,7 +115,8 @@ static bool fx_Record(int failing, bool staysGone, CxSavedSequence& sequence, QS
         s_isCounting = true;
         try {
             result = saver.save(image.get(), number) ? 't' : 'f';
-        } catch (std::bad_alloc const&) {}
+        } catch (std::bad_alloc const&) {
+        }
         s_isCounting = false;
         if (s_count > failing)
             s_staysGone = false; // it is back for the next picture
@@ -159,7 +161,8 @@ void tst_H264VideoSaverMemory::everyAllocationFailsInTurn_data()
 /// What the file must hold when picture 0 was refused and the next ones were taken, or not.
 static void fx_CheckOutcome(SxOutcome const& outcome, QString const& fileName)
 {
-    QVERIFY2(WIFEXITED(outcome.status), qPrintable(QStringLiteral("signal %1").arg(WTERMSIG(outcome.status))));
+    QVERIFY2(WIFEXITED(outcome.status),
+             qPrintable(QStringLiteral("signal %1").arg(WTERMSIG(outcome.status))));
     QCOMPARE(outcome.results.size(), kPictures);
     QVERIFY2(outcome.results.at(0) != 't', outcome.results);
     // An encoder that could not be made when the file was opened is not asked for again.
