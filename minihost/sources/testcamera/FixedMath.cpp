@@ -51,11 +51,3 @@ int fx_Bounce(int time, int length)
     int const phase = time % (2 * length);
     return phase <= length ? phase : 2 * length - phase;
 }
-
-quint64 CxRandom::next()
-{
-    quint64 z = (m_state += 0x9E3779B97F4A7C15U);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9U;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBU;
-    return z ^ (z >> 31);
-}

@@ -10,16 +10,3 @@ int fx_Cosine(int angle);            ///< as fx_Sine()
 int fx_AngleOf(int dx, int dy);      ///< direction of a vector, 0 to 65535, within 45; 0 for none
 int fx_SquareRoot(quint64 value);    ///< rounded down
 int fx_Bounce(int time, int length); ///< 0 up to length and back, one step for each of \p time; length >= 0
-
-/// A generator of pseudo-random numbers, the same row for the same seed everywhere (SplitMix64).
-class CxRandom
-{
-public:
-    explicit CxRandom(quint64 seed)
-        : m_state(seed)
-    {}
-    quint64 next();
-
-private:
-    quint64 m_state;
-};

@@ -2,8 +2,8 @@
 
 #include <QStringList>
 #include <optional>
+#include <random>
 
-#include "FixedMath.h"
 #include "IxPictureSource.h"
 #include "TestScene.h"
 
@@ -41,9 +41,9 @@ public:
 
 private:
     template<class Sample>
-    void addNoise(CxRandom& random, quint16 const* samples, size_t count, Sample* noisy) const;
+    void addNoise(std::mt19937_64& random, quint16 const* samples, size_t count, Sample* noisy) const;
     template<class Sample>
-    void fillRow(CxRandom& random, quint16 const* scene, Sample* row);
+    void fillRow(std::mt19937_64& random, quint16 const* scene, Sample* row);
     void fill(SxCanvas const& scene, SxPicBuf& picture);
 
     SxTestCameraOptions m_options;
