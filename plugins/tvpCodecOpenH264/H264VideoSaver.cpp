@@ -147,6 +147,29 @@ bool CxH264VideoSaver::scale(SxPicBuf const& picture)
     return CxPicBufAPI::Resize(picture, m_resized);
 }
 
+/// Codes a picture, which takes up to \p size bytes, and writes it; reports what fails.
+bool CxH264VideoSaver::write(SxPicBuf const& picture, unsigned long size)
+{
+    uchar* const buffer = allocBuffer(size);
+    if (!buffer)
+        return false;
+
+    // The encoder decides; it never reads the flag, and sets it with each picture that it codes.
+    bool isKeyFrame = m_frameCounter % 10 == 0;
+    if (!m_encoder->encode(picture, buffer, size, &isKeyFrame)) {
+        TVP_CRITICAL("CxH264VideoSaver::save(): %1",
+                     QStringLiteral("Error when encoding the frame %1.").arg(m_frameCounter));
+        return false;
+    }
+    qint64 const bytes = static_cast<qint64>(size);
+    if (m_file.write(reinterpret_cast<char const*>(buffer), bytes) != bytes) {
+        TVP_CRITICAL("CxH264VideoSaver::save(): %1", "Error when writing encoded frame to file.");
+        return false;
+    }
+    ++m_frameCounter;
+    return true;
+}
+
 bool CxH264VideoSaver::save(IxChainData const* data, int)
 {
     if (!data)
@@ -177,31 +200,12 @@ bool CxH264VideoSaver::save(IxChainData const* data, int)
         picture = &m_resized;
     }
 
-    unsigned long size = m_encoder->maxEncodedSize(*picture);
+    unsigned long const size = m_encoder->maxEncodedSize(*picture);
     if (size == 0) {
         TVP_CRITICAL("CxH264VideoSaver::save(): %1",
                      QStringLiteral("Cannot alloc buffer of size %1.").arg(size));
         return true; // Deliberate: a picture without any size is nothing to write.
     }
     // The first picture that reaches the encoder decides the recording's size: not one without pixels.
-    if (!picture->data)
-        return false;
-    uchar* const buffer = allocBuffer(size);
-    if (!buffer)
-        return false;
-
-    // The encoder decides; it never reads the flag, and sets it with each picture that it codes.
-    bool isKeyFrame = m_frameCounter % 10 == 0;
-    if (!m_encoder->encode(*picture, buffer, size, &isKeyFrame)) {
-        TVP_CRITICAL("CxH264VideoSaver::save(): %1",
-                     QStringLiteral("Error when encoding the frame %1.").arg(m_frameCounter));
-        return false;
-    }
-    qint64 const bytes = static_cast<qint64>(size);
-    if (m_file.write(reinterpret_cast<char const*>(buffer), bytes) != bytes) {
-        TVP_CRITICAL("CxH264VideoSaver::save(): %1", "Error when writing encoded frame to file.");
-        return false;
-    }
-    ++m_frameCounter;
-    return true;
+    return picture->data && write(*picture, size);
 }

@@ -63,6 +63,7 @@ public:
 
 private:
     bool scale(SxPicBuf const& picture);
+    bool write(SxPicBuf const& picture, unsigned long size);
 
     QString m_codecName = QStringLiteral("h264");
     int m_sequenceSize = 0;

@@ -31,11 +31,20 @@ quint32 CxSPS::readUe()
     return base + readBits(zeros);
 }
 
-void CxSPS::skipCycle(quint32 count)
+void CxSPS::skipPicOrderCnt()
 {
-    // Behind the end there is nothing left to skip, whatever the count claims.
-    for (quint32 i = 0; i < count && !isAtEnd(); ++i)
-        skipUe();
+    quint32 const pic_order_cnt_type = readUe();
+    if (pic_order_cnt_type == 0) {
+        skipUe(); // log2_max_pic_order_cnt_lsb_minus4
+    } else if (pic_order_cnt_type == 1) {
+        skipBits(1); // delta_pic_order_always_zero_flag
+        skipUe();    // offset_for_non_ref_pic
+        skipUe();    // offset_for_top_to_bottom_field
+        quint32 const num_ref_frames_in_pic_order_cnt_cycle = readUe();
+        // Behind the end there is nothing left to skip, whatever the count claims.
+        for (quint32 i = 0; i < num_ref_frames_in_pic_order_cnt_cycle && !isAtEnd(); ++i)
+            skipUe(); // offset_for_ref_frame
+    }
 }
 
 /// The profiles whose chroma fields this walk knows.
@@ -64,17 +73,7 @@ void CxSPS::parse(unsigned char const* data, unsigned short length, int& width, 
             skipBits(8); // Deliberate: eight list flags and no list.
     }
     skipUe(); // log2_max_frame_num_minus4
-
-    quint32 const pic_order_cnt_type = readUe();
-    if (pic_order_cnt_type == 0) {
-        skipUe(); // log2_max_pic_order_cnt_lsb_minus4
-    } else if (pic_order_cnt_type == 1) {
-        skipBits(1); // delta_pic_order_always_zero_flag
-        skipUe();    // offset_for_non_ref_pic
-        skipUe();    // offset_for_top_to_bottom_field
-        quint32 const num_ref_frames_in_pic_order_cnt_cycle = readUe();
-        skipCycle(num_ref_frames_in_pic_order_cnt_cycle); // offset_for_ref_frame
-    }
+    skipPicOrderCnt();
     skipUe();    // max_num_ref_frames
     skipBits(1); // gaps_in_frame_num_value_allowed_flag
 

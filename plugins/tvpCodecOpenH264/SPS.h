@@ -21,9 +21,9 @@ private:
     void skipBits(quint32 count);
     quint32 readBit();
     quint32 readBits(quint32 count);
-    quint32 readUe();              ///< ue(v), modulo 2^32
-    void skipUe() { readUe(); }    ///< also se(v), whose code has the same length
-    void skipCycle(quint32 count); ///< that many se(v)
+    quint32 readUe();           ///< ue(v), modulo 2^32
+    void skipUe() { readUe(); } ///< also se(v), whose code has the same length
+    void skipPicOrderCnt();     ///< pic_order_cnt_type and its fields
 
     unsigned char const* m_data = nullptr;
     quint32 m_position = 0; ///< bits consumed; never more than m_end

@@ -214,6 +214,24 @@ bool CxOpenH264Encoder::assemble(void* out, unsigned long capacity, unsigned lon
     return true;
 }
 
+/// What the library reads of a picture whose planes lie at \p planes, I420.
+static SSourcePicture fx_SourcePicture(SxPicBuf const& picture, uchar* planes)
+{
+    SSourcePicture source;
+    std::memset(&source, 0, sizeof source);
+    unsigned long const pixels = static_cast<unsigned long>(picture.width) * picture.height;
+    source.iColorFormat = videoFormatI420;
+    source.iStride[0] = static_cast<int>(picture.width);
+    source.iStride[1] = source.iStride[2] = static_cast<int>(picture.width / 2);
+    source.pData[0] = planes;
+    source.pData[1] = source.pData[0] + pixels;
+    source.pData[2] = source.pData[1] + pixels / 4;
+    source.iPicWidth = static_cast<int>(picture.width);
+    source.iPicHeight = static_cast<int>(picture.height);
+    source.uiTimeStamp = static_cast<long long>(picture.timestamp / 1000); // milliseconds
+    return source;
+}
+
 bool CxOpenH264Encoder::encode(SxPicBuf const& picture, void* out, unsigned long& size, bool* keyFrame)
 {
     if (!m_encoder && !createEncoder(picture))
@@ -227,22 +245,10 @@ bool CxOpenH264Encoder::encode(SxPicBuf const& picture, void* out, unsigned long
     if (!convert(picture))
         return false;
 
-    SSourcePicture source;
-    std::memset(&source, 0, sizeof source);
-    unsigned long const pixels = static_cast<unsigned long>(picture.width) * picture.height;
-    source.iColorFormat = videoFormatI420;
-    source.iStride[0] = static_cast<int>(picture.width);
-    source.iStride[1] = source.iStride[2] = static_cast<int>(picture.width / 2);
-    source.pData[0] = m_planes.get();
-    source.pData[1] = source.pData[0] + pixels;
-    source.pData[2] = source.pData[1] + pixels / 4;
-    source.iPicWidth = static_cast<int>(picture.width);
-    source.iPicHeight = static_cast<int>(picture.height);
-    source.uiTimeStamp = static_cast<long long>(picture.timestamp / 1000); // milliseconds
-
     if (m_frameCounter - m_lastKeyFrame >= m_options.keyFrameInterval || m_frameCounter == 0)
         m_encoder->ForceIntraFrame(true, -1); // an IDR picture, in all layers
 
+    SSourcePicture const source = fx_SourcePicture(picture, m_planes.get());
     int const error = m_encoder->EncodeFrame(&source, &m_frameInfo);
     if (error != 0) {
         TVP_CRITICAL("CxOpenH264Encoder::encode(): %1",

@@ -80,6 +80,16 @@ static QLabel* fx_NewLabel(char const* objectName, char const* text)
     return label;
 }
 
+static QSpinBox* fx_NewKeyFrameBox(CxPanel* panel, int interval)
+{
+    QSpinBox* const box = new QSpinBox(panel);
+    box->setObjectName(QStringLiteral("spinH264KeyFramerate"));
+    box->setMinimum(1);
+    box->setMaximum(100);
+    box->setValue(interval);
+    return box;
+}
+
 static QComboBox* fx_NewComplexityBox(CxPanel* panel, int& complexity)
 {
     QComboBox* const box = new QComboBox(panel);
@@ -141,11 +151,7 @@ CxPanel* fx_NewPanel(QWidget* parent, SxEncoderOptions& options)
     QObject::connect(advanced, SIGNAL(clicked(bool)), panel, SLOT(onAdvanced(bool)));
     grid->addWidget(advanced, 2, 0, 1, -1);
 
-    QSpinBox* const keyFrameInterval = new QSpinBox(panel);
-    keyFrameInterval->setObjectName(QStringLiteral("spinH264KeyFramerate"));
-    keyFrameInterval->setMinimum(1);
-    keyFrameInterval->setMaximum(100);
-    keyFrameInterval->setValue(options.keyFrameInterval);
+    QSpinBox* const keyFrameInterval = fx_NewKeyFrameBox(panel, options.keyFrameInterval);
     grid->addWidget(fx_NewLabel("lbH264KeyFramerate", QT_TRANSLATE_NOOP("CxOpenH264Encoder", "Key frames:")),
                     3, 0);
     grid->addWidget(keyFrameInterval, 3, 1);
