@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <initializer_list>
 #include <sys/ioctl.h>
@@ -100,6 +101,12 @@ void Console::message(QString const& text)
 void Console::warning(QString const& sentence) { fx_Labelled("33", QStringLiteral("warning:"), sentence); }
 
 void Console::error(QString const& sentence) { fx_Labelled("31", QStringLiteral("error:"), sentence); }
+
+void Console::errorWithoutMemory(char const* sentence)
+{
+    for (char const* text : {"error: ", sentence, "\n"})
+        static_cast<void>(!write(fileno(s_messages), text, std::strlen(text)));
+}
 
 void Console::transient(QString const& text)
 {

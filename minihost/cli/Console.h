@@ -22,6 +22,7 @@ QString dataFailure();
 void message(QString const& text); ///< to standard error unless quiet, a newline added
 void warning(QString const& sentence);
 void error(QString const& sentence);
+void errorWithoutMemory(char const* sentence); ///< for when there is none to put an error into words
 
 /// Rewrites one line on standard error, on terminals only; the next message replaces it. An empty
 /// text removes it.

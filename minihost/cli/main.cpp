@@ -1,8 +1,12 @@
 #include <QCoreApplication>
 #include <clocale>
 #include <csignal>
+#include <cstdlib>
+#include <exception>
 #include <langinfo.h>
+#include <new>
 #include <optional>
+#include <unistd.h>
 
 #include "Commands.h"
 #include "Console.h"
@@ -87,12 +91,27 @@ static int fx_SeeResultsOut(int code)
     return code == kDone || code == kNotWhole ? kOutputFailed : code;
 }
 
-int main(int argc, char** argv)
+static int fx_EndWithoutMemory()
 {
-    Console::occupyClosedStreams();
-    // A write that fails says so itself, and is told with its cause.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    Console::errorWithoutMemory("Not enough memory.");
+    return kFailed;
+}
+
+/// Memory may run out where nothing can be thrown through, in threads of libraries for one.
+[[noreturn]] static void fx_OnTerminate()
+{
+    try {
+        if (std::current_exception())
+            throw;
+    } catch (std::bad_alloc const&) {
+        _exit(fx_EndWithoutMemory());
+    } catch (...) {
+    }
+    std::abort();
+}
+
+static int fx_Run(int argc, char** argv)
+{
     fx_UseUtf8();
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
@@ -101,4 +120,18 @@ int main(int argc, char** argv)
     if (arguments.value(0) != QLatin1String("view")) // which has one of its own
         app.emplace(argc, argv);
     return fx_SeeResultsOut(fx_Dispatch(arguments));
+}
+
+int main(int argc, char** argv)
+{
+    std::set_terminate(fx_OnTerminate);
+    Console::occupyClosedStreams();
+    // A write that fails says so itself, and is told with its cause.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    try {
+        return fx_Run(argc, argv);
+    } catch (std::bad_alloc const&) {
+        return fx_EndWithoutMemory();
+    }
 }

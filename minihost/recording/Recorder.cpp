@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <new>
 #include <vector>
 
 #include "CodecOptions.h"
@@ -15,10 +16,15 @@
 #include "PluginHost.h"
 #include "PluginMessages.h"
 #include "RecordingOutput.h"
+#include "ShortMemory.h"
 
 namespace {
 
 constexpr quint32 kSmallestSide = 16; // one macroblock: the encoder takes no less
+
+// Bytes with which reading and encoding never fail for want of them: OpenH264 keeps some dozen pictures.
+constexpr quint64 kMemoryToRead = 64 * 1024 * 1024;
+constexpr quint64 kPicturesInEncoder = 32;
 
 /// A picture lent to the saver for one call; its pixels stay the recorder's, to be filled again.
 class CxLentPicture : public CxImageData
@@ -46,6 +52,7 @@ public:
     void run(RecordProgress const& progress);
 
 private:
+    void recordAll(RecordProgress const& progress, QElapsedTimer const& timer);
     bool start();
     bool openOutput();
     bool tryEncoder();
@@ -55,6 +62,7 @@ private:
     void finish();
     void keepCompletePictures();
     void fail(QString const& sentence, RecordFailure failure = RecordFailure::Other);
+    void failWithoutMemory();
     bool mayContinue() const;
     int expectedPictures() const;
     void noteEnd();
@@ -82,6 +90,16 @@ void CxRecording::fail(QString const& sentence, RecordFailure failure)
         return;
     m_summary.error = sentence;
     m_summary.failure = failure;
+}
+
+/// Only if it is memory that the encoder lacks, which it does not say.
+void CxRecording::failWithoutMemory()
+{
+    SxPicBufInfo const& picture = m_picture.get();
+    if (fx_IsMemoryShort(kPicturesInEncoder * picture.width * picture.height * 3 / 2))
+        fail(QStringLiteral("There is not enough memory to encode pictures of %1 x %2.")
+                 .arg(picture.width)
+                 .arg(picture.height));
 }
 
 bool CxRecording::mayContinue() const
@@ -136,6 +154,8 @@ bool CxRecording::nextPicture()
         noteEnd();
         return false;
     case IxPictureSource::Result::Error:
+        if (fx_IsMemoryShort(kMemoryToRead))
+            fail(QStringLiteral("There is not enough memory to read pictures."));
         fail(m_source.errorText(), RecordFailure::Source);
         return false;
     }
@@ -167,6 +187,7 @@ bool CxRecording::tryEncoder()
     CxPluginMessages::take();
     if (fx_EncoderTakes(m_picture.get()))
         return true;
+    failWithoutMemory();
     fail(outputError(CxPluginMessages::take()) + QStringLiteral(" The file that was there is untouched."));
     return false;
 }
@@ -279,10 +300,11 @@ void CxRecording::finish()
     if (m_isRefused || !last.isEmpty()) {
         QString const cause = m_output.why();
         bool const isEncoderAtFault = cause.isEmpty() && last.isEmpty();
+        if (isEncoderAtFault)
+            failWithoutMemory();
         fail(outputError(m_messages, cause), isEncoderAtFault ? RecordFailure::Other : RecordFailure::Output);
     }
     keepCompletePictures();
-    m_output.removeIfNewAndEmpty();
 }
 
 /// Cuts off half a picture that a full disk left at the end: all that is in the file then plays.
@@ -306,6 +328,28 @@ void CxRecording::keepCompletePictures()
     }
 }
 
+/// From the first picture at hand to the last.
+void CxRecording::recordAll(RecordProgress const& progress, QElapsedTimer const& timer)
+{
+    try {
+        bool goesOn = start();
+        bool const isStarted = goesOn;
+        while (goesOn) {
+            goesOn = saveOne();
+            m_summary.elapsedNs = timer.nsecsElapsed();
+            if (goesOn && progress)
+                progress(m_summary);
+            goesOn = goesOn && mayContinue() && nextPicture();
+        }
+        if (isStarted && m_summary.coded == 0 && !m_isRefused)
+            fail(QStringLiteral("Nothing was recorded: the encoder left out every picture."));
+    } catch (std::bad_alloc const&) {
+        fail(QStringLiteral("There is not enough memory for pictures of %1 x %2.")
+                 .arg(m_picture.get().width)
+                 .arg(m_picture.get().height));
+    }
+}
+
 void CxRecording::run(RecordProgress const& progress)
 {
     QElapsedTimer timer;
@@ -315,18 +359,7 @@ void CxRecording::run(RecordProgress const& progress)
             fail(QStringLiteral("There is no picture to record."), RecordFailure::Source);
         return;
     }
-    if (start()) {
-        bool goesOn = true;
-        while (goesOn) {
-            goesOn = saveOne();
-            m_summary.elapsedNs = timer.nsecsElapsed();
-            if (goesOn && progress)
-                progress(m_summary);
-            goesOn = goesOn && mayContinue() && nextPicture();
-        }
-        if (m_summary.coded == 0 && !m_isRefused)
-            fail(QStringLiteral("Nothing was recorded: the encoder left out every picture."));
-    }
+    recordAll(progress, timer);
     finish();
     m_summary.elapsedNs = timer.nsecsElapsed();
 }

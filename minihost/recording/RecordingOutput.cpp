@@ -27,6 +27,8 @@ bool fx_IsSameInode(struct stat const& a, struct stat const& b)
 
 CxRecordingOutput::~CxRecordingOutput()
 {
+    if (m_isNew && size() == 0)
+        QFile::remove(m_fileName);
     for (int const file : {m_out, m_memory}) {
         if (file >= 0)
             close(file);
@@ -170,10 +172,4 @@ void CxRecordingOutput::cutOff(qint64 end)
 {
     if (!isRelayed() && m_out >= 0)
         static_cast<void>(ftruncate(m_out, end));
-}
-
-void CxRecordingOutput::removeIfNewAndEmpty()
-{
-    if (m_isNew && size() == 0)
-        QFile::remove(m_fileName);
 }

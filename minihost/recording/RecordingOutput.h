@@ -11,7 +11,7 @@ class CxRecordingOutput
 {
 public:
     CxRecordingOutput() = default;
-    ~CxRecordingOutput();
+    ~CxRecordingOutput(); ///< leaves no empty file where there was none
     CxRecordingOutput(CxRecordingOutput const&) = delete;
     CxRecordingOutput& operator=(CxRecordingOutput const&) = delete;
 
@@ -35,8 +35,6 @@ public:
 
     /// Takes off what lies behind \p end, as far as it can still be taken back.
     void cutOff(qint64 end);
-
-    void removeIfNewAndEmpty();
 
 private:
     bool openFile(QString& error);

@@ -39,6 +39,8 @@ static QString fx_CauseOfRefusal(QString const& fileName)
         return file.errorString() + QLatin1Char('.');
     if (!fx_BeginsWithStartCode(file.read(4)))
         return QStringLiteral("this is no raw H.264 stream, since it does not begin with a start code.");
+    if (!file.map(0, file.size())) // as the loader does with the whole file
+        return QStringLiteral("there is not enough memory to open it.");
     return QStringLiteral("the picture size is unknown, since the stream holds no sequence parameter set.");
 }
 

@@ -19,6 +19,8 @@ private slots:
     void unusablePluginIsNamed();
     void pluginPathMayComeFromTheEnvironment();
     void fileNamesAreKeptWithoutALocale();
+    void shortMemoryIsToldInOneSentence_data();
+    void shortMemoryIsToldInOneSentence();
     void resultsThatDoNotArriveAreToldWithTheCause_data();
     void resultsThatDoNotArriveAreToldWithTheCause();
     void closedStreamsAreNotMistakenForFiles();
@@ -212,6 +214,50 @@ void tst_main::pluginPathMayComeFromTheEnvironment()
     QCOMPARE(misled.exitCode, 1);
     QVERIFY2(misled.err.contains("/no/such/folder"), misled.err);
     QVERIFY2(led.exitCode == 0, led.err);
+}
+
+void tst_main::shortMemoryIsToldInOneSentence_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QStringList const record{"record", "-q", "--overwrite", "--frames", "2"};
+    QTest::newRow("record") << record + QStringList{"camera:", "out.h264"};
+    QTest::newRow("record large pictures")
+        << record + QStringList{"camera:", "--size", "4096x3000", "out.h264"};
+    QTest::newRow("record over a file") << record + QStringList{"camera:", "old.h264"};
+    QTest::newRow("record a file") << record + QStringList{"in.h264", "out.h264"};
+    QTest::newRow("info") << QStringList{"info", "in.h264"};
+    QTest::newRow("info of a large file") << QStringList{"info", "large.h264"};
+    QTest::newRow("export") << QStringList{"export", "in.h264", "--frames", "0", "--hash", "md5"};
+    QTest::newRow("--version") << QStringList{"--version"};
+}
+
+void tst_main::shortMemoryIsToldInOneSentence()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("The sanitizer takes more address space than there is with a limit.");
+#endif
+    QFETCH(QStringList, arguments);
+    QTemporaryDir folder;
+    for (char const* name : {"in.h264", "old.h264", "large.h264"})
+        QCOMPARE(fx_RunMinihost({"record", "camera:", name, "--size", "320x240", "--frames", "2"},
+                                QByteArray(), folder.path())
+                     .exitCode,
+                 0);
+    QVERIFY(QFile::resize(folder.filePath("large.h264"), qint64{4} << 30)); // a hole, which takes no place
+    int refusals = 0;
+    for (int const kilobytes : {260000, 280000, 300000, 320000, 340000, 380000, 500000}) {
+        SxMinihostRun const run = fx_RunMinihostInShell(
+            QStringLiteral("ulimit -v %1; exec \"$@\"").arg(kilobytes), arguments, folder.path());
+        if (run.exitCode == 0 || run.exitCode == 127) // which the loader of libraries says itself
+            continue;
+        ++refusals;
+        QByteArray const which = QByteArray::number(kilobytes) + " kB: " + run.err;
+        QVERIFY2(run.err.count('\n') == 1 && run.err.startsWith("error: "), which);
+        QVERIFY2(run.err.contains("ot enough memory"), which);
+        QVERIFY2(run.exitCode == 1, which + QByteArray::number(run.exitCode));
+    }
+    bool const needsMuch = arguments.contains("4096x3000") || arguments.contains("large.h264");
+    QVERIFY(refusals > 0 || !needsMuch);
 }
 
 void tst_main::resultsThatDoNotArriveAreToldWithTheCause_data()
