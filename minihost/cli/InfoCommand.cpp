@@ -5,10 +5,10 @@
 
 #include "Commands.h"
 #include "Console.h"
-#include "EncoderOptions.h"
 #include "ExitCode.h"
 #include "PictureRate.h"
 #include "PlayCommand.h"
+#include "ProfileAndLevel.h"
 #include "Readable.h"
 
 namespace {
@@ -53,22 +53,13 @@ QString fx_Help()
            fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed});
 }
 
-/// Profile and level as the first sequence parameter set names them: profile_idc, constraint flags,
-/// level_idc right behind its header (ITU-T H.264, 7.3.2.1.1).
 void fx_ReadProfile(CxRecordingReader& recording, SxRecordingInfo& info)
 {
     QByteArray const bytes =
         recording.keyFrames().isEmpty() ? QByteArray() : recording.codedFrame(recording.keyFrames().first());
-    auto const header = bytes.indexOf(QByteArray("\0\0\1\x67", 4)) + 3;
-    if (header < 3 || header + 3 >= bytes.size())
-        return;
-    auto const profile_idc = static_cast<uchar>(bytes[header + 1]);
-    auto const constraints = static_cast<uchar>(bytes[header + 2]);
-    auto const level_idc = static_cast<uchar>(bytes[header + 3]);
-    info.profile = fx_ProfileName(profile_idc);
-    // Level 1b of the older profiles is written as 11 with constraint_set3_flag (A.3.1).
-    bool const is1b = level_idc == 11 && (constraints & 0x10) != 0 && profile_idc < 100;
-    info.level = is1b ? QStringLiteral("1b") : fx_LevelName(level_idc);
+    SxProfileAndLevel const named = fx_ProfileAndLevel(bytes);
+    info.profile = named.profile;
+    info.level = named.level;
 }
 
 void fx_ReadIndex(CxRecordingReader const& recording, SxRecordingInfo& info)

@@ -85,6 +85,10 @@ public:
         passWarnings();
         if (summary.given < kPicturesBeforeBitsAdvice)
             adviseBits(summary);
+        QString const asked = fx_LevelName(m_request.encoder.level);
+        if (!summary.level.isEmpty() && summary.level != asked)
+            warn(QStringLiteral("OpenH264 made the recording level %1, not level %2 as asked.")
+                     .arg(summary.level, asked));
         QString const advice = fx_SkipAdvice(m_request, summary);
         if (!advice.isEmpty())
             warn(advice);

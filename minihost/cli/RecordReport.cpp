@@ -77,6 +77,8 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         {QStringLiteral("bytes"), summary.bytes},
         {QStringLiteral("meanBitRate"), fx_MeanBitRate(summary)},
     };
+    if (!summary.level.isEmpty())
+        json[QStringLiteral("level")] = summary.level;
     if (summary.savedWidth != 0) {
         json[QStringLiteral("width")] = static_cast<int>(summary.savedWidth);
         json[QStringLiteral("height")] = static_cast<int>(summary.savedHeight);

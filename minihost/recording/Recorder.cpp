@@ -15,6 +15,7 @@
 #include "PictureFormat.h"
 #include "PluginHost.h"
 #include "PluginMessages.h"
+#include "ProfileAndLevel.h"
 #include "RecordingOutput.h"
 #include "ShortMemory.h"
 
@@ -312,6 +313,7 @@ void CxRecording::keepCompletePictures()
 {
     if (!m_isWriting)
         return;
+    m_summary.level = fx_ProfileAndLevel(m_output.head()).level;
     m_summary.bytes = m_output.size();
     if (m_summary.bytes < m_written)
         fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")

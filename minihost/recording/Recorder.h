@@ -46,6 +46,7 @@ struct SxRecordSummary
     SxPicBufInfo input;        ///< format of the first picture
     quint32 savedWidth = 0;    ///< size in the file; the encoder shrinks what is odd or too
     quint32 savedHeight = 0;   ///< large for its level
+    QString level;             ///< at the end, as the file names it, which may be another than asked for
     quint32 highestSample = 0; ///< of word pictures whose source does not know their significant bits; else 0
 };
 

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int kWaitMs = 50;          // between looks at the stop flag
 constexpr int kPatienceMs = 5000;    // of a stopped recording with a reader that takes nothing
+constexpr int kHead = 256;           // bytes
 constexpr size_t kChunk = 64 * 1024; // bytes; as many as a pipe holds
 
 bool fx_IsSameInode(struct stat const& a, struct stat const& b)
@@ -133,6 +134,8 @@ bool CxRecordingOutput::passOn()
         ssize_t const got = pread(m_memory, chunk.data(), chunk.size(), m_passed);
         if (got <= 0)
             break;
+        if (m_passed == 0)
+            m_head = QByteArray(chunk.data(), static_cast<int>(got)).left(kHead);
         if (!writeOut(chunk.data(), static_cast<size_t>(got)))
             return false;
     }
@@ -166,6 +169,12 @@ qint64 CxRecordingOutput::size() const
         return m_passed;
     struct stat found = {};
     return m_out >= 0 && fstat(m_out, &found) == 0 ? qint64{found.st_size} : 0;
+}
+
+QByteArray CxRecordingOutput::head() const
+{
+    QFile file(m_fileName);
+    return isRelayed() || !file.open(QIODevice::ReadOnly) ? m_head : file.read(kHead);
 }
 
 void CxRecordingOutput::cutOff(qint64 end)

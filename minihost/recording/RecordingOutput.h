@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <atomic>
 
@@ -31,7 +32,8 @@ public:
     /// this is found out by trying, with the saver's file closed.
     QString why();
 
-    qint64 size() const; ///< bytes that have arrived
+    qint64 size() const;     ///< bytes that have arrived
+    QByteArray head() const; ///< the first of them: room for parameter sets
 
     /// Takes off what lies behind \p end, as far as it can still be taken back.
     void cutOff(qint64 end);
@@ -47,6 +49,7 @@ private:
     int m_out = -1;
     int m_memory = -1;   ///< the file in memory; -1 for a regular file
     qint64 m_passed = 0; ///< bytes of it that were written to m_out
+    QByteArray m_head;   ///< of what was written to m_out
     int m_error = 0;     ///< errno of a write to m_out
     bool m_isNew = false;
 };

@@ -26,6 +26,7 @@ private slots:
     void cameraIsRecordedInEveryFormat();
     void defaultsAreThoseOfTheHelp();
     void encoderOptionsReachTheStream();
+    void levelThatTheEncoderChoosesIsTold();
     void oddPicturesAreScaledToEvenOnes();
     void picturesLargerThanTheLevelAreScaled();
     void keyFramesComeAtTheirRate();
@@ -183,6 +184,25 @@ void tst_RecordCommand::encoderOptionsReachTheStream()
 
     QCOMPARE(fx_RunMinihost(common + QStringList{"--quality", "1"}).exitCode, 0);
     QVERIFY(QFileInfo(path("out.h264")).size() < size);
+}
+
+void tst_RecordCommand::levelThatTheEncoderChoosesIsTold()
+{
+    // Level 1 holds 15 such pictures a second, and a recording's play at 30.
+    QStringList const common{"record", "camera:", "--size", "176x132", "--frames", "2", "--level", "1"};
+    QByteArray const warning("warning: OpenH264 made the recording level 1.1, not level 1 as asked.\n");
+    SxMinihostRun const raised = fx_RunMinihost(common + QStringList{path("out.h264"), "--json"});
+    QVERIFY2(raised.err.contains(warning), raised.err);
+    QCOMPARE(raised.json().value("level").toString(), QStringLiteral("1.1"));
+    QVERIFY(
+        raised.json().value("warnings").toArray().contains(QString::fromLatin1(warning.mid(9).trimmed())));
+    SxMinihostRun const piped = fx_RunMinihost(common + QStringList{"/dev/stdout"});
+    QVERIFY2(piped.err.contains(warning), piped.err);
+
+    SxMinihostRun const kept = fx_RunMinihost({"record", "camera:", path("kept.h264"), "--size", "176x132",
+                                               "--frames", "2", "--level", "1.1", "--json"});
+    QVERIFY2(!kept.err.contains("OpenH264 made"), kept.err);
+    QCOMPARE(kept.json().value("level").toString(), QStringLiteral("1.1"));
 }
 
 void tst_RecordCommand::oddPicturesAreScaledToEvenOnes()
