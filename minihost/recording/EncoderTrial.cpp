@@ -9,6 +9,8 @@
 #include "IxVideoEncoder.h"
 #include "PictureFormat.h"
 
+static constexpr quint32 kSmallestSide = 16; // one macroblock
+
 bool fx_EncoderTakes(SxPicBuf const& picture)
 {
     std::unique_ptr<IxVideoEncoder> const encoder(
@@ -30,4 +32,17 @@ bool fx_EncoderTakes(SxPicBuf const& picture)
     unsigned long size = encoder->maxEncodedSize(*given);
     std::vector<unsigned char> buffer(size);
     return encoder->encode(*given, buffer.data(), size, nullptr);
+}
+
+QString fx_ObstacleToEncoding(SxPicBufInfo const& input, SxPicBufInfo const& saved)
+{
+    if (saved.width >= kSmallestSide && saved.height >= kSmallestSide)
+        return QString();
+    // What the user cannot see: the level leaves less than the picture has.
+    bool const isShrunk = input.width >= kSmallestSide && input.height >= kSmallestSide;
+    return QStringLiteral("Pictures of %1 x %2 %3: the encoder takes 16 x 16 and more.")
+        .arg(input.width)
+        .arg(input.height)
+        .arg(isShrunk ? QStringLiteral("would be saved as %1 x %2").arg(saved.width).arg(saved.height)
+                      : QStringLiteral("are too small"));
 }

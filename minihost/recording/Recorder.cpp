@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "CodecOptions.h"
-#include "CxImageData.h"
 #include "EncoderTrial.h"
 #include "IxImageDataSaver.h"
 #include "IxPictureSource.h"
+#include "LentPicture.h"
 #include "PictureFormat.h"
 #include "PluginHost.h"
 #include "PluginMessages.h"
@@ -21,24 +21,9 @@
 
 namespace {
 
-constexpr quint32 kSmallestSide = 16; // one macroblock: the encoder takes no less
-
 // Bytes with which reading and encoding never fail for want of them: OpenH264 keeps some dozen pictures.
 constexpr quint64 kMemoryToRead = 64 * 1024 * 1024;
 constexpr quint64 kPicturesInEncoder = 32;
-
-/// A picture lent to the saver for one call; its pixels stay the recorder's, to be filled again.
-class CxLentPicture : public CxImageData
-{
-public:
-    explicit CxLentPicture(SxPicBuf const& picture)
-        : m_lent(picture)
-    {}
-    SxPicBuf const* picBuf() const override { return &m_lent; }
-
-private:
-    SxPicBuf const& m_lent;
-};
 
 /// One recording from the first picture to the closed file.
 class CxRecording
@@ -236,16 +221,9 @@ bool CxRecording::start()
     }
     m_summary.savedWidth = saved.width;
     m_summary.savedHeight = saved.height;
-    if (saved.width < kSmallestSide || saved.height < kSmallestSide) {
-        // What the user cannot see: the level leaves less than the picture has.
-        bool const isShrunk =
-            m_summary.input.width >= kSmallestSide && m_summary.input.height >= kSmallestSide;
-        fail(QStringLiteral("Pictures of %1 x %2 %3: the encoder takes 16 x 16 and more.")
-                 .arg(m_summary.input.width)
-                 .arg(m_summary.input.height)
-                 .arg(isShrunk
-                          ? QStringLiteral("would be saved as %1 x %2").arg(saved.width).arg(saved.height)
-                          : QStringLiteral("are too small")));
+    QString const obstacle = fx_ObstacleToEncoding(m_summary.input, saved);
+    if (!obstacle.isEmpty()) {
+        fail(obstacle);
         return false;
     }
     return !m_replacesFile || tryEncoder();
