@@ -27,6 +27,7 @@ public:
     int expectedPictures() const override { return m_last - m_first + 1; }
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
+    bool isDamaged() const override { return !m_broken.isEmpty(); }
 
 private:
     std::unique_ptr<CxRecordingReader> m_recording;

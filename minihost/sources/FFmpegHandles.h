@@ -27,6 +27,16 @@ using FramePtr = std::unique_ptr<AVFrame, SxFFmpegDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, SxFFmpegDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, SxFFmpegDeleter>;
 
+/// Entries in the index of a stream's packets.
+inline int fx_IndexEntries(AVStream const& stream)
+{
+#if LIBAVFORMAT_VERSION_MAJOR < 59
+    return stream.nb_index_entries;
+#else
+    return avformat_index_get_entries_count(&stream);
+#endif
+}
+
 /// FFmpeg's text for an error code.
 inline QString fx_FFmpegErrorText(int error)
 {

@@ -54,10 +54,29 @@ QString CxFFmpegSource::inputName() const
 bool CxFFmpegSource::fail(QString const& cause)
 {
     m_error = QStringLiteral("%1: %2.").arg(inputName(), cause);
-    m_damaged = 0; // the error says it all
+    m_damage.forget();
     closeInput();
     m_nextInput = static_cast<int>(m_inputs.size());
     return false;
+}
+
+/// For an input that nothing can be had from: goes on without it, unless it is all there is.
+bool CxFFmpegSource::leaveOut(QString const& cause)
+{
+    if (m_delivered == 0 && m_nextInput >= m_inputs.size())
+        return fail(cause);
+    m_damage.forget(); // the cause says it all
+    m_damage.begin(inputName());
+    m_damage.addCut(QStringLiteral("%1; it is left out").arg(cause));
+    closeInput();
+    return false;
+}
+
+/// For an input that FFmpeg does not read: what is in it can be at fault, or the way to it.
+bool CxFFmpegSource::refuse(int error)
+{
+    bool const isContent = error == AVERROR_INVALIDDATA || error == AVERROR_EOF;
+    return isContent ? leaveOut(fx_OpenErrorText(AVERROR_INVALIDDATA)) : fail(fx_OpenErrorText(error));
 }
 
 /// Opens the input's reader and sees that it took every option; false with the error set, or when stopped.
@@ -87,9 +106,10 @@ bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
                 QStringLiteral("FFmpeg's reader '%1' refuses these options or needs more, such as the size "
                                "of raw pictures; ffmpeg -h demuxer=%1 lists them")
                     .arg(QString::fromLatin1(input.format->name)));
-        return fail(fx_OpenErrorText(error));
+        return refuse(error);
     }
     m_format.reset(format);
+    m_count.readIndex(*format);
     for (QString const& name : m_options.options.keys()) {
         QByteArray const key = name.toLocal8Bit();
         if (av_dict_get(unused.get(), key.constData(), nullptr, 0) && key != "pattern_type")
@@ -114,28 +134,23 @@ bool CxFFmpegSource::openInput()
 
     int error = avformat_find_stream_info(format, nullptr);
     if (error < 0)
-        return isStopped() ? false : fail(fx_OpenErrorText(error));
+        return isStopped() ? false : refuse(error);
     AVCodec const* decoder = nullptr;
     m_stream = av_find_best_stream(format, AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
     if (m_stream < 0)
-        return isStopped() ? false : fail(QStringLiteral("there is no picture in it"));
+        return isStopped() ? false : leaveOut(QStringLiteral("there is no picture in it"));
 
     AVStream const& stream = *format->streams[m_stream];
-    m_codec.reset(avcodec_alloc_context3(decoder));
-    if (!m_codec)
-        return fail(QStringLiteral("out of memory"));
-    error = avcodec_parameters_to_context(m_codec.get(), stream.codecpar);
-    m_codec->pkt_timebase = stream.time_base;
-    m_codec->thread_count = m_isStill ? 1 : 0; // 0: one for each processor
-    if (error >= 0)
-        error = avcodec_open2(m_codec.get(), decoder, nullptr);
+    error = m_decoder.open(stream, decoder, m_isOnePicture);
     if (error < 0)
         return fail(QStringLiteral("its pictures cannot be decoded: %1").arg(fx_FFmpegErrorText(error)));
 
     m_hasEnd = fx_HasEnd(*format);
+    m_count.begin(*format, m_stream);
+    m_damage.begin(inputName());
     m_drained = false;
+    m_hasGap = false;
     m_framesOfInput = 0;
-    m_damaged = 0;
     m_firstPts = AV_NOPTS_VALUE;
     expect(stream);
     return true;
@@ -143,11 +158,8 @@ bool CxFFmpegSource::openInput()
 
 void CxFFmpegSource::closeInput()
 {
-    if (m_damaged > 0)
-        m_warnings +=
-            QStringLiteral("%1: %2 damaged parts could not be decoded.").arg(inputName()).arg(m_damaged);
-    m_damaged = 0;
-    m_codec.reset();
+    m_damage.end();
+    m_decoder.close();
     m_format.reset();
 }
 
@@ -170,41 +182,59 @@ void CxFFmpegSource::expect(AVStream const& stream)
     }
 }
 
+/// Hands the decoder the next packet, or what is behind the last; false when stopped, or on errors that end
+/// the whole source, which are then set.
+bool CxFFmpegSource::readPacket()
+{
+    int const error = av_read_frame(m_format.get(), m_packet.get());
+    bool const isStop = error == AVERROR_EXIT || isStopped();
+    if (error == AVERROR(EAGAIN) && !isStop)
+        return true; // a device without a picture yet
+    if (error < 0 && error != AVERROR_EOF && !isStop && m_framesOfInput == 0)
+        return refuse(error);
+    if (error < 0 && !isStop)
+        endInput(error);
+    if (error >= 0 && !isStop && m_packet->stream_index == m_stream) {
+        m_count.add(*m_packet);
+        m_hasGap = m_hasGap || (m_packet->flags & AV_PKT_FLAG_CORRUPT) != 0;
+        if (m_decoder.send(m_packet.get()) < 0)
+            m_damage.addPart(m_delivered);
+    }
+    av_packet_unref(m_packet.get());
+    return !isStop;
+}
+
+/// With \p error from its reader: the decoder gives out what it holds back, and what is missing is told.
+void CxFFmpegSource::endInput(int error)
+{
+    m_drained = true;
+    m_decoder.send(nullptr);
+    int const cause = error == AVERROR_EOF && m_format->pb ? m_format->pb->error : error;
+    QString const missing = m_count.missing();
+    if (!missing.isEmpty())
+        m_damage.addCut(missing);
+    else if (cause < 0 && cause != AVERROR_EOF)
+        m_damage.addCut(QStringLiteral("reading ended early: %1").arg(fx_FFmpegErrorText(cause)));
+    else if (m_hasGap)
+        m_damage.addCut(QStringLiteral("some of its data are damaged or missing"));
+}
+
 /// The next frame of the open input in m_frame; false at its end, when stopped, or on errors that end
 /// the whole source, which are then set.
 bool CxFFmpegSource::decodeFrame()
 {
     for (;;) {
-        int error = avcodec_receive_frame(m_codec.get(), m_frame.get());
+        int const error = m_decoder.receive(*m_frame);
         if (error >= 0)
             return true;
         if (error == AVERROR_EOF)
             return false;
         if (error != AVERROR(EAGAIN))
-            ++m_damaged;
+            m_damage.addPart(m_delivered);
         if (m_drained && error != AVERROR(EAGAIN))
             return false;
-
-        error = av_read_frame(m_format.get(), m_packet.get());
-        if (error == AVERROR_EXIT || isStopped()) {
-            av_packet_unref(m_packet.get());
+        if (!readPacket())
             return false;
-        }
-        if (error == AVERROR(EAGAIN))
-            continue; // a device without a picture yet
-        if (error < 0 && error != AVERROR_EOF && m_framesOfInput == 0)
-            return fail(fx_OpenErrorText(error));
-        if (error < 0) {
-            if (error != AVERROR_EOF)
-                m_warnings += QStringLiteral("%1: reading ended early: %2.")
-                                  .arg(inputName(), fx_FFmpegErrorText(error));
-            m_drained = true;
-            avcodec_send_packet(m_codec.get(), nullptr); // what the decoder holds back comes now
-            continue;
-        }
-        if (m_packet->stream_index == m_stream && avcodec_send_packet(m_codec.get(), m_packet.get()) < 0)
-            ++m_damaged;
-        av_packet_unref(m_packet.get());
     }
 }
 
@@ -245,26 +275,32 @@ void CxFFmpegSource::applyBits(SxPicBuf& picture)
 IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
 {
     for (;;) {
-        if (isStopped())
+        if (isStopped()) {
+            m_damage.end();
             return Result::End;
+        }
         if (!m_format) {
             if (m_nextInput >= m_inputs.size())
                 return m_error.isEmpty() ? Result::End : Result::Error;
-            if (!openInput())
-                return m_error.isEmpty() ? Result::End : Result::Error;
+            if (!openInput()) {
+                if (!m_error.isEmpty())
+                    return Result::Error;
+                continue; // it was left out, or the wait for it was stopped
+            }
         }
         if (decodeFrame())
             break;
         if (!m_error.isEmpty())
             return Result::Error;
         if (isStopped())
-            return Result::End;
-        if (m_framesOfInput == 0) {
-            fail(QStringLiteral("no picture in it could be decoded"));
+            continue;
+        if (m_framesOfInput > 0)
+            closeInput();
+        else if (!leaveOut(QStringLiteral("no picture in it could be decoded")) && !m_error.isEmpty())
             return Result::Error;
-        }
-        closeInput();
     }
+    if (m_decoder.isDamaged())
+        m_damage.addPicture(m_delivered);
 
     if (!m_picture.convert(*m_frame, picture)) {
         fail(QStringLiteral("its pixel format cannot be converted"));
@@ -285,5 +321,5 @@ QStringList CxFFmpegSource::takeWarnings()
 {
     QStringList warnings;
     warnings.swap(m_warnings);
-    return warnings;
+    return m_damage.takeWarnings() + warnings;
 }

@@ -5,8 +5,11 @@
 #include <atomic>
 
 #include "FFmpegConverter.h"
+#include "FFmpegDecoder.h"
 #include "FFmpegHandles.h"
+#include "InputDamage.h"
 #include "IxPictureSource.h"
+#include "PictureCount.h"
 
 struct SxFFmpegInput;
 
@@ -20,7 +23,8 @@ struct SxFFmpegOptions
 /// Pictures from whatever FFmpeg opens, one input after the other: picture files, videos, "-" for
 /// standard input, URLs, and devices written "v4l2:/dev/video0" (any FFmpeg device before the colon).
 ///
-/// Inputs are opened when their turn comes.
+/// Inputs are opened when their turn comes. A damaged picture is delivered as far as it can be, a damaged
+/// input as far as it goes; one that nothing can be had from is left out when there are others.
 class CxFFmpegSource : public IxPictureSource
 {
 public:
@@ -36,6 +40,7 @@ public:
     bool hasEnd() const override { return m_hasEnd; }
     bool knowsSignificantBits() const override { return m_picture.knowsSignificantBits(); }
     QStringList takeWarnings() override;
+    bool isDamaged() const override { return m_damage.isAny(); }
 
     /// True when FFmpeg has a reader of that name.
     static bool hasFormat(QString const& name);
@@ -48,7 +53,11 @@ private:
     bool openFormat(SxFFmpegInput const& input);
     void closeInput();
     bool decodeFrame();
+    bool readPacket();
+    void endInput(int error);
     bool fail(QString const& cause);
+    bool leaveOut(QString const& cause);
+    bool refuse(int error);
     bool isStopped() const { return m_stop && m_stop->load(); }
     void expect(AVStream const& stream);
     quint64 timestampOf(AVFrame const& frame);
@@ -62,7 +71,9 @@ private:
 
     int m_nextInput = 0;
     FormatContextPtr m_format; ///< null between inputs
-    CodecContextPtr m_codec;
+    CxFFmpegDecoder m_decoder;
+    CxPictureCount m_count; ///< of the open input
+    CxInputDamage m_damage;
     FramePtr m_frame;
     PacketPtr m_packet;
     int m_stream = -1;
@@ -71,7 +82,7 @@ private:
     bool m_hasEnd = true;        ///< of the input opened last
     bool m_drained = false;      ///< the open input is read to its end
     int m_framesOfInput = 0;     ///< delivered from the open input
-    int m_damaged = 0;           ///< packets of the open input that could not be decoded
+    bool m_hasGap = false;       ///< the open input's reader met data that are not whole
     CxFFmpegConverter m_picture;
 
     int m_delivered = 0;

@@ -40,4 +40,8 @@ public:
 
     /// Sentences about what was left out or assumed since the last call.
     virtual QStringList takeWarnings() = 0;
+
+    /// True once something that was read was damaged or broken off; takeWarnings() says what. The picture
+    /// that it belongs to is delivered all the same when there is one.
+    virtual bool isDamaged() const = 0;
 };

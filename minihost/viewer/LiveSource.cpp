@@ -29,6 +29,7 @@ public:
     bool hasEnd() const override { return m_live.m_source->hasEnd(); }
     bool knowsSignificantBits() const override { return m_live.m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_live.m_source->takeWarnings(); }
+    bool isDamaged() const override { return m_live.m_source->isDamaged(); }
 
 private:
     static std::unique_ptr<CxImageData> copyOf(SxPicBuf const& picture)

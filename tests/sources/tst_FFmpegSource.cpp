@@ -1,10 +1,12 @@
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 
 #include "FFmpegConverter.h"
 #include "FFmpegSource.h"
 #include "PictureFormat.h"
 #include "support/PictureFiles.h"
+#include "support/VideoFile.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -31,6 +33,14 @@ private slots:
     void rawPicturesAreCopied();
     void wordFormatsKeepTheirSamples();
     void errorNamesTheFile();
+    void inputsWithoutAPictureAreLeftOutAndNamed_data();
+    void inputsWithoutAPictureAreLeftOutAndNamed();
+    void damagedJpegsAreDeliveredAndNamed_data();
+    void damagedJpegsAreDeliveredAndNamed();
+    void cutStreamsAreToldAtTheirEnd_data();
+    void cutStreamsAreToldAtTheirEnd();
+    void damagedPicturesOfAVideoAreCounted();
+    void aviWithEmptyPlacesIsWhole();
     void stopEndsTheWait();
     void devicesAreOpenedByName_data();
     void devicesAreOpenedByName();
@@ -356,13 +366,182 @@ void tst_FFmpegSource::wordFormatsKeepTheirSamples()
 void tst_FFmpegSource::errorNamesTheFile()
 {
     QVERIFY(fx_WriteFile(path("good.pgm"), fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 16, 'a'))));
-    QVERIFY(fx_WriteFile(path("bad.pgm"), "no picture at all, only words"));
-    CxFFmpegSource source({path("good.pgm"), path("bad.pgm"), path("good.pgm")}, 0, nullptr);
+    CxFFmpegSource source({path("good.pgm"), path("none.pgm"), path("good.pgm")}, 0, nullptr);
     CxOwnedPicture picture;
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Error);
-    QCOMPARE(source.errorText(), path("bad.pgm") + ": no picture in it could be decoded.");
+    QVERIFY2(source.errorText().startsWith(path("none.pgm") + ": "), qPrintable(source.errorText()));
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Error); // it stays one
+}
+
+/// A picture with edges everywhere, so that no byte of its JPEG or PNG is there for nothing.
+static QByteArray fx_CodedNoise(AVCodecID codec, AVPixelFormat format, int bytes)
+{
+    QByteArray samples;
+    for (quint16 const sample : fx_Samples(bytes, 8))
+        samples += static_cast<char>(sample);
+    return fx_CodedPicture(codec, format, 64, 48, samples);
+}
+
+static QByteArray fx_Jpeg() { return fx_CodedNoise(AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P, 64 * 48 * 3 / 2); }
+
+struct SxDelivered
+{
+    int pictures = 0;
+    QStringList warnings;
+};
+
+static SxDelivered fx_ReadAll(CxFFmpegSource& source)
+{
+    SxDelivered delivered;
+    CxOwnedPicture picture;
+    while (source.next(picture.get()) == IxPictureSource::Result::Picture) {
+        ++delivered.pictures;
+        delivered.warnings += source.takeWarnings();
+    }
+    delivered.warnings += source.takeWarnings();
+    return delivered;
+}
+
+void tst_FFmpegSource::inputsWithoutAPictureAreLeftOutAndNamed_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QByteArray const png = fx_CodedNoise(AV_CODEC_ID_PNG, AV_PIX_FMT_GRAY8, 64 * 48);
+    QTest::newRow("words") << QByteArray("no picture at all, only words");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("PNG cut off") << png.left(png.size() / 2);
+    QTest::newRow("PNG without its last byte") << png.left(png.size() - 1);
+    QTest::newRow("PGM cut off") << fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 15, 'a'));
+}
+
+void tst_FFmpegSource::inputsWithoutAPictureAreLeftOutAndNamed()
+{
+    QFETCH(QByteArray, file);
+    QVERIFY(fx_WriteFile(path("good.pgm"), fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 16, 'a'))));
+    QVERIFY(fx_WriteFile(path("bad"), file));
+    CxFFmpegSource source({path("good.pgm"), path("bad"), path("good.pgm")}, 0, nullptr);
+    SxDelivered const delivered = fx_ReadAll(source);
+    QCOMPARE(source.errorText(), QString());
+    QCOMPARE(delivered.pictures, 2);
+    QCOMPARE(delivered.warnings.size(), 1);
+    QVERIFY2(delivered.warnings[0].startsWith(path("bad") + ": "), qPrintable(delivered.warnings[0]));
+    QVERIFY2(delivered.warnings[0].endsWith("; it is left out."), qPrintable(delivered.warnings[0]));
+    QVERIFY(source.isDamaged());
+
+    CxFFmpegSource alone({path("bad")}, 0, nullptr);
+    QCOMPARE(fx_ReadAll(alone).pictures, 0);
+    QVERIFY2(alone.errorText().startsWith(path("bad") + ": "), qPrintable(alone.errorText()));
+}
+
+void tst_FFmpegSource::damagedJpegsAreDeliveredAndNamed_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QByteArray const jpeg = fx_Jpeg();
+    QTest::newRow("cut in the middle") << jpeg.left(jpeg.size() / 2);
+    QTest::newRow("without its last byte") << jpeg.left(jpeg.size() - 1);
+    QByteArray flipped = jpeg;
+    for (int i = flipped.size() / 2; i < flipped.size() / 2 + 16; ++i)
+        flipped[i] = static_cast<char>(~flipped[i] & 0x7F); // 0x7F: no markers
+    QTest::newRow("flipped bytes") << flipped;
+}
+
+void tst_FFmpegSource::damagedJpegsAreDeliveredAndNamed()
+{
+    QFETCH(QByteArray, file);
+    QVERIFY(fx_WriteFile(path("good.jpg"), fx_Jpeg()));
+    QVERIFY(fx_WriteFile(path("bad.jpg"), file));
+    CxFFmpegSource source({path("good.jpg"), path("bad.jpg"), path("good.jpg")}, 0, nullptr);
+    SxDelivered const delivered = fx_ReadAll(source);
+    QCOMPARE(source.errorText(), QString());
+    QCOMPARE(delivered.pictures, 3);
+    QCOMPARE(delivered.warnings, QStringList{path("bad.jpg") + ": picture 1 is damaged."});
+    QVERIFY(source.isDamaged());
+
+    CxFFmpegSource sound({path("good.jpg"), path("good.jpg")}, 0, nullptr);
+    QCOMPARE(fx_ReadAll(sound).warnings, QStringList());
+    QVERIFY(!sound.isDamaged());
+}
+
+static int const kVideoPictures = 60; // at 30 a second
+
+void tst_FFmpegSource::cutStreamsAreToldAtTheirEnd_data()
+{
+    QTest::addColumn<QByteArray>("muxer");
+    QTest::addColumn<int>("codec");
+    QTest::addColumn<QString>("warning");
+    QTest::newRow("Y4M") << QByteArray("yuv4mpegpipe") << int(AV_CODEC_ID_WRAPPED_AVFRAME)
+                         << "it ends in the middle of a picture.";
+    QTest::newRow("AVI") << QByteArray("avi") << int(AV_CODEC_ID_MPEG4) << "of its 60 pictures are there.";
+    QTest::newRow("AVI of JPEGs") << QByteArray("avi") << int(AV_CODEC_ID_MJPEG)
+                                  << "of its 60 pictures are there.";
+    QTest::newRow("MOV") << QByteArray("mov") << int(AV_CODEC_ID_MPEG4) << "of its 60 pictures are there.";
+    QTest::newRow("MP4") << QByteArray("mp4") << int(AV_CODEC_ID_MPEG4) << "of its 60 pictures are there.";
+    QTest::newRow("Matroska") << QByteArray("matroska") << int(AV_CODEC_ID_MPEG4) << "of 2.0 s.";
+    QTest::newRow("FLV") << QByteArray("flv") << int(AV_CODEC_ID_FLV1) << "of 2.0 s.";
+}
+
+void tst_FFmpegSource::cutStreamsAreToldAtTheirEnd()
+{
+    QFETCH(QByteArray, muxer);
+    QFETCH(int, codec);
+    QFETCH(QString, warning);
+    if (codec == AV_CODEC_ID_WRAPPED_AVFRAME) {
+        QByteArray const planes(64 * 48 * 3 / 2, char(128));
+        QVERIFY(fx_WriteFile(path("whole"), fx_Y4mFile(64, 48, "420jpeg", planes, 60)));
+    } else {
+        QVERIFY(fx_WriteVideo(path("whole"), muxer.constData(), AVCodecID(codec), 60));
+    }
+    CxFFmpegSource whole({path("whole")}, 0, nullptr);
+    SxDelivered const all = fx_ReadAll(whole);
+    QCOMPARE(all.pictures, 60);
+    QCOMPARE(all.warnings, QStringList());
+    QVERIFY(!whole.isDamaged());
+
+    QFile file(path("whole"));
+    QVERIFY(file.resize(file.size() * 6 / 10));
+    CxFFmpegSource cut({path("whole")}, 0, nullptr);
+    SxDelivered const some = fx_ReadAll(cut);
+    QCOMPARE(cut.errorText(), QString());
+    QVERIFY2(some.pictures > 20 && some.pictures < 60, qPrintable(QString::number(some.pictures)));
+    QVERIFY(!some.warnings.isEmpty());
+    QVERIFY2(some.warnings.last().endsWith(warning), qPrintable(some.warnings.join(' ')));
+    QVERIFY(cut.isDamaged());
+}
+
+/// An AVI's header counts the places that hold no picture, too.
+void tst_FFmpegSource::aviWithEmptyPlacesIsWhole()
+{
+    QVERIFY(fx_WriteVideo(path("v.avi"), "avi", AV_CODEC_ID_MPEG4, 20, 3));
+    CxFFmpegSource source({path("v.avi")}, 0, nullptr);
+    SxDelivered const delivered = fx_ReadAll(source);
+    QCOMPARE(delivered.pictures, 20);
+    QCOMPARE(delivered.warnings, QStringList());
+    QVERIFY(!source.isDamaged());
+}
+
+void tst_FFmpegSource::damagedPicturesOfAVideoAreCounted()
+{
+    QVERIFY(fx_WriteVideo(path("v.avi"), "avi", AV_CODEC_ID_MJPEG, 10));
+    QByteArray file = fx_FileBytes(path("v.avi"));
+    int at = static_cast<int>(file.indexOf("movi"));
+    for (int number = 0; number < 8; ++number) {
+        at = static_cast<int>(file.indexOf("00dc", at)); // the chunk of a picture: name, size, bytes
+        QVERIFY(at > 0);
+        int const size = static_cast<int>(qFromLittleEndian<quint32>(file.constData() + at + 4));
+        at += 8;
+        if (number == 3 || number == 4 ||
+            number == 7) // ends too early: the end marker, and nothing behind it
+            file.replace(at + size * 3 / 4, size / 4, "\xFF\xD9" + QByteArray(size / 4 - 2, '\0'));
+        at += size;
+    }
+    QVERIFY(fx_WriteFile(path("v.avi"), file));
+    CxFFmpegSource source({path("v.avi")}, 0, nullptr);
+    SxDelivered const delivered = fx_ReadAll(source);
+    QCOMPARE(delivered.pictures, 10);
+    QCOMPARE(delivered.warnings,
+             (QStringList{path("v.avi") + ": picture 3 is damaged.",
+                          path("v.avi") + ": 3 pictures are damaged, the first is 3, the last 7."}));
+    QVERIFY(source.isDamaged());
 }
 
 void tst_FFmpegSource::stopEndsTheWait()

@@ -38,6 +38,7 @@ public:
     bool hasEnd() const override { return false; }
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
+    bool isDamaged() const override { return false; }
 
 private:
     template<class Sample>
