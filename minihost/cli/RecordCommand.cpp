@@ -170,6 +170,8 @@ int fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summa
     case RecordFailure::None:
         break;
     }
+    if (summary.isSourceDamaged)
+        return kBadInput; // what was good is written
     return arguments.isStrict && !summary.skipped.isEmpty() ? kNotWhole : kDone;
 }
 

@@ -69,6 +69,7 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         {QStringLiteral("msPerPicture"), fx_MsPerPicture(summary.elapsedNs, summary.given)},
         {QStringLiteral("encodingMsPerPicture"), fx_MsPerPicture(summary.savingNs, summary.given)},
         {QStringLiteral("stopped"), summary.wasStopped},
+        {QStringLiteral("sourceDamaged"), summary.isSourceDamaged},
         {QStringLiteral("interrupted"), fx_IsInterrupted(summary)},
         {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)},
         {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},

@@ -351,5 +351,6 @@ SxRecordSummary fx_Record(IxPictureSource& source, SxRecordRequest const& reques
 {
     SxRecordSummary summary;
     CxRecording(source, request, summary).run(progress);
+    summary.isSourceDamaged = source.isDamaged();
     return summary;
 }

@@ -34,19 +34,20 @@ struct SxRecordSummary
 {
     QString error; ///< one sentence, or empty when nothing failed
     RecordFailure failure = RecordFailure::None;
-    bool wasStopped = false;   ///< the stop flag ended it
-    bool isCutShort = false;   ///< so pictures are missing that were asked for
-    int expected = -1;         ///< pictures that were to come, as far as known by now; else -1
-    int given = 0;             ///< pictures handed to the saver
-    int coded = 0;             ///< of these, how many the file holds completely
-    QVector<int> skipped;      ///< numbers, from 0, of those that the encoder left out without an error
-    qint64 bytes = 0;          ///< in the file, or that a pipe or device took
-    qint64 elapsedNs = 0;      ///< from the first picture asked for to the file closed
-    qint64 savingNs = 0;       ///< of that, inside the saver
-    SxPicBufInfo input;        ///< format of the first picture
-    quint32 savedWidth = 0;    ///< size in the file; the encoder shrinks what is odd or too
-    quint32 savedHeight = 0;   ///< large for its level
-    QString level;             ///< at the end, as the file names it, which may be another than asked for
+    bool wasStopped = false;      ///< the stop flag ended it
+    bool isCutShort = false;      ///< so pictures are missing that were asked for
+    bool isSourceDamaged = false; ///< so not every picture is what it was, or all there
+    int expected = -1;            ///< pictures that were to come, as far as known by now; else -1
+    int given = 0;                ///< pictures handed to the saver
+    int coded = 0;                ///< of these, how many the file holds completely
+    QVector<int> skipped;         ///< numbers, from 0, of those that the encoder left out without an error
+    qint64 bytes = 0;             ///< in the file, or that a pipe or device took
+    qint64 elapsedNs = 0;         ///< from the first picture asked for to the file closed
+    qint64 savingNs = 0;          ///< of that, inside the saver
+    SxPicBufInfo input;           ///< format of the first picture
+    quint32 savedWidth = 0;       ///< size in the file; the encoder shrinks what is odd or too
+    quint32 savedHeight = 0;      ///< large for its level
+    QString level;                ///< at the end, as the file names it, which may be another than asked for
     quint32 highestSample = 0; ///< of word pictures whose source does not know their significant bits; else 0
 };
 

@@ -80,7 +80,7 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
         parts.append(tr("Saving to “%1” failed.").arg(name));
     else if (summary.wasStopped)
         parts.append(tr("Stopped: “%1” holds what was saved until then.").arg(name));
-    else if (!broken.isEmpty() || !summary.skipped.isEmpty())
+    else if (summary.isSourceDamaged || !summary.skipped.isEmpty())
         parts.append(tr("“%1” is saved, but not with every picture.").arg(name));
     else
         parts.append(tr("“%1” is complete.").arg(name));
@@ -96,11 +96,13 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
     QString const skipped = CxRecordTexts::skipped(encoder, summary);
     QString const shrunk =
         CxRecordTexts::shrunk(summary.input, summary.savedWidth, summary.savedHeight, encoder.level);
-    for (QString const& text : {skipped, shrunk}) {
+    // A recording's broken pictures are counted above.
+    QString const damage = broken.isEmpty() ? CxRecordTexts::sourceDamage(summary) : QString();
+    for (QString const& text : {damage, skipped, shrunk}) {
         if (!text.isEmpty())
             parts.append(text);
     }
-    bool const isWhole = !failed && broken.isEmpty() && skipped.isEmpty();
+    bool const isWhole = !failed && !summary.isSourceDamaged && skipped.isEmpty();
     m_messages.showMessage(isWhole ? CxMessageBar::Kind::Information : CxMessageBar::Kind::Warning,
                            parts.join(QLatin1Char(' ')), failed ? QStringList{summary.error} : QStringList());
     if (summary.coded > 0)

@@ -25,6 +25,13 @@ QString CxRecordTexts::skipped(SxEncoderOptions const& used, SxRecordSummary con
            tr("Not even the highest quality keeps them all; fewer key frames or smaller pictures may.");
 }
 
+QString CxRecordTexts::sourceDamage(SxRecordSummary const& summary)
+{
+    return summary.isSourceDamaged ? tr("The source is damaged or broken off: some of its pictures are "
+                                        "missing or not as they were.")
+                                   : QString();
+}
+
 QString CxRecordTexts::shrunk(SxPicBufInfo const& input, quint32 width, quint32 height, int level)
 {
     if (width == input.width && height == input.height)

@@ -14,6 +14,9 @@ public:
     /// How many pictures the encoder has left out and what would keep them; empty when it left out none.
     static QString skipped(SxEncoderOptions const& used, SxRecordSummary const& summary);
 
+    /// That the source was not whole; empty when nothing speaks against it.
+    static QString sourceDamage(SxRecordSummary const& summary);
+
     /// That pictures like \p input are saved with \p width x \p height pixels and why; empty when they are
     /// not.
     static QString shrunk(SxPicBufInfo const& input, quint32 width, quint32 height, int level);

@@ -39,6 +39,8 @@ private slots:
     void inputOptionsThatFitNothingAreNamed();
     void framesEndsARecordingEarly();
     void picturesOfAnotherSizeEndTheRecording();
+    void damagedSourceIsRecordedAndEndsWithExitCodeFour_data();
+    void damagedSourceIsRecordedAndEndsWithExitCodeFour();
     void unreadableSourceLeavesNoOutput_data();
     void unreadableSourceLeavesNoOutput();
     void tooSmallPicturesLeaveNoOutput();
@@ -341,6 +343,28 @@ void tst_RecordCommand::picturesOfAnotherSizeEndTheRecording()
     QVERIFY2(run.err.contains("Picture 1 has 48 x 64 pixels, those before it 64 x 48"), run.err);
     QString error;
     QCOMPARE(fx_DecodeH264File(path("out.h264"), error).size(), size_t{1});
+}
+
+void tst_RecordCommand::damagedSourceIsRecordedAndEndsWithExitCodeFour_data()
+{
+    QTest::addColumn<int>("lost");
+    QTest::newRow("whole") << 0;
+    QTest::newRow("cut in the middle of a picture") << 1000;
+}
+
+void tst_RecordCommand::damagedSourceIsRecordedAndEndsWithExitCodeFour()
+{
+    QFETCH(int, lost);
+    bool const isWhole = lost == 0;
+    QByteArray stream = fx_Y4mFile(64, 48, "420jpeg", QByteArray(64 * 48 * 3 / 2, char(128)), 4);
+    stream.chop(lost);
+    SxMinihostRun const run = fx_RunMinihost({"record", "-", path("out.h264"), "--json"}, stream);
+    QCOMPARE(run.exitCode, isWhole ? 0 : 4);
+    QCOMPARE(run.json().value("sourceDamaged").toBool(isWhole), !isWhole);
+    QCOMPARE(run.json().value("warnings").toArray().size(), isWhole ? 0 : 1);
+    QVERIFY(isWhole || run.err.contains("warning: standard input: it ends in the middle of a picture."));
+    QCOMPARE(fx_RunMinihost({"info", "--json", path("out.h264")}).json().value("frames").toInt(),
+             isWhole ? 4 : 3);
 }
 
 void tst_RecordCommand::unreadableSourceLeavesNoOutput_data()

@@ -523,6 +523,10 @@
         </translation>
     </message>
     <message>
+        <source>The source is damaged or broken off: some of its pictures are missing or not as they were.</source>
+        <translation>Die Quelle ist beschädigt oder abgebrochen: Einige ihrer Bilder fehlen oder sind nicht, wie sie waren.</translation>
+    </message>
+    <message>
         <source>Quality %1 probably keeps them all.</source>
         <translation>Qualität %1 behält wahrscheinlich alle.</translation>
     </message>
