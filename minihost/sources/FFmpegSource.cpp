@@ -5,6 +5,7 @@
 #include "FFmpegInput.h"
 #include "PictureFormat.h"
 #include "PictureRate.h"
+#include "PnmMaxval.h"
 
 extern "C" {
 #include <libavdevice/avdevice.h>
@@ -182,6 +183,12 @@ void CxFFmpegSource::expect(AVStream const& stream)
     }
 }
 
+static bool fx_IsPnm(AVStream const& stream)
+{
+    AVCodecID const codec = stream.codecpar->codec_id;
+    return codec == AV_CODEC_ID_PGM || codec == AV_CODEC_ID_PPM || codec == AV_CODEC_ID_PAM;
+}
+
 /// Hands the decoder the next packet, or what is behind the last; false when stopped, or on errors that end
 /// the whole source, which are then set.
 bool CxFFmpegSource::readPacket()
@@ -196,6 +203,7 @@ bool CxFFmpegSource::readPacket()
         endInput(error);
     if (error >= 0 && !isStop && m_packet->stream_index == m_stream) {
         m_count.add(*m_packet);
+        m_maxval = fx_IsPnm(*m_format->streams[m_stream]) ? fx_PnmMaxval(m_packet->data, m_packet->size) : 0;
         m_hasGap = m_hasGap || (m_packet->flags & AV_PKT_FLAG_CORRUPT) != 0;
         if (m_decoder.send(m_packet.get()) < 0)
             m_damage.addPart(m_delivered);
@@ -258,11 +266,17 @@ quint64 CxFFmpegSource::timestampOf(AVFrame const& frame)
     return m_delivered > 0 && time <= m_lastTime ? m_lastTime + 1000 : time;
 }
 
+bool CxFFmpegSource::knowsSignificantBits() const
+{
+    // 65535 is what programs write that only know of words.
+    return m_picture.knowsSignificantBits() || (m_maxval > 0 && m_maxval < 65535);
+}
+
 void CxFFmpegSource::applyBits(SxPicBuf& picture)
 {
     if (m_bits == 0)
         return;
-    if (fx_IsWordFormat(picture) && !m_picture.knowsSignificantBits()) {
+    if (fx_IsWordFormat(picture) && !knowsSignificantBits()) {
         picture.bitsPerSample = static_cast<quint32>(m_bits);
     } else if (!m_saidBitsIgnored) {
         m_warnings += QStringLiteral("%1: the samples are known to have %2 bits; --bits is not needed.")
@@ -306,6 +320,7 @@ IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
         fail(QStringLiteral("its pixel format cannot be converted"));
         return Result::Error;
     }
+    fx_RestorePnmWords(picture, m_maxval);
     applyBits(picture);
     picture.timestamp = timestampOf(*m_frame);
     m_lastTime = picture.timestamp;

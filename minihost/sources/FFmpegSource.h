@@ -38,7 +38,7 @@ public:
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_expected; }
     bool hasEnd() const override { return m_hasEnd; }
-    bool knowsSignificantBits() const override { return m_picture.knowsSignificantBits(); }
+    bool knowsSignificantBits() const override;
     QStringList takeWarnings() override;
     bool isDamaged() const override { return m_damage.isAny(); }
 
@@ -83,6 +83,7 @@ private:
     bool m_drained = false;      ///< the open input is read to its end
     int m_framesOfInput = 0;     ///< delivered from the open input
     bool m_hasGap = false;       ///< the open input's reader met data that are not whole
+    int m_maxval = 0;            ///< of the last packet, when it was a picture file that says it; else 0
     CxFFmpegConverter m_picture;
 
     int m_delivered = 0;

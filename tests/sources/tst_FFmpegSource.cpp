@@ -27,6 +27,8 @@ private slots:
     void deepVideoStaysDeep();
     void bitsAreTheUsersWhereTheFileIsSilent();
     void bitsThatTheFileKnowsStay();
+    void pnmFilesKnowTheirBits_data();
+    void pnmFilesKnowTheirBits();
     void filesFollowEachOther();
     void timestampsAreThoseOfTheVideo();
     void rawPicturesAreCopied_data();
@@ -249,6 +251,63 @@ void tst_FFmpegSource::bitsThatTheFileKnowsStay()
     QCOMPARE(warnings.size(), 1);
     QVERIFY(warnings[0].contains("8 bits"));
     QCOMPARE(source.takeWarnings(), QStringList());
+}
+
+void tst_FFmpegSource::pnmFilesKnowTheirBits_data()
+{
+    QTest::addColumn<QByteArray>("magic");
+    QTest::addColumn<int>("maxval");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<bool>("isKnown");
+    struct
+    {
+        int maxval, bits;
+    } const depths[] = {{511, 9}, {1023, 10}, {4095, 12}, {16383, 14}, {32767, 15}, {65535, 16}, {1000, 16}};
+    for (QByteArray const magic : {"P2", "P3", "P5", "P6", "P7"}) {
+        for (auto const& depth : depths)
+            QTest::newRow(magic + ' ' + QByteArray::number(depth.maxval))
+                << magic << depth.maxval << depth.bits << (depth.maxval != 65535);
+    }
+}
+
+void tst_FFmpegSource::pnmFilesKnowTheirBits()
+{
+    QFETCH(QByteArray, magic);
+    QFETCH(int, maxval);
+    QFETCH(int, bits);
+    QFETCH(bool, isKnown);
+    bool const isColour = magic == "P3" || magic == "P6";
+    bool const isText = magic == "P2" || magic == "P3";
+    int const components = isColour ? 3 : 1;
+    QVector<quint16> samples{0, 1, static_cast<quint16>(maxval)};
+    for (quint16 const sample : fx_Samples(kWidth * kHeight * components - 3, 16))
+        samples += static_cast<quint16>(sample % (maxval + 1));
+    QByteArray const most = QByteArray::number(maxval);
+    QByteArray file =
+        magic == "P7" ? "P7\nWIDTH 19\nHEIGHT 5\nDEPTH 1\nMAXVAL " + most + "\nTUPLTYPE GRAYSCALE\nENDHDR\n"
+                      : magic + "\n# 255 by 255\n19 5\n" + most + '\n';
+    for (quint16 const sample : samples)
+        file += isText ? QByteArray::number(sample) + '\n' : fx_Stored({sample}, 2, true);
+    QString const name = path(magic == "P7" ? "picture.pam" : "picture"); // PAM is known by its name only
+    QVERIFY(fx_WriteFile(name, file));
+
+    for (int const asked : {0, 12}) {
+        CxFFmpegSource source({name}, asked, nullptr);
+        CxOwnedPicture picture;
+        QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture,
+                 qPrintable(source.errorText()));
+        QCOMPARE(source.knowsSignificantBits(), isKnown);
+        QCOMPARE(picture.get().bitsPerSample, static_cast<quint32>(isKnown || asked == 0 ? bits : asked));
+        QVector<quint16> actual = fx_SamplesOf(picture.get());
+        for (int i = 0; isColour && i < actual.size(); i += 3)
+            std::swap(actual[i], actual[i + 2]);
+        if (bits < 16 || !isKnown) {
+            QCOMPARE(actual, samples);
+        } else { // no power of two: white is white
+            QCOMPARE(actual[0], quint16{0});
+            QCOMPARE(actual[2], quint16{65535});
+        }
+    }
 }
 
 void tst_FFmpegSource::filesFollowEachOther()
