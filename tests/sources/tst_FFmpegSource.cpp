@@ -2,15 +2,10 @@
 #include <QtEndian>
 #include <QtTest>
 
-#include "FFmpegConverter.h"
 #include "FFmpegSource.h"
 #include "PictureFormat.h"
 #include "support/PictureFiles.h"
 #include "support/VideoFile.h"
-
-extern "C" {
-#include <libavutil/pixdesc.h>
-}
 
 /// Pictures through FFmpeg: every sample where it belongs, at the depth that the file has.
 class tst_FFmpegSource : public QObject
@@ -22,9 +17,6 @@ private slots:
     void samplesAreExact_data();
     void samplesAreExact();
     void lossyPicturesComeClose();
-    void videoColoursComeClose_data();
-    void videoColoursComeClose();
-    void deepVideoStaysDeep();
     void bitsAreTheUsersWhereTheFileIsSilent();
     void bitsThatTheFileKnowsStay();
     void pnmFilesKnowTheirBits_data();
@@ -33,7 +25,6 @@ private slots:
     void timestampsAreThoseOfTheVideo();
     void rawPicturesAreCopied_data();
     void rawPicturesAreCopied();
-    void wordFormatsKeepTheirSamples();
     void errorNamesTheFile();
     void inputsWithoutAPictureAreLeftOutAndNamed_data();
     void inputsWithoutAPictureAreLeftOutAndNamed();
@@ -176,56 +167,6 @@ void tst_FFmpegSource::lossyPicturesComeClose()
     QCOMPARE(picture.get().bitsPerSample, 8U);
     for (int i = 0; i < 3; ++i)
         QVERIFY(std::abs(picture.get().data[i] - 250) <= 2);
-}
-
-void tst_FFmpegSource::videoColoursComeClose_data()
-{
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("height");
-    QTest::addColumn<QVector<int>>("yuv");
-    QTest::addColumn<QVector<int>>("bgr");
-    // Limited range; ITU-R BT.601 in small pictures, BT.709 from high definition on.
-    QTest::newRow("black") << 64 << 48 << QVector<int>{16, 128, 128} << QVector<int>{0, 0, 0};
-    QTest::newRow("white") << 64 << 48 << QVector<int>{235, 128, 128} << QVector<int>{255, 255, 255};
-    QTest::newRow("red, 601") << 64 << 48 << QVector<int>{81, 90, 240} << QVector<int>{0, 0, 254};
-    QTest::newRow("red, 709") << 1280 << 720 << QVector<int>{63, 102, 240} << QVector<int>{0, 1, 255};
-    QTest::newRow("blue, 709") << 1280 << 720 << QVector<int>{32, 240, 118} << QVector<int>{255, 0, 0};
-}
-
-void tst_FFmpegSource::videoColoursComeClose()
-{
-    QFETCH(int, width);
-    QFETCH(int, height);
-    QFETCH(QVector<int>, yuv);
-    QFETCH(QVector<int>, bgr);
-    QByteArray planes(width * height, char(yuv[0]));
-    planes += QByteArray(width * height / 4, char(yuv[1])) + QByteArray(width * height / 4, char(yuv[2]));
-    QVERIFY(fx_WriteFile(path("v.y4m"), fx_Y4mFile(width, height, "420jpeg", planes, 1)));
-    CxFFmpegSource source({path("v.y4m")}, 0, nullptr);
-    CxOwnedPicture picture;
-    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
-    for (int i = 0; i < 3; ++i)
-        QVERIFY2(std::abs(picture.get().data[i] - bgr[i]) <= 3,
-                 qPrintable(QString::number(picture.get().data[i])));
-}
-
-void tst_FFmpegSource::deepVideoStaysDeep()
-{
-    QByteArray planes;
-    for (int i = 0; i < 64 * 48; ++i) // luma 64 to 940 is black to white in 10 bits
-        planes += fx_Stored({static_cast<quint16>(i % 64 < 32 ? 502 : 503)}, 2, false);
-    for (int i = 0; i < 64 * 48 / 2; ++i)
-        planes += fx_Stored({512}, 2, false);
-    QVERIFY(fx_WriteFile(path("v.y4m"), fx_Y4mFile(64, 48, "420p10", planes, 1)));
-    CxFFmpegSource source({path("v.y4m")}, 0, nullptr);
-    CxOwnedPicture picture;
-    QVERIFY2(source.next(picture.get()) == IxPictureSource::Result::Picture, qPrintable(source.errorText()));
-    QVERIFY(fx_IsWordFormat(picture.get()));
-    QCOMPARE(picture.get().bitsPerSample, 16U);
-    QVERIFY(source.knowsSignificantBits());
-    QVector<quint16> const samples = fx_SamplesOf(picture.get());
-    QVERIFY(std::abs(samples[0] - 32768) < 256);
-    QVERIFY(samples[40 * 3] > samples[0]); // a step that 8 bits would have lost
 }
 
 void tst_FFmpegSource::bitsAreTheUsersWhereTheFileIsSilent()
@@ -376,50 +317,6 @@ void tst_FFmpegSource::rawPicturesAreCopied()
         QCOMPARE(fx_SamplesOf(picture.get()), samples);
     }
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
-}
-
-/// Every format of FFmpeg's that is copied as words, against FFmpeg's own way to read a sample.
-void tst_FFmpegSource::wordFormatsKeepTheirSamples()
-{
-    unsigned const odd = AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_HWACCEL |
-                         AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT;
-    int formats = 0;
-    for (AVPixFmtDescriptor const* format = av_pix_fmt_desc_next(nullptr); format != nullptr;
-         format = av_pix_fmt_desc_next(format)) {
-        bool const isGrey = format->nb_components <= 2;
-        bool const isColour = (format->flags & AV_PIX_FMT_FLAG_RGB) != 0;
-        if ((!isGrey && !isColour) || (format->flags & odd) != 0 || format->comp[0].depth < 9 ||
-            format->comp[0].depth > 16)
-            continue;
-        std::unique_ptr<AVFrame, SxFFmpegDeleter> const frame(av_frame_alloc());
-        frame->width = kWidth;
-        frame->height = kHeight;
-        frame->format = av_pix_fmt_desc_get_id(format);
-        QCOMPARE(av_frame_get_buffer(frame.get(), 0), 0);
-        for (AVBufferRef const* buffer : frame->buf) {
-            for (size_t i = 0; buffer != nullptr && i < buffer->size; ++i)
-                buffer->data[i] = static_cast<uint8_t>(i * 197 + i / 251);
-        }
-        CxOwnedPicture picture;
-        QVERIFY2(CxFFmpegConverter().convert(*frame, picture.get()), format->name);
-
-        QVector<quint16> expected(static_cast<int>(picture.get().components) * kWidth * kHeight);
-        std::vector<quint16> row(size_t{kWidth});
-        uint8_t const* planes[4] = {frame->data[0], frame->data[1], frame->data[2], frame->data[3]};
-        int const components = static_cast<int>(picture.get().components);
-        for (int y = 0; y < kHeight; ++y) {
-            for (int c = 0; c < components; ++c) {
-                int const component = components == 1 ? 0 : c == 3 ? 3 : 2 - c;
-                av_read_image_line2(row.data(), planes, frame->linesize, format, 0, y, component, kWidth, 0,
-                                    2);
-                for (int x = 0; x < kWidth; ++x)
-                    expected[(y * kWidth + x) * components + c] = row[static_cast<size_t>(x)];
-            }
-        }
-        QVERIFY2(fx_SamplesOf(picture.get()) == expected, format->name);
-        ++formats;
-    }
-    QVERIFY(formats >= 20);
 }
 
 void tst_FFmpegSource::errorNamesTheFile()
