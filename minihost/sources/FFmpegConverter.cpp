@@ -89,10 +89,10 @@ bool CxFFmpegConverter::scaleInto(AVFrame const& frame, AVPixelFormat target, Sx
 {
     auto const source = static_cast<AVPixelFormat>(frame.format);
     AVPixFmtDescriptor const& format = *av_pix_fmt_desc_get(source);
-    // The plain path keeps 8-bit chroma samples as they are, which is what the encoder's conversion
-    // picks again; only deeper samples need the exact one.
+    // Each chroma sample stands for its pixels as it is, never mixed with its neighbours: the encoder's
+    // conversion picks it again. 8 bits have a plain path that does so, deeper ones need the exact one.
     int const flags =
-        format.comp[0].depth > 8 ? SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT : SWS_BILINEAR;
+        format.comp[0].depth > 8 ? SWS_POINT | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT : SWS_BILINEAR;
     m_scaler.reset(sws_getCachedContext(m_scaler.release(), frame.width, frame.height, source, frame.width,
                                         frame.height, target, flags, nullptr, nullptr, nullptr));
     if (!m_scaler)

@@ -20,6 +20,8 @@ private slots:
     void videoColoursFollowTheirMatrix_data();
     void videoColoursFollowTheirMatrix();
     void deepVideoStaysDeep();
+    void deepVideoKeepsItsColourEdges_data();
+    void deepVideoKeepsItsColourEdges();
 };
 
 static int const kWidth = 19; // no multiple of anything, so that rows have gaps
@@ -156,6 +158,74 @@ void tst_FFmpegConverter::deepVideoStaysDeep()
     QVector<quint16> const samples = fx_SamplesOf(picture.get());
     QVERIFY(std::abs(samples[0] - 32768) < 256);
     QVERIFY(samples[40 * 3] > samples[0]); // a step that 8 bits would have lost
+}
+
+static int const kSide = 96; // of a picture with colour edges
+
+/// Blocks of two colours of one brightness, in 8-bit steps.
+static int fx_EdgeChroma(int component, int x, int y)
+{
+    bool const isOne = ((x / 3 + y / 5) & 1) != 0;
+    return isOne ? (component == 1 ? 90 : 180) : (component == 1 ? 170 : 80);
+}
+
+/// How well chroma survives the way to red, green and blue and back, in dB: ITU-R BT.601, limited range, the
+/// left pixel of each pair on even rows, which is what the encoder's conversion picks.
+static double fx_ChromaPsnr(SxPicBuf const& picture)
+{
+    double squares = 0;
+    for (int y = 0; y < kSide; y += 2) {
+        for (int x = 0; x < kSide; x += 2) {
+            double bgr[3];
+            for (int c = 0; c < 3; ++c) {
+                uchar const* const row = picture.data + static_cast<size_t>(y) * picture.pitch;
+                size_t const i = static_cast<size_t>(x) * picture.components + static_cast<size_t>(c);
+                bgr[c] =
+                    fx_IsWordFormat(picture) ? reinterpret_cast<quint16 const*>(row)[i] / 257.0 : row[i];
+            }
+            double const luma = 0.299 * bgr[2] + 0.587 * bgr[1] + 0.114 * bgr[0];
+            double const u = (bgr[0] - luma) / 1.772 * 224 / 255 + 128;
+            double const v = (bgr[2] - luma) / 1.402 * 224 / 255 + 128;
+            squares += std::pow(u - fx_EdgeChroma(1, x / 2, y / 2), 2) +
+                       std::pow(v - fx_EdgeChroma(2, x / 2, y / 2), 2);
+        }
+    }
+    return 10 * std::log10(255.0 * 255.0 / (squares / (kSide * kSide / 2)));
+}
+
+static double fx_ChromaPsnr(AVPixelFormat pixelFormat)
+{
+    AVPixFmtDescriptor const& format = *av_pix_fmt_desc_get(pixelFormat);
+    FramePtr const frame = fx_Frame(pixelFormat, kSide, kSide);
+    if (!frame)
+        return 0;
+    int const shift = format.comp[0].depth - 8;
+    fx_FillPlane(*frame, 0, [=](int, int) { return 126 << shift; });
+    for (int const c : {1, 2}) {
+        fx_FillPlane(*frame, c, [&](int x, int y) {
+            return fx_EdgeChroma(c, x >> (1 - format.log2_chroma_w), y >> (1 - format.log2_chroma_h))
+                   << shift;
+        });
+    }
+    CxOwnedPicture picture;
+    return CxFFmpegConverter().convert(*frame, picture.get()) ? fx_ChromaPsnr(picture.get()) : 0;
+}
+
+void tst_FFmpegConverter::deepVideoKeepsItsColourEdges_data()
+{
+    QTest::addColumn<int>("format");
+    for (AVPixelFormat const format : {AV_PIX_FMT_YUV420P10, AV_PIX_FMT_YUV420P12, AV_PIX_FMT_P010,
+                                       AV_PIX_FMT_YUV422P10, AV_PIX_FMT_YUV422P12, AV_PIX_FMT_YUV444P10})
+        QTest::newRow(av_get_pix_fmt_name(format)) << int(format);
+}
+
+void tst_FFmpegConverter::deepVideoKeepsItsColourEdges()
+{
+    QFETCH(int, format);
+    double const deep = fx_ChromaPsnr(AVPixelFormat(format));
+    double const eight = fx_ChromaPsnr(AV_PIX_FMT_YUV420P);
+    QVERIFY2(eight > 45, qPrintable(QStringLiteral("8 bits: %1 dB").arg(eight)));
+    QVERIFY2(deep > eight - 0.5, qPrintable(QStringLiteral("%1 dB against %2").arg(deep).arg(eight)));
 }
 
 QTEST_GUILESS_MAIN(tst_FFmpegConverter)
