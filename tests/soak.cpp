@@ -1,5 +1,5 @@
-// Records, opens, scrubs and closes with random options for as long as it is told, in one process, and fails when
-// that holds more and more memory, files or threads: soak [SECONDS [SEED]].
+// Records, opens, scrubs and closes with random options for as long as it is told, in one process, and fails
+// when that holds more and more memory, files or threads: soak [SECONDS [SEED]].
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -21,8 +21,8 @@
 #include "support/TestPicture.h"
 
 static constexpr unsigned kFourCC = 0x34363248;
-static constexpr int kLines = 10;               ///< figures printed, over the whole time
-static constexpr std::size_t kHeapSlack = 256 << 10; ///< bytes more than after the warm-up
+static constexpr int kLines = 10;                        ///< figures printed, over the whole time
+static constexpr std::size_t kHeapSlack = 256 << 10;     ///< bytes more than after the warm-up
 static constexpr std::size_t kResidentSlack = 24 * kMiB; ///< the allocator's own: pictures differ in size
 
 namespace {
@@ -89,7 +89,8 @@ static SxFigures fx_Figures()
 template<typename Interface>
 static std::unique_ptr<Interface> fx_New(char const* interfaceName)
 {
-    QObject* const object = fx_RegisteredClasses(QLatin1String(interfaceName)).first().metaObject->newInstance();
+    QObject* const object =
+        fx_RegisteredClasses(QLatin1String(interfaceName)).first().metaObject->newInstance();
     return std::unique_ptr<Interface>(static_cast<Interface*>(object->qt_metacast(interfaceName)));
 }
 
@@ -129,7 +130,8 @@ void CxSoak::play()
     int const count = loader->sequenceSize();
     bool const isScrubbing = below(2) == 0;
     for (int i = 0, wanted = below(2 * count + 1); i < wanted; ++i) {
-        std::unique_ptr<IxChainData> const picture(loader->loadedData(isScrubbing ? below(count) : i % count));
+        std::unique_ptr<IxChainData> const picture(
+            loader->loadedData(isScrubbing ? below(count) : i % count));
         decoded += picture ? 1 : 0;
         faults += picture ? 0 : 1;
     }
@@ -161,7 +163,8 @@ static bool fx_IsFlat(SxFigures const& before, SxFigures const& now)
            now.files == before.files && now.threads == before.threads;
 }
 
-/// Runs rounds for some seconds, a fifth of them to warm up. \return whether all stayed flat and nothing failed.
+/// Runs rounds for some seconds, a fifth of them to warm up. \return whether all stayed flat and nothing
+/// failed.
 static bool fx_Soak(int seconds, unsigned seed, QString const& folder)
 {
     CxSoak soak(folder, seed);
@@ -170,8 +173,8 @@ static bool fx_Soak(int seconds, unsigned seed, QString const& folder)
     soak.showPanel(); // fonts and the like are loaded once
     QElapsedTimer time;
     time.start();
-    std::printf("%8s %8s %9s %9s %10s %10s %6s %8s\n", "seconds", "rounds", "saved", "decoded", "RSS kB", "heap kB",
-                "files", "threads");
+    std::printf("%8s %8s %9s %9s %10s %10s %6s %8s\n", "seconds", "rounds", "saved", "decoded", "RSS kB",
+                "heap kB", "files", "threads");
     for (int line = 1; line <= kLines; ++line) {
         do
             soak.round();
@@ -187,9 +190,10 @@ static bool fx_Soak(int seconds, unsigned seed, QString const& folder)
     if (soak.faults > 0)
         std::printf("%d pictures failed.\n", soak.faults);
     if (!isFlat)
-        std::printf("Not flat: more than %zu kB of heap or %zu kB of memory above the second line, or other files or "
-                    "threads.\n",
-                    kHeapSlack / 1024, kResidentSlack / 1024);
+        std::printf(
+            "Not flat: more than %zu kB of heap or %zu kB of memory above the second line, or other files or "
+            "threads.\n",
+            kHeapSlack / 1024, kResidentSlack / 1024);
     return isFlat && soak.faults == 0;
 }
 

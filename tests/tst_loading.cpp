@@ -62,9 +62,8 @@ static bool fx_Use(QString const& fileName)
 
 static int fx_Entries(char const* folder)
 {
-    return QDir(QLatin1String(folder))
-        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-        .size();
+    return static_cast<int>(
+        QDir(QLatin1String(folder)).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
 }
 
 /// Qt keeps a plug-in's code in memory unless it is told not to; the second way is the harder one.

@@ -125,7 +125,7 @@ void tst_H264VideoSaverDisk::recordIntoTheFullFile(CxH264VideoSaver& saver)
 
 void tst_H264VideoSaverDisk::fileStopsAtTheSizeLimitAndPlays()
 {
-    int const limit = m_sequence.bytes().size() / 2 + 1; // within a frame
+    int const limit = static_cast<int>(m_sequence.bytes().size()) / 2 + 1; // within a frame
     {
         CxLimit const size(RLIMIT_FSIZE, static_cast<rlim_t>(limit));
         QVERIFY(size.isSet());
