@@ -121,7 +121,9 @@ QVector<SxOption> fx_Options()
         {"hash", 0, "md5",
          QStringLiteral("instead of pictures a line for each frame: its number and the MD5\n"
                         "of its rows as blue, green, red, 255, without gaps between rows")},
-        {"overwrite", 0, nullptr, QStringLiteral("replace files that exist")},
+        {"overwrite", 0, nullptr, QStringLiteral("replace files that exist, each once the new one is whole")},
+        {"keep-going", 0, nullptr, QStringLiteral("leave out frames that cannot be decoded, and say which")},
+        {"strict", 0, nullptr, QStringLiteral("with --keep-going: exit code 3 when frames were left out")},
     };
     return own + fx_RunOptions(QStringLiteral("what was written as JSON on standard output"));
 }
@@ -138,6 +140,8 @@ bool fx_ParseExportArguments(QStringList const& arguments, SxExportArguments& pa
         return true;
     parsed.request.recording = parsed.common.file;
     parsed.request.printsHashes = !parsed.common.run.json;
+    parsed.keepsGoing = parser.isSet(QStringLiteral("keep-going"));
+    parsed.isStrict = parser.isSet(QStringLiteral("strict"));
     parsed.request.overwrite = parser.isSet(QStringLiteral("overwrite"));
     error = fx_ReadValues(parser, parsed);
     if (error.isEmpty())
@@ -159,6 +163,6 @@ QString fx_ExportHelp()
                "Usage: minihost export FILE --frames SPEC --output PATTERN|- [options]\n"
                "\n") +
            fx_OptionsHelp(fx_Options()) + QLatin1Char('\n') +
-           fx_ExitCodesHelp(
-               {kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed, kNoSuchFrame, kInterrupted});
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kNotWhole, kBadInput, kOutputFailed, kNoSuchFrame,
+                             kInterrupted});
 }

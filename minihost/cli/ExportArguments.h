@@ -13,6 +13,8 @@ struct SxExportArguments
     SxPlayArguments common;
     std::optional<CxFrameSelection> frames; ///< set unless help is asked for
     SxExportRequest request;
+    bool keepsGoing = false; ///< past frames that cannot be decoded
+    bool isStrict = false;   ///< and tells of them in the exit code
 };
 
 /// Reads the arguments after "export". \return false, with \p error one sentence, when they make no sense.

@@ -1,5 +1,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 
 #include "Commands.h"
 #include "Console.h"
@@ -12,6 +13,8 @@
 #include "Readable.h"
 
 namespace {
+
+constexpr int kMostRanges = 8; // of frame numbers in a sentence
 
 enum class Outcome { Done, ReaderGone, Interrupted, BadInput, OutputFailed };
 
@@ -28,43 +31,100 @@ Outcome fx_OutcomeOf(IxExportSink::Result result)
     return Outcome::OutputFailed;
 }
 
-/// Decodes the frames in their order and gives each to the sink; \p error one sentence when that fails.
-Outcome fx_Feed(CxRecordingReader& recording, QVector<int> const& frames, IxExportSink& sink,
-                SxExportRequest const& request, QString& error)
+/// Decodes frames in the order asked and gives each to the sink.
+class CxFeeder
 {
-    // Hashes are lines, which share a terminal with the progress line.
-    bool const prints = request.kind == SxExportRequest::Kind::Hashes;
+public:
+    CxFeeder(CxRecordingReader& recording, SxExportArguments const& arguments, IxExportSink& sink)
+        : m_recording(recording)
+        , m_request(arguments.request)
+        , m_keepsGoing(arguments.keepsGoing)
+        , m_sink(sink)
+    {}
+
+    Outcome feed(QVector<int> const& frames);
+
+    QString const& error() const { return m_error; }          ///< one sentence, unless all went well
+    QVector<int> const& leftOut() const { return m_leftOut; } ///< frames that cannot be decoded, ascending
+    QString leftOutText() const;                              ///< one sentence about them
+
+private:
+    Outcome feedOne(int frame);
+    void explainStop(int done, int wanted);
+
+    CxRecordingReader& m_recording;
+    SxExportRequest const& m_request;
+    bool m_keepsGoing;
+    IxExportSink& m_sink;
+    std::unique_ptr<CxImageData> m_picture;
+    QVector<int> m_leftOut;
+    QString m_firstCause; ///< half a sentence, of the first frame left out
+    QString m_error;
+};
+
+Outcome CxFeeder::feedOne(int frame)
+{
+    QString cause;
+    std::unique_ptr<CxImageData> next = m_recording.picture(frame, cause);
+    if (!next && m_keepsGoing) {
+        if (m_leftOut.isEmpty())
+            m_firstCause = QStringLiteral("frame %1: %2").arg(frame).arg(cause);
+        m_leftOut.append(frame);
+        return Outcome::Done;
+    }
+    if (!next) {
+        m_error = m_recording.fileName() +
+                  QStringLiteral(": frame %1 cannot be decoded: %2.").arg(frame).arg(cause);
+        return Outcome::BadInput;
+    }
+    m_picture = std::move(next); // the one before lived until now: its memory is reused
+    if (m_request.kind == SxExportRequest::Kind::Hashes)
+        Console::transient(QString()); // lines, which share a terminal with the progress line
+    return fx_OutcomeOf(m_sink.take(frame, *m_picture->picBuf(), m_error));
+}
+
+void CxFeeder::explainStop(int done, int wanted)
+{
     bool const isOneFile =
-        request.kind == SxExportRequest::Kind::Sheet ||
-        (request.kind == SxExportRequest::Kind::Stream && request.output != QLatin1String("-"));
+        m_request.kind == SxExportRequest::Kind::Sheet ||
+        (m_request.kind == SxExportRequest::Kind::Stream && m_request.output != QLatin1String("-"));
+    m_error =
+        m_recording.fileName() + QStringLiteral(": stopped after %1 of %2 pictures.").arg(done).arg(wanted);
+    if (isOneFile)
+        m_error += QStringLiteral(" Nothing was written.");
+}
+
+Outcome CxFeeder::feed(QVector<int> const& frames)
+{
     std::atomic<bool> const& stop = fx_CatchInterrupts();
     CxProgressLine line(static_cast<int>(frames.size()));
-    std::unique_ptr<CxImageData> picture;
     int done = 0;
     for (int const frame : frames) {
         if (stop.load()) {
-            error = recording.fileName() +
-                    QStringLiteral(": stopped after %1 of %2 pictures.").arg(done).arg(frames.size());
-            if (isOneFile)
-                error += QStringLiteral(" Nothing was written.");
+            explainStop(done, static_cast<int>(frames.size()));
             return Outcome::Interrupted;
         }
-        QString cause;
-        std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
-        if (!next) {
-            error = recording.fileName() +
-                    QStringLiteral(": frame %1 cannot be decoded: %2.").arg(frame).arg(cause);
-            return Outcome::BadInput;
-        }
-        picture = std::move(next); // the one before lived until now: its memory is reused
-        if (prints)
-            Console::transient(QString());
-        Outcome const outcome = fx_OutcomeOf(sink.take(frame, *picture->picBuf(), error));
+        Outcome const outcome = feedOne(frame);
         if (outcome != Outcome::Done)
             return outcome;
         line.update(++done, -1, QString());
     }
-    return fx_OutcomeOf(sink.finish(error));
+    bool const isAnyWritten = m_leftOut.size() < frames.size();
+    std::sort(m_leftOut.begin(), m_leftOut.end());
+    m_leftOut.erase(std::unique(m_leftOut.begin(), m_leftOut.end()), m_leftOut.end());
+    if (isAnyWritten)
+        return fx_OutcomeOf(m_sink.finish(m_error));
+    m_error =
+        m_recording.fileName() +
+        QStringLiteral(": none of the frames can be decoded, nothing was written (%1).").arg(m_firstCause);
+    return Outcome::BadInput;
+}
+
+QString CxFeeder::leftOutText() const
+{
+    return QStringLiteral("%1: %2 cannot be decoded and left out: %3 (%4).")
+        .arg(m_recording.fileName(), fx_Count(m_leftOut.size(), "frame"),
+             fx_ReadableRanges(m_leftOut, kMostRanges), m_firstCause);
 }
 
 QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
@@ -76,11 +136,16 @@ QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
         .arg(exported.size.height());
 }
 
-QString fx_Json(SxExportArguments const& arguments, IxExportSink const& sink, QString const& error)
+QString fx_Json(SxExportArguments const& arguments, IxExportSink const& sink, CxFeeder const& feeder)
 {
+    QJsonArray leftOut;
+    for (int const frame : feeder.leftOut())
+        leftOut.append(frame);
+    QString const& error = feeder.error();
     QJsonObject const json{
         {QStringLiteral("file"), arguments.common.file},
         {QStringLiteral("exported"), sink.exportedJson()},
+        {QStringLiteral("leftOut"), leftOut},
         {QStringLiteral("error"), error.isEmpty() ? QJsonValue() : QJsonValue(error)},
     };
     return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
@@ -105,19 +170,23 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     if (!sink)
         return fx_Failed(error, kOutputFailed);
 
-    Outcome const outcome = fx_Feed(recording, *frames, *sink, arguments.request, error);
+    CxFeeder feeder(recording, arguments, *sink);
+    Outcome const outcome = feeder.feed(*frames);
     Console::transient(QString());
     if (outcome == Outcome::ReaderGone)
         return kDone; // "| head" has seen enough
     if (arguments.common.run.json)
-        Console::data(fx_Json(arguments, *sink, error));
+        Console::data(fx_Json(arguments, *sink, feeder));
     if (outcome == Outcome::Interrupted)
-        return fx_Interrupted(error);
+        return fx_Interrupted(feeder.error());
     if (outcome != Outcome::Done)
-        return fx_Failed(error, outcome == Outcome::BadInput ? kBadInput : kOutputFailed);
+        return fx_Failed(feeder.error(), outcome == Outcome::BadInput ? kBadInput : kOutputFailed);
     if (!sink->exported().target.isEmpty())
         Console::message(fx_Summary(arguments.request.kind, sink->exported()));
-    return kDone;
+    if (feeder.leftOut().isEmpty())
+        return kDone;
+    Console::warning(feeder.leftOutText());
+    return arguments.isStrict ? kNotWhole : kDone;
 }
 
 } // namespace

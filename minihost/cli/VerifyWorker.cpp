@@ -67,21 +67,14 @@ void fx_DecodeFrom(int first, CxRecordingReader& recording)
 {
     std::unique_ptr<CxImageData> picture;
     QString cause;
-    int failures = 0; // in this group of pictures, one behind the other
     for (int frame = first; frame < recording.frameCount(); ++frame) {
         SxCodedFrame const& coded = recording.frames()[static_cast<size_t>(frame)];
         fx_Say(QStringLiteral("at %1 %2 %3").arg(frame).arg(coded.offset).arg(coded.size));
-        if (coded.isKey)
-            failures = 0;
-        // To show one the decoder goes through all before it in the group. Where two in a row failed there is
-        // no way to the others, and trying each anew would take for ever in a long group.
-        std::unique_ptr<CxImageData> next = failures < 2 ? recording.picture(frame, cause) : nullptr;
+        std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
         if (!next) {
-            ++failures;
             fx_Say(QStringLiteral("bad ") + cause.simplified());
             continue;
         }
-        failures = 0;
         picture = std::move(next); // the one before lived until now: its memory is reused
         fx_Say(QStringLiteral("good %1").arg(fx_PicturesIn(recording.codedFrame(frame))));
     }

@@ -148,6 +148,24 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
 
 std::unique_ptr<CxImageData> CxRecordingReader::picture(int frame, QString& error)
 {
+    bool const isKey = frame >= 0 && frame < frameCount() && m_frames[static_cast<size_t>(frame)].isKey;
+    if (isKey || frame != m_lastFailed + 1)
+        m_failedInARow = 0;
+    std::unique_ptr<CxImageData> image;
+    if (m_failedInARow < 2)
+        image = decode(frame, m_lastCause);
+    if (image) {
+        m_failedInARow = 0;
+        return image;
+    }
+    m_lastFailed = frame;
+    ++m_failedInARow;
+    error = m_lastCause;
+    return nullptr;
+}
+
+std::unique_ptr<CxImageData> CxRecordingReader::decode(int frame, QString& error)
+{
     // Decoding nothing counts as success and leaves a picture that nobody filled.
     if (m_accessor->frameDataSize(frame) == 0) {
         error = QStringLiteral("it has no data");

@@ -51,6 +51,9 @@ public:
     /// Frame \p frame decoded, as RGB32. Null, with \p error the cause as half a sentence ("the decoder
     /// failed with ..."), when that fails.
     ///
+    /// To show one the decoder goes through all before it in the group of pictures: behind two failures in a
+    /// row the rest of the group fails with them, without another try.
+    ///
     /// Keep the picture until the next one has come: the host then reuses the memory of the one before.
     std::unique_ptr<CxImageData> picture(int frame, QString& error);
 
@@ -58,6 +61,8 @@ public:
     QByteArray codedFrame(int frame);
 
 private:
+    std::unique_ptr<CxImageData> decode(int frame, QString& error);
+
     QString m_fileName;
     QString m_whyNoLoader; ///< one sentence, when there is none; filled while m_loader is made
     SxCreated<IxImageDataLoader> m_loader;
@@ -66,4 +71,7 @@ private:
     QList<int> m_keyFrames;
     qint64 m_fileBytes = 0;
     double m_fps = 0;
+    int m_lastFailed = -1;
+    int m_failedInARow = 0; ///< up to that frame, in its group
+    QString m_lastCause;
 };

@@ -49,6 +49,10 @@ private slots:
     void fullDiskLeavesTheOldFileAsItWas();
     void interruptedStreamLeavesTheOldFileAsItWas();
     void jsonNamesEveryFile();
+    void keepGoingLeavesOutWhatCannotBeDecoded_data();
+    void keepGoingLeavesOutWhatCannotBeDecoded();
+    void keepGoingWithNothingDecodedWritesNothing();
+    void withoutKeepGoingTheFirstBrokenFrameEndsIt();
     void interruptedExportFails_data();
     void interruptedExportFails();
 
@@ -57,6 +61,8 @@ private slots:
     void missingFrameIsNamed();
 
 private:
+    void makeBroken() const;
+
     std::vector<Rgb32> m_pictures; ///< of the recording
 };
 
@@ -479,6 +485,77 @@ void tst_ExportCommand::interruptedStreamLeavesTheOldFileAsItWas()
     QVERIFY2(err.endsWith(" of 60000 pictures. Nothing was written.\n"), err);
     QCOMPARE(fx_FileBytes(path("o.y4m")), QByteArray("precious"));
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"o.y4m"});
+}
+
+/// Writes broken.h264, whose picture 12 is damaged, and with it 13 and 14, which build on it.
+void tst_ExportCommand::makeBroken() const
+{
+    QJsonArray const frames =
+        fx_RunMinihost({"info", "--json", "--frames", m_recording}).json().value("frameList").toArray();
+    QByteArray broken = m_bytes;
+    for (int i = frames[12].toObject().value("offset").toInt() + 20;
+         i < frames[13].toObject().value("offset").toInt(); ++i)
+        broken[i] = static_cast<char>(0x10 + i * 37 % 0x60);
+    QVERIFY(fx_WriteFile(path("broken.h264"), broken));
+}
+
+void tst_ExportCommand::keepGoingLeavesOutWhatCannotBeDecoded_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("a warning") << QStringList{} << 0;
+    QTest::newRow("strict") << QStringList{"--strict"} << 3;
+}
+
+void tst_ExportCommand::keepGoingLeavesOutWhatCannotBeDecoded()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, exitCode);
+    makeBroken();
+    QVector<int> whole;
+    for (int frame = 0; frame < kFrames; ++frame) {
+        if (frame < 12 || frame > 14)
+            whole += frame;
+    }
+    SxMinihostRun const hashed = run(
+        QStringList{"export", "broken.h264", "--frames", "all", "--hash", "md5", "--keep-going"} + options);
+    QCOMPARE(hashed.exitCode, exitCode);
+    QCOMPARE(hashed.out, fx_HashLines(m_pictures, whole));
+    QVERIFY2(hashed.err.startsWith(
+                 "warning: broken.h264: 3 frames cannot be decoded and left out: 12-14 (frame 12: "),
+             hashed.err);
+
+    SxMinihostRun const streamed =
+        run(QStringList{"export", "broken.h264", "--frames", "all", "-o", "o.y4m", "--keep-going", "--json"} +
+            options);
+    QCOMPARE(streamed.exitCode, exitCode);
+    QCOMPARE(streamed.json().value("leftOut").toArray(), (QJsonArray{12, 13, 14}));
+    QCOMPARE(streamed.json().value("exported").toArray().size(), 27);
+    QVERIFY(QFile::exists(path("o.y4m")));
+}
+
+void tst_ExportCommand::keepGoingWithNothingDecodedWritesNothing()
+{
+    makeBroken();
+    for (QStringList const& output :
+         {QStringList{"-o", "o.y4m"}, QStringList{"-o", "o.png", "--sheet", "2"}}) {
+        SxMinihostRun const refused =
+            run(QStringList{"export", "broken.h264", "--frames", "12-14", "--keep-going"} + output);
+        QCOMPARE(refused.exitCode, 4);
+        QVERIFY2(refused.err.startsWith(
+                     "error: broken.h264: none of the frames can be decoded, nothing was written"),
+                 refused.err);
+        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"broken.h264"});
+    }
+}
+
+void tst_ExportCommand::withoutKeepGoingTheFirstBrokenFrameEndsIt()
+{
+    makeBroken();
+    SxMinihostRun const ended = run({"export", "broken.h264", "--frames", "10-20", "-o", "f_%d.png"});
+    QCOMPARE(ended.exitCode, 4);
+    QVERIFY2(ended.err.startsWith("error: broken.h264: frame 12 cannot be decoded: "), ended.err);
+    QVERIFY(QFile::exists(path("f_11.png")) && !QFile::exists(path("f_15.png")));
 }
 
 void tst_ExportCommand::jsonNamesEveryFile()
