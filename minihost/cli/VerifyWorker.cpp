@@ -31,7 +31,9 @@ void fx_Say(QString const& line)
 
 int fx_Refuse(ExitCode code, QString const& sentence)
 {
-    fx_Say(QStringLiteral("refused %1 %2").arg(code).arg(sentence.simplified()));
+    fx_Say(QStringLiteral("refused %1 %2")
+               .arg(code)
+               .arg(QString(sentence).replace(QLatin1Char('\n'), QLatin1Char(' '))));
     return code;
 }
 

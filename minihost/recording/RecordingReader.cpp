@@ -6,6 +6,7 @@
 #include <climits>
 
 #include "PluginMessages.h"
+#include "StreamKind.h"
 
 /// What stands in the way before anything is opened; empty when nothing does. Only a regular file has
 /// frames to go back to, and opening a pipe would wait for its other end.
@@ -110,6 +111,14 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
     QString cause = fx_ObstacleToOpening(fileName);
     if (!cause.isEmpty()) {
         error = QStringLiteral("%1: %2").arg(fileName, cause);
+        return false;
+    }
+    SxStreamKind const kind = fx_StreamKindOf(fileName);
+    if (kind.isForeign) {
+        error = QStringLiteral("%1: this is no recording but %2, %3 pictures; '%4' makes a recording of it.")
+                    .arg(fileName, fx_ForeignStreamText(kind))
+                    .arg(fx_CountPictures(fileName, kind.codec))
+                    .arg(fx_CommandToRecord(fileName));
         return false;
     }
     if (!m_loader.as) {

@@ -180,8 +180,7 @@ static double fx_ChromaPsnr(SxPicBuf const& picture)
             for (int c = 0; c < 3; ++c) {
                 uchar const* const row = picture.data + static_cast<size_t>(y) * picture.pitch;
                 size_t const i = static_cast<size_t>(x) * picture.components + static_cast<size_t>(c);
-                bgr[c] =
-                    fx_IsWordFormat(picture) ? reinterpret_cast<quint16 const*>(row)[i] / 257.0 : row[i];
+                bgr[c] = fx_IsWordFormat(picture) ? reinterpret_cast<quint16 const*>(row)[i] / 257.0 : row[i];
             }
             double const luma = 0.299 * bgr[2] + 0.587 * bgr[1] + 0.114 * bgr[0];
             double const u = (bgr[0] - luma) / 1.772 * 224 / 255 + 128;

@@ -1,0 +1,202 @@
+#include <QTemporaryDir>
+#include <QtTest>
+#include <random>
+
+#include "StreamKind.h"
+#include "support/FileBytes.h"
+
+/// What files are by their units: a recording, and streams of other encoders (tests/data/foreign).
+class tst_StreamKind : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void recordingIsNotForeign_data();
+    void recordingIsNotForeign();
+    void damageMakesNoRecordingForeign_data();
+    void damageMakesNoRecordingForeign();
+    void foreignStreamIsRecognised_data();
+    void foreignStreamIsRecognised();
+    void picturesBeyondTheFirstPieceAreCounted();
+    void unitsAreFoundAcrossTheEdgesOfPieces();
+    void anythingElseIsUnknown_data();
+    void anythingElseIsUnknown();
+    void randomUnitsAreJudgedInPeace();
+    void commandIsQuotedForTheShell_data();
+    void commandIsQuotedForTheShell();
+
+private:
+    QString write(QByteArray const& bytes)
+    {
+        QString const fileName = m_folder.filePath("stream");
+        return fx_WriteFile(fileName, bytes) ? fileName : QString();
+    }
+
+    QTemporaryDir m_folder;
+};
+
+static QString fx_Data(QString const& name) { return QStringLiteral(TEST_DATA "/") + name; }
+
+static constexpr int kPictures = 12; // in each stream
+
+void tst_StreamKind::recordingIsNotForeign_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("ours") << "camera.h264";
+    QTest::newRow("another encoder's, of the same shape") << "foreign/x264-keys-alone.264";
+}
+
+void tst_StreamKind::recordingIsNotForeign()
+{
+    QFETCH(QString, file);
+    SxStreamKind const kind = fx_StreamKindOf(fx_Data(file));
+    QVERIFY(kind.codec == SxStreamKind::Codec::H264);
+    QVERIFY(!kind.isForeign);
+    QCOMPARE(kind.profile, QString("baseline"));
+    QCOMPARE(kind.features, QStringList());
+}
+
+void tst_StreamKind::damageMakesNoRecordingForeign_data()
+{
+    QTest::addColumn<int>("picture"); // whose slice becomes another unit's
+    for (int picture = 1; picture < kPictures; ++picture)
+        QTest::addRow("%d", picture) << picture;
+}
+
+void tst_StreamKind::damageMakesNoRecordingForeign()
+{
+    QFETCH(int, picture);
+    QByteArray bytes = fx_FileBytes(fx_Data("camera.h264"));
+    auto at = bytes.indexOf(QByteArray::fromHex("0000000165"));
+    for (int i = 0; i < picture; ++i) {
+        auto const slice = bytes.indexOf(QByteArray::fromHex("0000000161"), at + 5);
+        auto const key = bytes.indexOf(QByteArray::fromHex("0000000165"), at + 5);
+        at = key < 0 ? slice : slice < 0 ? key : std::min(slice, key);
+    }
+    bytes[at + 4] = '\x41';
+    QVERIFY(!fx_StreamKindOf(write(bytes)).isForeign);
+    if (picture > 1) // with one picture before it nobody could tell
+        QVERIFY(!fx_StreamKindOf(write(bytes.left(at + 20))).isForeign);
+}
+
+void tst_StreamKind::foreignStreamIsRecognised_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("text");
+    auto const h264 = [](char const* features) {
+        return QStringLiteral("H.264 of another encoder (%1)").arg(QLatin1String(features));
+    };
+    QTest::newRow("B pictures") << "x264-b-pictures.264" << h264("B pictures");
+    QTest::newRow("slices") << "x264-slices.264" << h264("3 slices a picture");
+    QTest::newRow("delimiters") << "x264-delimiters.264" << h264("access unit delimiters");
+    QTest::newRow("other unit headers")
+        << "x264-baseline.264" << h264("pictures that begin with other units than a recording's");
+    QTest::newRow("10 bits") << "x264-10-bits.264" << h264("10 bits");
+    QTest::newRow("4:4:4") << "x264-444.264" << h264("4:4:4");
+    QTest::newRow("interlaced") << "x264-interlaced.264" << h264("interlaced");
+    QTest::newRow("H.265") << "x265.265"
+                           << "H.265 video";
+    QTest::newRow("H.265, 10 bits") << "x265-10-bits.265"
+                                    << "H.265 video (10 bits)";
+    QTest::newRow("MPEG-2") << "mpeg2.m2v"
+                            << "MPEG-2 video";
+    QTest::newRow("MPEG-1") << "mpeg1.m1v"
+                            << "MPEG-1 video";
+}
+
+void tst_StreamKind::foreignStreamIsRecognised()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, text);
+    QString const fileName = fx_Data("foreign/" + file);
+    SxStreamKind const kind = fx_StreamKindOf(fileName);
+    QVERIFY(kind.isForeign);
+    QCOMPARE(fx_ForeignStreamText(kind), text);
+    QCOMPARE(QSize(kind.width, kind.height), QSize(64, 48));
+    QCOMPARE(fx_CountPictures(fileName, kind.codec), qint64{kPictures});
+    // Start codes of three bytes where there were four.
+    QByteArray const bytes = fx_FileBytes(fileName);
+    QString const shortened =
+        write(QByteArray(bytes).replace(QByteArray("\0\0\0\1", 4), QByteArray("\0\0\1", 3)));
+    QCOMPARE(fx_ForeignStreamText(fx_StreamKindOf(shortened)), text);
+    QCOMPARE(fx_CountPictures(shortened, kind.codec), qint64{kPictures});
+}
+
+void tst_StreamKind::picturesBeyondTheFirstPieceAreCounted()
+{
+    QByteArray const bytes = fx_FileBytes(fx_Data("foreign/x264-slices.264"));
+    QString const fileName = write(bytes.repeated(3000)); // 6.6 MB
+    QVERIFY(fx_StreamKindOf(fileName).isForeign);
+    QCOMPARE(fx_CountPictures(fileName, SxStreamKind::Codec::H264), qint64{3000 * kPictures});
+}
+
+void tst_StreamKind::unitsAreFoundAcrossTheEdgesOfPieces()
+{
+    // A file is read in pieces of 2^20 bytes; units begin at each place around an edge.
+    QByteArray const bytes = fx_FileBytes(fx_Data("camera.h264"));
+    for (int shift = 0; shift < 1200; shift += shift < 20 || shift > 500 ? 1 : 40) {
+        QByteArray const padding((1 << 20) - 600 + shift, '\xff');
+        QString const fileName = write(bytes + padding + bytes);
+        QCOMPARE(fx_CountPictures(fileName, SxStreamKind::Codec::H264), qint64{2 * kPictures});
+        if (shift > 620)
+            break;
+    }
+}
+
+void tst_StreamKind::anythingElseIsUnknown_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("text") << QByteArray("no video at all");
+    QTest::newRow("zeros") << QByteArray(100000, '\0');
+    QTest::newRow("a start code") << QByteArray("\0\0\1", 3);
+    QTest::newRow("start codes") << QByteArray("\0\0\1", 3).repeated(33333);
+}
+
+void tst_StreamKind::anythingElseIsUnknown()
+{
+    QFETCH(QByteArray, bytes);
+    SxStreamKind const kind = fx_StreamKindOf(write(bytes));
+    QVERIFY(!kind.isForeign);
+    QCOMPARE(kind.width, 0);
+    QVERIFY(!fx_StreamKindOf(m_folder.filePath("missing")).isForeign);
+    QCOMPARE(fx_CountPictures(m_folder.filePath("missing"), SxStreamKind::Codec::H264), qint64{-1});
+}
+
+void tst_StreamKind::randomUnitsAreJudgedInPeace()
+{
+    std::mt19937 random(11);
+    for (char const header : QByteArray("\x67\x65\x61\x01\x09\x42\x40\xB3\xB5")) {
+        QByteArray bytes;
+        while (bytes.size() < 20000) {
+            bytes += QByteArray("\0\0\1", 3) + header;
+            for (auto i = random() % 40; i > 0; --i)
+                bytes += static_cast<char>(random() & random()); // many zeros: long codes
+        }
+        QString const fileName = write(bytes);
+        SxStreamKind const kind = fx_StreamKindOf(fileName);
+        QVERIFY(fx_CountPictures(fileName, kind.codec) <= bytes.size());
+    }
+}
+
+void tst_StreamKind::commandIsQuotedForTheShell_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("command");
+    QTest::newRow("plain") << "a/b-1.264"
+                           << "minihost record a/b-1.264 out.h264";
+    QTest::newRow("blank") << "a b.264"
+                           << "minihost record 'a b.264' out.h264";
+    QTest::newRow("quote") << "a'b.264"
+                           << "minihost record 'a'\\''b.264' out.h264";
+}
+
+void tst_StreamKind::commandIsQuotedForTheShell()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, command);
+    QCOMPARE(fx_CommandToRecord(file), command);
+}
+
+QTEST_GUILESS_MAIN(tst_StreamKind)
+#include "tst_StreamKind.moc"
