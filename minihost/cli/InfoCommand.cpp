@@ -1,3 +1,4 @@
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -8,18 +9,15 @@
 #include "ExitCode.h"
 #include "PictureRate.h"
 #include "PlayCommand.h"
-#include "ProfileAndLevel.h"
 #include "Readable.h"
+#include "StreamKind.h"
 
 namespace {
 
 /// What `info` tells of a recording.
 struct SxRecordingInfo
 {
-    QString profile; ///< empty when the stream does not say
-    QString level;
-    quint32 width = 0; ///< 0 when no picture could be decoded
-    quint32 height = 0;
+    SxStreamKind kind;
     int smallestSpacing = 0; ///< frames from one key frame to the next; 0 when there are no two
     int largestSpacing = 0;
     int largest = 0; ///< frame numbers
@@ -53,15 +51,6 @@ QString fx_Help()
            fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed});
 }
 
-void fx_ReadProfile(CxRecordingReader& recording, SxRecordingInfo& info)
-{
-    QByteArray const bytes =
-        recording.keyFrames().isEmpty() ? QByteArray() : recording.codedFrame(recording.keyFrames().first());
-    SxProfileAndLevel const named = fx_ProfileAndLevel(bytes);
-    info.profile = named.profile;
-    info.level = named.level;
-}
-
 void fx_ReadIndex(CxRecordingReader const& recording, SxRecordingInfo& info)
 {
     QList<int> const& keys = recording.keyFrames();
@@ -80,24 +69,6 @@ void fx_ReadIndex(CxRecordingReader const& recording, SxRecordingInfo& info)
     info.meanBitRate = static_cast<double>(recording.fileBytes()) * 8 / info.seconds;
 }
 
-SxRecordingInfo fx_Collect(CxRecordingReader& recording)
-{
-    SxRecordingInfo info;
-    fx_ReadProfile(recording, info);
-    fx_ReadIndex(recording, info);
-    // Only a decoded picture tells its size through the host's interfaces.
-    int const first = recording.keyFrames().value(0, 0);
-    QString cause;
-    if (std::unique_ptr<CxImageData> const image = recording.picture(first, cause)) {
-        info.width = image->picBuf()->width;
-        info.height = image->picBuf()->height;
-    } else {
-        Console::warning(recording.fileName() +
-                         QStringLiteral(": frame %1 cannot be decoded: %2.").arg(first).arg(cause));
-    }
-    return info;
-}
-
 QString fx_SpacingText(SxRecordingInfo const& info)
 {
     if (info.largestSpacing == 0)
@@ -114,15 +85,23 @@ QString fx_FrameSizeText(CxRecordingReader const& recording, int frame)
     return QStringLiteral("frame %1 (%2)").arg(frame).arg(fx_ReadableSize(size));
 }
 
+/// " baseline, level 5.2"; empty when the stream does not say.
+QString fx_ProfileText(SxStreamKind const& kind)
+{
+    return kind.profile.isEmpty() ? QString() : QStringLiteral(" %1, level %2").arg(kind.profile, kind.level);
+}
+
+QString fx_PictureSizeText(SxStreamKind const& kind)
+{
+    return kind.width == 0 ? QStringLiteral("picture size unknown")
+                           : QStringLiteral("%1 x %2").arg(kind.width).arg(kind.height);
+}
+
 QString fx_Text(CxRecordingReader const& recording, SxRecordingInfo const& info)
 {
-    QString first = QStringLiteral("%1: H.264").arg(recording.fileName());
-    if (!info.profile.isEmpty())
-        first += QStringLiteral(" %1, level %2").arg(info.profile, info.level);
-    first += info.width == 0 ? QStringLiteral(", picture size unknown")
-                             : QStringLiteral(", %1 x %2").arg(info.width).arg(info.height);
     return QStringList{
-        first,
+        QStringLiteral("%1: H.264%2, %3")
+            .arg(recording.fileName(), fx_ProfileText(info.kind), fx_PictureSizeText(info.kind)),
         QStringLiteral("  %1, %2%3")
             .arg(fx_Count(recording.frameCount(), "frame"),
                  fx_Count(recording.keyFrames().size(), "key frame"), fx_SpacingText(info)),
@@ -159,20 +138,29 @@ QJsonObject fx_FrameJson(CxRecordingReader const& recording, int number)
             {QStringLiteral("key"), frame.isKey}};
 }
 
+QJsonValue fx_OrNull(bool isKnown, QJsonValue const& value) { return isKnown ? value : QJsonValue(); }
+
+/// What is told of every stream.
+QJsonObject fx_KindJson(QString const& fileName, SxStreamKind const& kind)
+{
+    return {{QStringLiteral("file"), fileName},
+            {QStringLiteral("recording"), !kind.isForeign},
+            {QStringLiteral("codec"), kind.codecName()},
+            {QStringLiteral("profile"), fx_OrNull(!kind.profile.isEmpty(), kind.profile)},
+            {QStringLiteral("level"), fx_OrNull(!kind.level.isEmpty(), kind.level)},
+            {QStringLiteral("width"), fx_OrNull(kind.width != 0, kind.width)},
+            {QStringLiteral("height"), fx_OrNull(kind.height != 0, kind.height)}};
+}
+
 QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info, bool withFrames)
 {
-    auto const orNull = [](bool isKnown, QJsonValue const& value) { return isKnown ? value : QJsonValue(); };
-    QJsonObject json{
-        {QStringLiteral("file"), recording.fileName()},
-        {QStringLiteral("codec"), QStringLiteral("H.264")},
-        {QStringLiteral("profile"), orNull(!info.profile.isEmpty(), info.profile)},
-        {QStringLiteral("level"), orNull(!info.level.isEmpty(), info.level)},
-        {QStringLiteral("width"), orNull(info.width != 0, static_cast<int>(info.width))},
-        {QStringLiteral("height"), orNull(info.height != 0, static_cast<int>(info.height))},
+    QJsonObject json = fx_KindJson(recording.fileName(), info.kind);
+    QJsonObject const own{
         {QStringLiteral("frames"), recording.frameCount()},
         {QStringLiteral("keyFrames"), recording.keyFrames().size()},
-        {QStringLiteral("smallestKeyFrameSpacing"), orNull(info.smallestSpacing != 0, info.smallestSpacing)},
-        {QStringLiteral("largestKeyFrameSpacing"), orNull(info.largestSpacing != 0, info.largestSpacing)},
+        {QStringLiteral("smallestKeyFrameSpacing"),
+         fx_OrNull(info.smallestSpacing != 0, info.smallestSpacing)},
+        {QStringLiteral("largestKeyFrameSpacing"), fx_OrNull(info.largestSpacing != 0, info.largestSpacing)},
         {QStringLiteral("fps"), recording.assumedFps()},
         {QStringLiteral("fpsIsAssumed"), true},
         {QStringLiteral("seconds"), info.seconds},
@@ -181,6 +169,8 @@ QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info,
         {QStringLiteral("largestFrame"), fx_FrameJson(recording, info.largest)},
         {QStringLiteral("smallestFrame"), fx_FrameJson(recording, info.smallest)},
     };
+    for (auto it = own.begin(); it != own.end(); ++it)
+        json[it.key()] = it.value();
     if (withFrames) {
         QJsonArray frames;
         for (int number = 0; number < recording.frameCount(); ++number)
@@ -190,13 +180,42 @@ QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info,
     return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
 }
 
-int fx_Tell(CxRecordingReader& recording, bool asJson, bool withFrames)
+int fx_Tell(CxRecordingReader& recording, SxStreamKind const& kind, bool asJson, bool withFrames)
 {
-    SxRecordingInfo const info = fx_Collect(recording);
+    SxRecordingInfo info;
+    info.kind = kind;
+    fx_ReadIndex(recording, info);
     if (asJson)
         Console::data(fx_Json(recording, info, withFrames));
     else
         Console::data(fx_Text(recording, info) + (withFrames ? fx_FrameLines(recording) : QString()));
+    return kDone;
+}
+
+/// Tells of a stream that is no recording, which the plug-in need not open.
+int fx_TellForeign(QString const& fileName, SxStreamKind const& kind, bool asJson)
+{
+    qint64 const pictures = fx_CountPictures(fileName, kind.codec);
+    qint64 const bytes = QFileInfo(fileName).size();
+    QString const command = fx_CommandToRecord(fileName);
+    if (asJson) {
+        QJsonObject json = fx_KindJson(fileName, kind);
+        json[QStringLiteral("features")] = QJsonArray::fromStringList(kind.features);
+        json[QStringLiteral("pictures")] = pictures;
+        json[QStringLiteral("bytes")] = bytes;
+        json[QStringLiteral("toRecord")] = command;
+        Console::data(QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed());
+        return kDone;
+    }
+    Console::data(QStringList{
+        QStringLiteral("%1: %2%3, %4")
+            .arg(fileName, kind.codecName(), fx_ProfileText(kind), fx_PictureSizeText(kind)),
+        QStringLiteral("  %1, %2").arg(fx_Count(pictures, "picture"), fx_ReadableSize(bytes)),
+        QStringLiteral("  no recording but %1, whose pictures cannot be had by their numbers")
+            .arg(fx_ForeignStreamText(kind)),
+        QStringLiteral("  %1 makes a recording of it").arg(command),
+    }
+                      .join(QLatin1Char('\n')));
     return kDone;
 }
 
@@ -214,7 +233,10 @@ int fx_RunInfo(QStringList const& arguments)
         Console::data(fx_Help());
         return kDone;
     }
+    SxStreamKind const kind = fx_StreamKindOf(parsed.file);
+    if (kind.isForeign)
+        return fx_TellForeign(parsed.file, kind, parsed.run.json);
     return fx_RunOnRecording(parsed, [&](CxRecordingReader& recording) {
-        return fx_Tell(recording, parsed.run.json, parser.isSet(QStringLiteral("frames")));
+        return fx_Tell(recording, kind, parsed.run.json, parser.isSet(QStringLiteral("frames")));
     });
 }

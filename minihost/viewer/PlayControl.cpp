@@ -10,6 +10,7 @@
 #include "GoToDialog.h"
 #include "MessageBar.h"
 #include "PictureView.h"
+#include "StreamKind.h"
 #include "Timeline.h"
 #include "TransportBar.h"
 
@@ -104,11 +105,16 @@ static QString fx_WhyNoRecording(QString const& fileName)
                    "“%1” is not an H.264 recording. If it is a video of another kind, open it with "
                    "“Open Video, Stream or Device”.")
             .arg(name);
-    // nal_unit_type 32 of ITU-T H.265, a video parameter set; nothing that H.264 begins with looks like it.
-    if (start.size() > code + 4 && start[code + 3] == '\x40' && start[code + 4] == '\x01')
+    SxStreamKind const kind = fx_StreamKindOf(fileName);
+    if (kind.isForeign && kind.codec == SxStreamKind::Codec::H264)
         return CxPlayControl::tr(
-                   "“%1” is not damaged, but H.265 video. Open it with “Open Video, Stream or Device”.")
+                   "“%1” is not damaged, but H.264 video of another encoder, whose pictures cannot be had by "
+                   "their numbers. Open it with “Open Video, Stream or Device”.")
             .arg(name);
+    if (kind.isForeign)
+        return CxPlayControl::tr(
+                   "“%1” is not damaged, but %2 video. Open it with “Open Video, Stream or Device”.")
+            .arg(name, kind.codecName());
     return CxPlayControl::tr(
                "The beginning of “%1” is missing or damaged: the sequence parameter set there, which "
                "holds the size of the pictures, cannot be used.")

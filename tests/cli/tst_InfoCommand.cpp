@@ -98,9 +98,8 @@ void tst_InfoCommand::infoWarnsOfUndecodableFrame()
     QVERIFY(fx_WriteFile(path("cut.h264"), m_bytes.left(60)));
     SxMinihostRun const text = run({"info", "cut.h264"});
     QCOMPARE(text.exitCode, 0);
-    QVERIFY2(text.out.contains("picture size unknown") && text.out.contains("1 frame,"), text.out);
-    QVERIFY2(text.err.startsWith("warning: cut.h264: frame 0 cannot be decoded: "), text.err);
-    QVERIFY(run({"info", "cut.h264", "--json"}).json().value("width").isNull());
+    QVERIFY2(text.out.contains("baseline, level 5.2, 320 x 240\n  1 frame,"), text.out);
+    QCOMPARE(text.err, QByteArray()); // nothing is decoded
 }
 
 QTEST_GUILESS_MAIN(tst_InfoCommand)

@@ -14,6 +14,8 @@ private slots:
 
     void unreadableRecordingIsRefusedWithItsCause_data();
     void unreadableRecordingIsRefusedWithItsCause();
+    void streamOfAnotherEncoderIsRefusedWithTheWayToUseIt_data();
+    void streamOfAnotherEncoderIsRefusedWithTheWayToUseIt();
     void wrongUsageIsExplained_data();
     void wrongUsageIsExplained();
     void quietSaysNothing();
@@ -52,6 +54,43 @@ void tst_PlayCommand::unreadableRecordingIsRefusedWithItsCause()
         QCOMPARE(refused.out, QByteArray());
     }
     QCOMPARE(run({"info", "."}).err, QByteArray("error: .: this is a folder.\n"));
+}
+
+void tst_PlayCommand::streamOfAnotherEncoderIsRefusedWithTheWayToUseIt_data()
+{
+    QTest::addColumn<QString>("file");
+    QDir const folder(TEST_DATA "/foreign");
+    for (QString const& name : folder.entryList(QDir::Files)) {
+        if (!name.contains(QStringLiteral("keys-alone"))) // which is as good as a recording
+            QTest::newRow(qPrintable(name)) << folder.filePath(name);
+    }
+}
+
+void tst_PlayCommand::streamOfAnotherEncoderIsRefusedWithTheWayToUseIt()
+{
+    QFETCH(QString, file);
+    QByteArray const command = "minihost record " + file.toUtf8() + " out.h264";
+    for (QStringList const& arguments :
+         {QStringList{"verify", file}, QStringList{"export", file, "--frames", "0", "--hash", "md5"}}) {
+        SxMinihostRun const refused = run(arguments);
+        QCOMPARE(refused.exitCode, 4);
+        QVERIFY2(refused.err.contains(": this is no recording but ") &&
+                     refused.err.endsWith(", 12 pictures; '" + command + "' makes a recording of it.\n"),
+                 refused.err);
+    }
+    QCOMPARE(run({"record", file, "out.h264"}).exitCode, 0);
+    QVERIFY(run({"verify", "out.h264"}).err.startsWith("out.h264: all 12 frames decode"));
+
+    SxMinihostRun const told = run({"info", file});
+    QCOMPARE(told.exitCode, 0);
+    QCOMPARE(told.err, QByteArray());
+    QVERIFY2(told.out.contains(", 64 x 48\n  12 pictures, ") && told.out.contains("  no recording but ") &&
+                 told.out.contains("  " + command + " makes a recording of it\n"),
+             told.out);
+    QJsonObject const json = run({"info", file, "--json"}).json();
+    QCOMPARE(json.value("recording").toBool(true), false);
+    QCOMPARE(json.value("pictures").toInt(), 12);
+    QCOMPARE(json.value("toRecord").toString().toUtf8(), command);
 }
 
 void tst_PlayCommand::wrongUsageIsExplained_data()

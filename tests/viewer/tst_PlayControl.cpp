@@ -209,6 +209,13 @@ void tst_PlayControl::saysWhyFileDoesNotOpen_data()
     QTest::newRow("H.265") << QByteArray("\0\0\0\1\x40\x01\x0c\x01\xff\xff", 10)
                            << "is not damaged, but H.265";
     QTest::newRow("H.265, short start code") << QByteArray("\0\0\1\x40\x01\x0c\x01\xff\xff", 9) << "H.265";
+    auto const foreign = [](char const* name) {
+        QFile file(QStringLiteral(TEST_DATA "/foreign/") + QLatin1String(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QTest::newRow("MPEG-2") << foreign("mpeg2.m2v") << "is not damaged, but MPEG-2 video.";
+    QTest::newRow("B pictures") << foreign("x264-b-pictures.264")
+                                << "is not damaged, but H.264 video of another encoder";
     QTest::newRow("without parameters") << QByteArray("\0\0\0\1\x61\x9a\x00\x11\x22\x33\x44\x55", 12)
                                         << "The beginning of “bad.h264” is missing";
 }

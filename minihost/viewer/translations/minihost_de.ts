@@ -335,8 +335,12 @@
         <translation>„%1“ ist keine H.264-Aufnahme. Wenn es ein anderes Video ist: mit „Video, Stream oder Gerät öffnen“ öffnen.</translation>
     </message>
     <message>
-        <source>“%1” is not damaged, but H.265 video. Open it with “Open Video, Stream or Device”.</source>
-        <translation>„%1“ ist nicht beschädigt, sondern H.265-Video. Mit „Video, Stream oder Gerät öffnen“ öffnen.</translation>
+        <source>“%1” is not damaged, but H.264 video of another encoder, whose pictures cannot be had by their numbers. Open it with “Open Video, Stream or Device”.</source>
+        <translation>„%1“ ist nicht beschädigt, sondern H.264-Video eines anderen Encoders, dessen Bilder nicht über ihre Nummern erreichbar sind. Mit „Video, Stream oder Gerät öffnen“ öffnen.</translation>
+    </message>
+    <message>
+        <source>“%1” is not damaged, but %2 video. Open it with “Open Video, Stream or Device”.</source>
+        <translation>„%1“ ist nicht beschädigt, sondern %2-Video. Mit „Video, Stream oder Gerät öffnen“ öffnen.</translation>
     </message>
     <message>
         <source>The beginning of “%1” is missing or damaged: the sequence parameter set there, which holds the size of the pictures, cannot be used.</source>
