@@ -64,11 +64,6 @@ void CxWorkerRun::takeFrame(QString const& word, QString const& rest)
 {
     if (word == QLatin1String("good")) {
         ++m_findings.decoded;
-        int const pictures = rest.toInt();
-        if (pictures > 1) {
-            ++m_findings.crowdedFrames;
-            m_findings.picturesInThem += pictures;
-        }
     } else {
         m_findings.addDamage(m_next, m_offset, m_size, rest);
         m_isDone = m_stopsAtFirst;
@@ -100,6 +95,10 @@ void CxWorkerRun::take(QString const& line)
         m_size = values.value(2).toLongLong();
         m_findings.closeDamageAt(m_offset); // of frames that nobody could look at the size was not known
         m_findings.endOfFrames = m_offset + m_size;
+        bool const isKey =
+            std::binary_search(m_findings.keyFrames.begin(), m_findings.keyFrames.end(), m_next);
+        m_findings.marks.append({m_next, isKey, values.value(3).toInt(), values.value(5).toInt()});
+        m_findings.maxFrameNum = std::max(values.value(4).toInt(), 1);
     } else if (word == QLatin1String("good") || word == QLatin1String("bad")) {
         takeFrame(word, rest);
     }
@@ -196,6 +195,14 @@ void fx_PassOver(SxFindings& findings, int first, int next, QString const& cause
 
 } // namespace
 
+int SxFindings::vanishedForCertain() const
+{
+    int pictures = 0;
+    for (SxVanishedPictures const& place : vanished)
+        pictures += place.isCertain ? place.pictures : 0;
+    return pictures;
+}
+
 int SxFindings::examined() const
 {
     int count = decoded;
@@ -253,5 +260,7 @@ SxFindings fx_Examine(QString const& file, SxRunOptions const& options, bool sto
             break;
         first = next;
     }
+    if (!stopsAtFirst)
+        findings.vanished = fx_VanishedPictures(findings.marks, findings.maxFrameNum);
     return findings;
 }

@@ -5,6 +5,7 @@
 
 #include "ExitCode.h"
 #include "Options.h"
+#include "VanishedPictures.h"
 
 /// Frames that cannot be decoded, one behind the other, for one cause.
 struct SxDamagedRange
@@ -30,11 +31,13 @@ struct SxFindings
     int decoded = 0;
     QVector<SxDamagedRange> damage; ///< ascending
     qint64 endOfFrames = 0;         ///< bytes from the start of the file
-    int crowdedFrames = 0;          ///< frames that hold more than one picture
-    int picturesInThem = 0;
+    QVector<SxFrameMark> marks;     ///< of the frames that were read
+    int maxFrameNum = 1;
+    QVector<SxVanishedPictures> vanished;
     bool wasStopped = false; ///< by a signal: what comes behind is not known
 
-    int examined() const; ///< frames that were decoded or failed
+    int vanishedForCertain() const; ///< pictures
+    int examined() const;           ///< frames that were decoded or failed
     void addDamage(int frame, qint64 offset, qint64 size, QString const& cause);
 
     /// The damage that was added last, if it is the last that is known, reaches up to there.

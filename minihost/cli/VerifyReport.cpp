@@ -37,6 +37,26 @@ QString fx_DamageText(SxFindings const& findings)
     return text;
 }
 
+/// "2 pictures vanished, the first before frame 12: ..."; empty when none did for certain.
+QString fx_VanishedText(SxFindings const& findings)
+{
+    for (SxVanishedPictures const& place : findings.vanished) {
+        if (place.isCertain)
+            return QStringLiteral(
+                       "%1 vanished, the first before frame %2; numbers are too small from there on.")
+                .arg(fx_Count(findings.vanishedForCertain(), "picture"))
+                .arg(place.beforeFrame);
+    }
+    return QString();
+}
+
+QJsonObject fx_VanishedJson(SxVanishedPictures const& place)
+{
+    return {{QStringLiteral("beforeFrame"), place.beforeFrame},
+            {QStringLiteral("pictures"), place.pictures},
+            {QStringLiteral("certain"), place.isCertain}};
+}
+
 QJsonObject fx_RangeJson(SxDamagedRange const& range)
 {
     return {{QStringLiteral("frame"), range.first},
@@ -53,8 +73,19 @@ QString fx_Complaint(SxFindings const& findings)
     if (!findings.refusal.isEmpty())
         return findings.refusal;
     QString const file = findings.file + QStringLiteral(": ");
-    if (!findings.damage.isEmpty())
-        return file + fx_DamageText(findings);
+    QString const vanished = fx_VanishedText(findings);
+    if (!findings.damage.isEmpty()) {
+        QStringList lines{file + fx_DamageText(findings)};
+        if (!vanished.isEmpty())
+            lines += QStringLiteral("  ") + vanished;
+        if (findings.wasStopped)
+            lines += QStringLiteral("  Stopped after %1 of %2 frames.")
+                         .arg(findings.examined())
+                         .arg(findings.frames);
+        return lines.join(QLatin1Char('\n'));
+    }
+    if (!vanished.isEmpty() && !findings.wasStopped)
+        return file + vanished;
     if (findings.wasStopped)
         return file + QStringLiteral("stopped after %1 of %2 frames, which all decode.")
                           .arg(findings.decoded)
@@ -70,12 +101,21 @@ QString fx_Complaint(SxFindings const& findings)
 
 QString fx_Caution(SxFindings const& findings)
 {
-    if (findings.crowdedFrames == 0)
+    int pictures = 0;
+    int before = 0;
+    for (SxVanishedPictures const& place : findings.vanished) {
+        if (place.isCertain)
+            continue;
+        before = pictures == 0 ? place.beforeFrame : before;
+        pictures += place.pictures;
+    }
+    if (pictures == 0)
         return QString();
-    return QStringLiteral("%1 hold %2 pictures, of which only the first in each can be shown; the recording "
-                          "was made by another encoder.")
-        .arg(fx_Count(findings.crowdedFrames, "frame"))
-        .arg(findings.picturesInThem);
+    return QStringLiteral(
+               "%1 may be missing, the first before frame %2: the group of pictures there is shorter than "
+               "others, as also where the scene changes.")
+        .arg(fx_Count(pictures, "picture"))
+        .arg(before);
 }
 
 QString fx_Praise(SxFindings const& findings)
@@ -98,6 +138,9 @@ QJsonObject fx_FindingsJson(SxFindings const& findings)
     QJsonArray damage;
     for (SxDamagedRange const& range : findings.damage)
         damage.append(fx_RangeJson(range));
+    QJsonArray vanished;
+    for (SxVanishedPictures const& place : findings.vanished)
+        vanished.append(fx_VanishedJson(place));
     QJsonArray warnings;
     QString const caution = fx_Caution(findings);
     if (!caution.isEmpty())
@@ -108,6 +151,7 @@ QJsonObject fx_FindingsJson(SxFindings const& findings)
         {QStringLiteral("decoded"), findings.decoded},
         {QStringLiteral("failed"), damage.isEmpty() ? QJsonValue() : damage.first()},
         {QStringLiteral("damage"), damage},
+        {QStringLiteral("vanished"), vanished},
         {QStringLiteral("looseBytes"), fx_LooseBytes(findings)},
         {QStringLiteral("stopped"), findings.wasStopped},
         {QStringLiteral("warnings"), warnings},

@@ -1,5 +1,7 @@
 #include "VerifyWorker.h"
 
+#include <QBuffer>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <sys/prctl.h>
@@ -7,8 +9,11 @@
 
 #include "Console.h"
 #include "ExitCode.h"
+#include "H264Syntax.h"
 #include "RecordingReader.h"
 #include "Session.h"
+#include "UnitScan.h"
+#include "VanishedPictures.h"
 
 namespace {
 
@@ -37,20 +42,31 @@ int fx_Refuse(ExitCode code, QString const& sentence)
     return code;
 }
 
-/// Pictures that begin in these coded bytes: slices (nal_unit_type 1 and 5) with first_mb_in_slice 0,
-/// which is coded as a single one bit (ITU-T H.264, 7.3.3).
-int fx_PicturesIn(QByteArray const& bytes)
+/// What a frame's units say; \p sps is the last parameter set before it, and then that in it.
+SxFrameMark fx_MarkOf(QByteArray bytes, SxH264Sps& sps)
 {
-    QByteArray const startCode("\0\0\1", 3);
-    int pictures = 0;
-    for (auto at = bytes.indexOf(startCode); at >= 0 && at + 4 < bytes.size();
-         at = bytes.indexOf(startCode, at + 3)) {
-        int const nal_unit_type = bytes[at + 3] & 0x1F;
-        bool const isSlice = nal_unit_type == 1 || nal_unit_type == 5;
-        if (isSlice && (static_cast<uchar>(bytes[at + 4]) & 0x80) != 0)
-            ++pictures;
-    }
-    return pictures;
+    QBuffer units(&bytes);
+    units.open(QIODevice::ReadOnly);
+    SxFrameMark mark;
+    int slices = 0;
+    int strangers = 0;
+    fx_ForEachUnit(units, -1, [&](uchar const* unit, size_t size) {
+        int const nal_unit_type = unit[0] & 0x1F;
+        if (nal_unit_type == 7)
+            sps = fx_ReadH264Sps(unit, size).value_or(sps);
+        if (nal_unit_type == 1 || nal_unit_type == 5) {
+            if (slices++ == 0 && strangers == 0) {
+                auto const slice = fx_ReadH264Slice(unit, size, sps);
+                mark.frameNum = slice ? static_cast<int>(slice->frame_num) : -1;
+            }
+        } else if (nal_unit_type < 6 || nal_unit_type > 12) { // those between say something about pictures
+            ++strangers;
+        }
+        return true;
+    });
+    // A slice behind another had an opening of its own; without any, one of the strangers was a slice.
+    mark.extraUnits = slices > 1 ? slices - 1 : slices == 1 ? strangers : std::max(strangers - 1, 0);
+    return mark;
 }
 
 void fx_Introduce(CxRecordingReader const& recording)
@@ -69,16 +85,25 @@ void fx_DecodeFrom(int first, CxRecordingReader& recording)
 {
     std::unique_ptr<CxImageData> picture;
     QString cause;
+    SxH264Sps sps;
+    fx_MarkOf(recording.codedFrame(recording.keyFrames().value(0)), sps); // for frames before their key
     for (int frame = first; frame < recording.frameCount(); ++frame) {
         SxCodedFrame const& coded = recording.frames()[static_cast<size_t>(frame)];
-        fx_Say(QStringLiteral("at %1 %2 %3").arg(frame).arg(coded.offset).arg(coded.size));
+        SxFrameMark const mark = fx_MarkOf(recording.codedFrame(frame), sps);
+        fx_Say(QStringLiteral("at %1 %2 %3 %4 %5 %6")
+                   .arg(frame)
+                   .arg(coded.offset)
+                   .arg(coded.size)
+                   .arg(mark.frameNum)
+                   .arg(1 << sps.frameNumBits)
+                   .arg(mark.extraUnits));
         std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
         if (!next) {
             fx_Say(QStringLiteral("bad ") + cause.simplified());
             continue;
         }
         picture = std::move(next); // the one before lived until now: its memory is reused
-        fx_Say(QStringLiteral("good %1").arg(fx_PicturesIn(recording.codedFrame(frame))));
+        fx_Say(QStringLiteral("good"));
     }
 }
 

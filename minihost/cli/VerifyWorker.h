@@ -11,8 +11,9 @@
 ///     refused CODE SENTENCE           it cannot be opened: the exit code and why; then nothing more comes
 ///     recording FRAMES BYTES FPS      of the file; once, when it is open
 ///     keys FRAME,FRAME...
-///     at FRAME OFFSET SIZE            what is decoded next, and where it lies in the file
-///     good PICTURES | bad CAUSE       what became of it, and how many pictures its bytes hold
+///     at FRAME OFFSET SIZE FRAME_NUM MAX_FRAME_NUM EXTRA_UNITS
+///                                     what is decoded next, where it lies in the file, and its SxFrameMark
+///     good | bad CAUSE                what became of it
 ///
 /// \return 0 at the end of the recording
 int fx_RunVerifyWorker(QStringList const& arguments);

@@ -24,6 +24,10 @@ private slots:
     void firstDamageAloneIsReportedOnRequest();
     void severalFilesAreToldALineEach();
     void severalFilesAreAJsonArray();
+    void picturesThatVanishedAreCounted_data();
+    void picturesThatVanishedAreCounted();
+    void shorterGroupIsAWarning();
+    void recordingWithSkippedPicturesIsWhole();
     void crashIsReportedAndTheRestGoesOn();
     void crashThatLaterFramesMeetAgainIsPassedAtAKeyFrame();
     void tooManyCrashesEndTheFile();
@@ -212,6 +216,54 @@ void tst_VerifyCommand::severalFilesAreAJsonArray()
     QCOMPARE(json[0].toObject().value("decoded").toInt(), kFrames);
     QCOMPARE(json[1].toObject().value("file").toString(), QString("none.h264"));
     QCOMPARE(json[1].toObject().value("error").toString(), QString("none.h264: there is no such file."));
+}
+
+void tst_VerifyCommand::picturesThatVanishedAreCounted_data()
+{
+    QTest::addColumn<int>("frame"); // whose unit becomes one that nobody knows
+    QTest::newRow("in a group") << 12;
+    QTest::newRow("the last of a group") << 14;
+    QTest::newRow("a key") << 15;
+}
+
+void tst_VerifyCommand::picturesThatVanishedAreCounted()
+{
+    QFETCH(int, frame);
+    QByteArray damaged = m_bytes;
+    damaged[fx_Offset(m_recording, frame) + 4] = '\x6f';
+    QVERIFY(fx_WriteFile(path("v.h264"), damaged));
+    SxMinihostRun const verified = run({"verify", "v.h264", "--json"});
+    QCOMPARE(verified.exitCode, 4);
+    QVERIFY2(verified.err.contains("1 picture vanished, the first before frame " + QByteArray::number(frame) +
+                                   "; numbers are too small from there on.\n"),
+             verified.err);
+    QCOMPARE(verified.json().value("frames").toInt(), kFrames - 1);
+    QJsonArray const vanished = verified.json().value("vanished").toArray();
+    QCOMPARE(vanished.size(), 1);
+    QCOMPARE(vanished[0].toObject().value("beforeFrame").toInt(), frame);
+    QCOMPARE(vanished[0].toObject().value("pictures").toInt(), 1);
+}
+
+void tst_VerifyCommand::shorterGroupIsAWarning()
+{
+    int const begin = fx_Offset(m_recording, 14);
+    int const end = fx_Offset(m_recording, 15);
+    QVERIFY(fx_WriteFile(path("s.h264"), m_bytes.left(begin) + m_bytes.mid(end)));
+    SxMinihostRun const verified = run({"verify", "s.h264"});
+    QCOMPARE(verified.exitCode, 0); // the encoder may have done so, too
+    QVERIFY2(
+        verified.err.startsWith("warning: s.h264: 1 picture may be missing, the first before frame 14: "),
+        verified.err);
+}
+
+void tst_VerifyCommand::recordingWithSkippedPicturesIsWhole()
+{
+    SxMinihostRun const recorded = run({"record", "camera:", "q.h264", "--frames", "60", "--quality", "1"});
+    QCOMPARE(recorded.exitCode, 0);
+    QVERIFY2(recorded.err.contains("The encoder skipped "), recorded.err);
+    SxMinihostRun const verified = run({"verify", "q.h264"});
+    QCOMPARE(verified.exitCode, 0);
+    QVERIFY2(verified.err.startsWith("q.h264: all "), verified.err);
 }
 
 void tst_VerifyCommand::crashIsReportedAndTheRestGoesOn()
