@@ -9,6 +9,16 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
+/// FFmpeg's readers and decoders as its functions take and give them: before FFmpeg 5 without const, though
+/// nobody changes them.
+#if LIBAVFORMAT_VERSION_MAJOR < 59
+using FFmpegReader = AVInputFormat;
+using FFmpegCodec = AVCodec;
+#else
+using FFmpegReader = AVInputFormat const;
+using FFmpegCodec = AVCodec const;
+#endif
+
 /// Owners for FFmpeg's objects: each is freed with its own function.
 struct SxFFmpegDeleter
 {

@@ -19,7 +19,7 @@ SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format)
     }
     auto const colon = input.indexOf(QLatin1Char(':'));
     if (colon > 0) {
-        AVInputFormat const* const device = av_find_input_format(input.left(colon).toLatin1().constData());
+        FFmpegReader* const device = av_find_input_format(input.left(colon).toLatin1().constData());
         if (fx_IsDevice(device) && (!result.format || result.format == device)) {
             result.format = device;
             result.url = input.mid(colon + 1).toLocal8Bit();

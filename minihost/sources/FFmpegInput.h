@@ -9,7 +9,7 @@
 struct SxFFmpegInput
 {
     QByteArray url;
-    AVInputFormat const* format = nullptr; ///< null: find out
+    FFmpegReader* format = nullptr; ///< null: find out
 };
 
 /// \param input  a file, "-" for standard input, a URL, or DEVICE:NAME.

@@ -136,7 +136,7 @@ bool CxFFmpegSource::openInput()
     int error = avformat_find_stream_info(format, nullptr);
     if (error < 0)
         return isStopped() ? false : refuse(error);
-    AVCodec const* decoder = nullptr;
+    FFmpegCodec* decoder = nullptr;
     m_stream = av_find_best_stream(format, AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
     if (m_stream < 0)
         return isStopped() ? false : leaveOut(QStringLiteral("there is no picture in it"));
