@@ -8,7 +8,7 @@ static bool fx_IsWholeJpeg(uint8_t const* data, int size)
     static constexpr int kEoi = 0xD9;
     static constexpr int kSos = 0xDA;
     int at = 2; // behind the start marker
-    while (at + 4 <= size || at + 2 == size) {
+    while (at + 2 <= size) {
         int const marker = data[at] == 0xFF ? data[at + 1] : -1;
         if (marker == kEoi)
             return true;
