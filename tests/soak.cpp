@@ -105,7 +105,7 @@ void CxSoak::chooseOptions()
 void CxSoak::record()
 {
     static constexpr quint32 kComponents[] = {1, 3, 4};
-    CxTestPicture picture(static_cast<quint32>(32 + below(600)), static_cast<quint32>(32 + below(400)),
+    CxTestPicture picture(static_cast<quint32>(128 + below(500)), static_cast<quint32>(96 + below(300)),
                           kComponents[below(3)], below(2) == 0 ? 2 : 4, static_cast<quint32>(below(3) * 16));
     auto const saver = fx_New<IxImageDataSaver>("IxImageDataSaver");
     saver->setOutputFile(m_fileName);
