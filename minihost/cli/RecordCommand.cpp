@@ -1,4 +1,5 @@
 #include <QFileInfo>
+#include <algorithm>
 #include <memory>
 
 #include "Commands.h"
@@ -7,6 +8,7 @@
 #include "FFmpegSource.h"
 #include "Interrupt.h"
 #include "ProgressLine.h"
+#include "QualityTrial.h"
 #include "RecordArguments.h"
 #include "RecordReport.h"
 #include "SameFile.h"
@@ -79,7 +81,8 @@ public:
                                                 : QStringLiteral("%1 skipped").arg(summary.skipped.size()));
     }
 
-    void onEnd(SxRecordSummary const& summary)
+    /// \param trial  null when the source cannot be read again
+    void onEnd(SxRecordSummary const& summary, CxQualityTrial* trial)
     {
         Console::transient(QString());
         passWarnings();
@@ -89,7 +92,9 @@ public:
         if (!summary.level.isEmpty() && summary.level != asked)
             warn(QStringLiteral("OpenH264 made the recording level %1, not level %2 as asked.")
                      .arg(summary.level, asked));
-        QString const advice = fx_SkipAdvice(m_request, summary);
+        if (trial && !summary.skipped.isEmpty())
+            Console::transient(QStringLiteral("Trying which quality keeps every picture..."));
+        QString const advice = fx_SkipAdvice(m_request, summary, trial);
         if (!advice.isEmpty())
             warn(advice);
     }
@@ -158,6 +163,13 @@ std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& argument
                                             arguments.input);
 }
 
+/// True when all sources can be read again from the beginning and are the same then.
+bool fx_IsRepeatable(SxRecordArguments const& arguments)
+{
+    return std::all_of(arguments.sources.begin(), arguments.sources.end(),
+                       [](QString const& source) { return QFileInfo(source).isFile(); });
+}
+
 int fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summary)
 {
     switch (summary.failure) {
@@ -181,7 +193,9 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
     CxRecordWatcher watcher(*source, arguments.request);
     SxRecordSummary summary = fx_Record(
         *source, arguments.request, [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
-    watcher.onEnd(summary);
+    bool const isTried = fx_IsRepeatable(arguments) && summary.error.isEmpty() && !summary.wasStopped;
+    CxQualityTrial trial([&arguments] { return fx_MakeSource(arguments); }, arguments.request, summary);
+    watcher.onEnd(summary, isTried ? &trial : nullptr);
     bool const isInterrupted = summary.error.isEmpty() && fx_IsInterrupted(summary);
     if (isInterrupted)
         summary.error = fx_InterruptionText(arguments.request, summary);

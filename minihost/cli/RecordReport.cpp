@@ -5,6 +5,7 @@
 #include <QJsonObject>
 
 #include "PictureRate.h"
+#include "QualityTrial.h"
 #include "RateAdvice.h"
 #include "Readable.h"
 
@@ -100,30 +101,48 @@ QString fx_InterruptionText(SxRecordRequest const& request, SxRecordSummary cons
         .arg(request.outputFile, fx_PictureCount(summary));
 }
 
-QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary)
+/// The quality above that in \p from that keeps every picture: estimated, then tried if that can be.
+static std::optional<int> fx_SufficientQuality(SxEncoderOptions const& from, SxRecordSummary const& summary,
+                                               CxQualityTrial* trial)
+{
+    std::optional<int> const estimated =
+        fx_QualityThatKeepsAll(summary.savedWidth, summary.savedHeight, from, summary.bytes, summary.coded,
+                               static_cast<int>(summary.skipped.size()));
+    if (!trial)
+        return estimated;
+    SxEncoderOptions tried = from;
+    tried.quality = estimated.value_or(SxEncoderOptions::kQualityMax);
+    std::optional<int> const seen = trial->lowestQuality(tried);
+    return trial->isBrokenOff() ? estimated : seen;
+}
+
+QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary, CxQualityTrial* trial)
 {
     if (summary.skipped.isEmpty() || summary.coded == 0)
         return QString();
-    auto const sufficientQuality = [&summary](SxEncoderOptions const& used) {
-        return fx_QualityThatKeepsAll(summary.savedWidth, summary.savedHeight, used, summary.bytes,
-                                      summary.coded, static_cast<int>(summary.skipped.size()));
-    };
     QString advice = QStringLiteral("The encoder skipped %1 of %2 pictures to keep to its bit rate; ")
                          .arg(summary.skipped.size())
                          .arg(summary.given);
+    auto const keeps = [trial] {
+        bool const isSeen = trial && trial->seesAll() && !trial->isBrokenOff();
+        return isSeen ? QStringLiteral("keeps them all.") : QStringLiteral("probably keeps them all.");
+    };
+    if (std::optional<int> const quality = fx_SufficientQuality(request.encoder, summary, trial))
+        return advice + QStringLiteral("--quality %1 %2").arg(*quality).arg(keeps());
+
     SxEncoderOptions unlimited = request.encoder;
     unlimited.level = SxEncoderOptions().level; // the highest
-    if (std::optional<int> const quality = sufficientQuality(request.encoder))
-        advice += QStringLiteral("--quality %1 probably keeps them all.").arg(*quality);
-    else if (sufficientQuality(unlimited))
-        advice += QStringLiteral("level %1 allows no more, a higher --level does.")
-                      .arg(fx_LevelName(request.encoder.level));
-    else if (request.encoder.keyFrameInterval < 30)
-        advice += QStringLiteral("not even --quality 10 would keep them all, but fewer key frames "
-                                 "(--keyframe-rate 30) may help.");
-    else
-        advice += QStringLiteral("not even --quality 10 would keep them all.");
-    return advice;
+    if (unlimited.level != request.encoder.level) {
+        if (std::optional<int> const quality = fx_SufficientQuality(unlimited, summary, trial))
+            return advice + QStringLiteral("level %1 allows no more, --level %2 with --quality %3 %4")
+                                .arg(fx_LevelName(request.encoder.level), fx_LevelName(unlimited.level))
+                                .arg(*quality)
+                                .arg(keeps());
+    }
+    advice += QStringLiteral("not even --quality 10 would keep them all");
+    return advice + (request.encoder.keyFrameInterval < 30
+                         ? QStringLiteral(", but fewer key frames (--keyframe-rate 30) may help.")
+                         : QStringLiteral("."));
 }
 
 QString fx_BitsAdvice(SxRecordSummary const& summary)

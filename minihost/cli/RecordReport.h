@@ -5,6 +5,8 @@
 
 #include "Recorder.h"
 
+class CxQualityTrial;
+
 /// The summary for people, several lines without a newline at the end.
 QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary);
 
@@ -19,8 +21,9 @@ bool fx_IsInterrupted(SxRecordSummary const& summary);
 /// What is missing then, one sentence.
 QString fx_InterruptionText(SxRecordRequest const& request, SxRecordSummary const& summary);
 
-/// What to do about skipped pictures, one sentence; empty when none were skipped.
-QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary);
+/// What to do about skipped pictures, one sentence; empty when none were skipped. Judged by the bit rate, or
+/// with \p trial, which may be null, by what it saw.
+QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary, CxQualityTrial* trial);
 
 /// A question about the significant bits when the highest sample seen contradicts them; empty when it
 /// does not, or nothing was seen.

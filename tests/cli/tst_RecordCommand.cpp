@@ -46,7 +46,10 @@ private slots:
     void tooSmallPicturesLeaveNoOutput();
 
     void skippedPicturesAreReported();
+    void adviceAgainstSkippingHolds_data();
     void adviceAgainstSkippingHolds();
+    void adviceThatCouldNotBeTriedSaysProbably_data();
+    void adviceThatCouldNotBeTriedSaysProbably();
     void adviceNamesTheLevelThatIsTooLow();
     void bitsThatContradictThePicturesAreQuestioned_data();
     void bitsThatContradictThePicturesAreQuestioned();
@@ -440,25 +443,85 @@ void tst_RecordCommand::skippedPicturesAreReported()
     QCOMPARE(static_cast<int>(fx_DecodeH264File(path("out.h264"), error).size()), 30 - skipped.size());
 }
 
+/// The options that the advice against skipped pictures names.
+static QStringList fx_Advised(QByteArray const& err)
+{
+    QRegularExpression const options(
+        QStringLiteral("(?:--level (\\S+) with )?--quality (\\d+) keeps them all"));
+    QRegularExpressionMatch const advice = options.match(QString::fromUtf8(err));
+    if (!advice.hasMatch())
+        return {};
+    QStringList const quality{"--quality", advice.captured(2)};
+    return advice.captured(1).isEmpty() ? quality : quality + QStringList{"--level", advice.captured(1)};
+}
+
+void tst_RecordCommand::adviceAgainstSkippingHolds_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("noise"); // 0: the test camera
+    QTest::addColumn<QString>("quality");
+    for (char const* quality : {"1", "2", "3"}) {
+        for (int const noise : {0, 4, 12, 30}) {
+            for (QSize const size : {QSize(64, 48), QSize(160, 120)})
+                QTest::addRow("%d x %d, noise %d, quality %s", size.width(), size.height(), noise, quality)
+                    << size << noise << quality;
+        }
+    }
+    QTest::newRow("quality that nearly suffices") << QSize(320, 240) << 12 << "2";
+}
+
 void tst_RecordCommand::adviceAgainstSkippingHolds()
 {
-    QStringList const common{"record",   "camera:", path("out.h264"), "--size", "64x48",
-                             "--frames", "60",      "--overwrite",    "--json"};
-    SxMinihostRun const run = fx_RunMinihost(common + QStringList{"--quality", "2"});
-    QVERIFY(run.json().value("skipped").toInt() > 0);
-    QRegularExpressionMatch const advice =
-        QRegularExpression("--quality (\\d+) probably keeps them all").match(QString::fromUtf8(run.err));
-    QVERIFY2(advice.hasMatch(), run.err);
-    SxMinihostRun const better = fx_RunMinihost(common + QStringList{"--quality", advice.captured(1)});
-    QCOMPARE(better.json().value("skipped").toInt(-1), 0);
-    QVERIFY2(!better.err.contains("warning"), better.err);
+    QFETCH(QSize, size);
+    QFETCH(int, noise);
+    QFETCH(QString, quality);
+    QString const dimensions = QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+    QStringList source{"camera:", "--size", dimensions, "--frames", "60"};
+    if (noise > 0) {
+        QVERIFY(fx_WriteFile(path("in.y4m"), fx_NoisyY4mFile(size.width(), size.height(), 60, noise)));
+        source = QStringList{path("in.y4m")};
+    }
+    QStringList const common = QStringList{"record", "--overwrite", "--json"} + source;
+    SxMinihostRun const run = fx_RunMinihost(common + QStringList{path("out.h264"), "--quality", quality});
+    if (run.json().value("skipped").toInt() == 0)
+        return; // nothing to advise
+    QStringList const advised = fx_Advised(run.err);
+    bool const isHopeless = run.err.contains("not even --quality 10 would keep them all");
+    QVERIFY2(advised.isEmpty() == isHopeless, run.err);
+    SxMinihostRun const better = fx_RunMinihost(common + QStringList{path("out.h264")} +
+                                                (isHopeless ? QStringList{"--quality", "10"} : advised));
+    QVERIFY2((better.json().value("skipped").toInt(-1) > 0) == isHopeless, run.err + better.err);
 }
 
 void tst_RecordCommand::adviceNamesTheLevelThatIsTooLow()
 {
-    SxMinihostRun const run = fx_RunMinihost(
-        {"record", "camera:", path("out.h264"), "--size", "128x96", "--frames", "60", "--level", "1"});
-    QVERIFY2(run.err.contains("level 1 allows no more, a higher --level does."), run.err);
+    QStringList const common{"record",   "camera:", path("out.h264"), "--size", "128x96",
+                             "--frames", "60",      "--overwrite",    "--json"};
+    SxMinihostRun const run = fx_RunMinihost(common + QStringList{"--level", "1"});
+    QVERIFY2(run.err.contains("level 1 allows no more, --level 5.2 with --quality "), run.err);
+    SxMinihostRun const better = fx_RunMinihost(common + fx_Advised(run.err));
+    QVERIFY2(better.json().value("skipped").toInt(-1) == 0, run.err + better.err);
+}
+
+void tst_RecordCommand::adviceThatCouldNotBeTriedSaysProbably_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("count");
+    QTest::newRow("pipe") << "-"
+                          << "60";
+    QTest::newRow("long, so only its worst part is tried") << "camera:"
+                                                           << "1100";
+}
+
+void tst_RecordCommand::adviceThatCouldNotBeTriedSaysProbably()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, count);
+    QStringList arguments{"record", source, path("out.h264"), "--frames", count, "--quality", "1"};
+    if (source == "camera:")
+        arguments += {"--size", "160x120"};
+    SxMinihostRun const run = fx_RunMinihost(arguments, fx_NoisyY4mFile(160, 120, 60, 12));
+    QVERIFY2(run.err.contains(" probably keeps them all.\n"), run.err);
 }
 
 void tst_RecordCommand::bitsThatContradictThePicturesAreQuestioned_data()

@@ -36,6 +36,23 @@ QByteArray fx_NoiseY4mFile(int width, int height, int count)
     return file;
 }
 
+QByteArray fx_NoisyY4mFile(int width, int height, int count, int noise)
+{
+    std::mt19937 random(7);
+    QByteArray file = fx_Y4mFile(width, height, "420jpeg", QByteArray(), 0);
+    for (int i = 0; i < count; ++i) {
+        file += "FRAME\n";
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                int const added = static_cast<int>(random() % static_cast<unsigned>(2 * noise + 1)) - noise;
+                file += static_cast<char>(64 + (x + y + 3 * i) % 128 + added);
+            }
+        }
+        file += QByteArray(width * height / 2, char(128));
+    }
+    return file;
+}
+
 QByteArray fx_CodedPicture(AVCodecID codec, AVPixelFormat format, int width, int height,
                            QByteArray const& samples)
 {

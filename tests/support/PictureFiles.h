@@ -21,6 +21,9 @@ QByteArray fx_Y4mFile(int width, int height, QByteArray const& chroma, QByteArra
 /// As above, with every picture full of noise that no encoder can predict.
 QByteArray fx_NoiseY4mFile(int width, int height, int count);
 
+/// A Y4M stream of a moving ramp, each sample of luma up to \p noise brighter or darker.
+QByteArray fx_NoisyY4mFile(int width, int height, int count, int noise);
+
 /// One picture in a format of FFmpeg's, coded by its encoder: the bytes of a PNG, TIFF, JPEG or BMP
 /// file. \p samples holds the picture's planes without gaps. Empty when FFmpeg refuses.
 QByteArray fx_CodedPicture(AVCodecID codec, AVPixelFormat format, int width, int height,
