@@ -7,8 +7,9 @@ struct SxFrameMark
 {
     int frame = 0;
     bool isKey = false;
-    int frameNum = -1;   ///< frame_num of its slice (ITU-T H.264, 7.4.3): 0 for a key, then one more each; -1: unreadable
-    int extraUnits = 0;  ///< behind its slice, where nothing should be: pictures whose own opening is damaged
+    int frameNum =
+        -1; ///< frame_num of its slice (ITU-T H.264, 7.4.3): 0 for a key, then one more each; -1: unreadable
+    int extraUnits = 0; ///< behind its slice, where nothing should be: pictures whose own opening is damaged
 };
 
 /// Pictures that are not there any more, so that the numbers behind them are too small.
@@ -16,10 +17,12 @@ struct SxVanishedPictures
 {
     int beforeFrame = 0; ///< the first frame whose number is too small
     int pictures = 0;
-    bool isCertain = false; ///< false: the encoder may have begun a new group by itself, as it does at a new scene
+    bool isCertain =
+        false; ///< false: the encoder may have begun a new group by itself, as it does at a new scene
 };
 
-/// Finds the pictures that vanished, by frame_num, by units that belong nowhere and by the key frames' spacing.
+/// Finds the pictures that vanished, by frame_num, by units that belong nowhere and by the key frames'
+/// spacing.
 ///
 /// \param marks        of all frames, ascending
 /// \param maxFrameNum  where frame_num begins anew

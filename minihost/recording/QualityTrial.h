@@ -16,8 +16,8 @@ public:
     /// \param recorded  what became of \p request. Of a long recording only the part that lost most is tried.
     CxQualityTrial(MakeSource make, SxRecordRequest const& request, SxRecordSummary const& recorded);
 
-    /// The lowest quality from that in \p options on with which no picture was skipped, the other options being
-    /// these. Nothing when there is none, or it was broken off.
+    /// The lowest quality from that in \p options on with which no picture was skipped, the other options
+    /// being these. Nothing when there is none, or it was broken off.
     std::optional<int> lowestQuality(SxEncoderOptions options);
 
     /// The request's stop flag or an error ended it, so that nothing was seen.

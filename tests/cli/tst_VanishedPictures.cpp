@@ -2,8 +2,8 @@
 
 #include "VanishedPictures.h"
 
-/// Pictures that a recording lost, found by what is left of it. A recording here is a word: a digit is a frame with
-/// that frame_num, K a key frame, ? one whose slice is unreadable, + one with a unit behind it.
+/// Pictures that a recording lost, found by what is left of it. A recording here is a word: a digit is a
+/// frame with that frame_num, K a key frame, ? one whose slice is unreadable, + one with a unit behind it.
 class tst_VanishedPictures : public QObject
 {
     Q_OBJECT
