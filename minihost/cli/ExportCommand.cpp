@@ -66,6 +66,8 @@ Outcome CxFeeder::feedOne(int frame)
 {
     QString cause;
     std::unique_ptr<CxImageData> next = m_recording.picture(frame, cause);
+    if (!next)
+        fx_RuleOutShortMemory();
     if (!next && m_keepsGoing) {
         if (m_leftOut.isEmpty())
             m_firstCause = QStringLiteral("frame %1: %2").arg(frame).arg(cause);

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "ExitCode.h"
 #include "Options.h"
 #include "RecordingReader.h"
 
@@ -21,6 +22,13 @@ bool fx_ParsePlayArguments(QCommandLineParser& parser, QStringList const& argume
 /// The same for a command that takes several recordings.
 bool fx_ParseSeveralPlayArguments(QCommandLineParser& parser, QStringList const& arguments,
                                   SxPlayArguments& parsed, QString& error);
+
+/// What a command ends with that could not open \p file: kBadInput, unless it is memory that is short.
+ExitCode fx_RefusalCode(QString const& file);
+
+/// After a picture that does not decode: throws std::bad_alloc when that may be for want of memory, which
+/// says nothing about the recording.
+void fx_RuleOutShortMemory();
 
 /// Opens plug-in and recording and has \p work done with it. \return what \p work returned, or the exit code
 /// of what could not be opened, which is then told.

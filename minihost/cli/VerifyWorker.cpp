@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <new>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
 #include "Console.h"
 #include "ExitCode.h"
 #include "H264Syntax.h"
+#include "PlayCommand.h"
 #include "RecordingReader.h"
 #include "Session.h"
 #include "UnitScan.h"
@@ -99,6 +101,7 @@ void fx_DecodeFrom(int first, CxRecordingReader& recording)
                    .arg(mark.extraUnits));
         std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
         if (!next) {
+            fx_RuleOutShortMemory();
             fx_Say(QStringLiteral("bad ") + cause.simplified());
             continue;
         }
@@ -123,8 +126,13 @@ int fx_RunVerifyWorker(QStringList const& arguments)
         return fx_Refuse(kFailed, error);
     CxRecordingReader recording; // its objects go before the plug-in finishes
     if (!recording.open(arguments.value(3), error))
-        return fx_Refuse(kBadInput, error);
+        return fx_Refuse(fx_RefusalCode(arguments.value(3)), error);
     fx_Introduce(recording);
-    fx_DecodeFrom(arguments.value(0).toInt(), recording);
+    try {
+        fx_DecodeFrom(arguments.value(0).toInt(), recording);
+    } catch (std::bad_alloc const&) {
+        return fx_Refuse(kFailed,
+                         recording.fileName() + QStringLiteral(": there is not enough memory to decode it."));
+    }
     return kDone;
 }
