@@ -252,7 +252,7 @@ void tst_Recorder::recordingOfNoPictureIsAFailure()
     s_script.writes = false; // as when the encoder skips
     SxRecordSummary const summary = record();
     QCOMPARE(summary.given, 3);
-    QCOMPARE(summary.skipped.size(), 3);
+    QCOMPARE(static_cast<int>(summary.skipped.size()), 3);
     QVERIFY2(summary.error.startsWith("Nothing was recorded"), qPrintable(summary.error));
     QVERIFY(summary.failure == RecordFailure::Other);
     QVERIFY(!QFile::exists(path()));
