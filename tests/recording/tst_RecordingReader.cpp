@@ -3,6 +3,7 @@
 #include "PluginHost.h"
 #include "PluginMessages.h"
 #include "RecordingReader.h"
+#include "support/FakeLoader.h"
 #include "support/RecordedCamera.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -30,6 +31,25 @@ private slots:
     void init() { makeFolder(); }
 
     void openingAThousandTimesLeavesMemoryFlat();
+    void restOfABrokenGroupFailsWithoutATry();
+};
+
+/// Pictures 11 to 19 are broken, as behind damage in a group of pictures.
+class CxBrokenGroupLoader : public CxFakeLoader
+{
+public:
+    explicit CxBrokenGroupLoader(SxLoaderLog& log)
+        : CxFakeLoader(log)
+    {}
+
+    IxChainData* loadedData(int index) override
+    {
+        IxChainData* const data = CxFakeLoader::loadedData(index);
+        if (index < 11 || index > 19)
+            return data;
+        delete data;
+        return nullptr;
+    }
 };
 
 /// Memory of this process that is resident, in pages.
@@ -55,6 +75,27 @@ void tst_RecordingReader::openingAThousandTimesLeavesMemoryFlat()
     QVERIFY(settled > 0);
     QVERIFY2(later <= settled * 102 / 100, // a page an open would be 14 in a hundred
              qPrintable(QStringLiteral("%1 pages, then %2").arg(settled).arg(later)));
+}
+
+void tst_RecordingReader::restOfABrokenGroupFailsWithoutATry()
+{
+    CxPluginMessages const messages;
+    SxLoaderLog log;
+    CxRecordingReader recording(std::make_unique<CxBrokenGroupLoader>(log));
+    QString error;
+    QVERIFY2(recording.open(m_recording, error), qPrintable(error));
+    std::unique_ptr<CxImageData> picture; // until the next has come
+    for (int frame = 9; frame <= 21; ++frame) {
+        std::unique_ptr<CxImageData> next = recording.picture(frame, error);
+        bool const isBroken = frame >= 11 && frame <= 19;
+        QCOMPARE(!next, isBroken);
+        QVERIFY(!isBroken || !error.isEmpty());
+        if (next)
+            picture = std::move(next);
+    }
+    QCOMPARE(log.take(), (QVector<int>{9, 10, 11, 12, 20, 21}));
+    QVERIFY(!recording.picture(15, error)); // asked for out of order it gets its try
+    QCOMPARE(log.take(), QVector<int>{15});
 }
 
 QTEST_GUILESS_MAIN(tst_RecordingReader)
