@@ -23,6 +23,11 @@ int fx_Patience()
     return isSet && ms > 0 ? ms : kPatienceMs;
 }
 
+bool fx_IsKey(SxFindings const& findings, int frame)
+{
+    return std::binary_search(findings.keyFrames.begin(), findings.keyFrames.end(), frame);
+}
+
 /// One worker, from its start to its end, and what it says.
 class CxWorkerRun
 {
@@ -81,8 +86,10 @@ void CxWorkerRun::take(QString const& line)
         m_findings.refusalCode = static_cast<ExitCode>(values.value(0).toInt());
         m_findings.refusal = rest.section(QLatin1Char(' '), 1);
         m_isDone = true;
-    } else if (word == QLatin1String("recording") && m_findings.frames == 0) {
+    } else if (word == QLatin1String("recording")) {
         m_isOpen = true;
+        if (m_findings.frames > 0)
+            return; // the first worker's numbers stand, should the file have changed
         m_findings.frames = values.value(0).toInt();
         m_findings.fileBytes = values.value(1).toLongLong();
         m_findings.fps = values.value(2).toDouble();
@@ -95,9 +102,8 @@ void CxWorkerRun::take(QString const& line)
         m_size = values.value(2).toLongLong();
         m_findings.closeDamageAt(m_offset); // of frames that nobody could look at the size was not known
         m_findings.endOfFrames = m_offset + m_size;
-        bool const isKey =
-            std::binary_search(m_findings.keyFrames.begin(), m_findings.keyFrames.end(), m_next);
-        m_findings.marks.append({m_next, isKey, values.value(3).toInt(), values.value(5).toInt()});
+        m_findings.marks.append(
+            {m_next, fx_IsKey(m_findings, m_next), values.value(3).toInt(), values.value(5).toInt()});
         m_findings.maxFrameNum = std::max(values.value(4).toInt(), 1);
     } else if (word == QLatin1String("good") || word == QLatin1String("bad")) {
         takeFrame(word, rest);
@@ -185,8 +191,10 @@ int fx_NextKeyFrame(SxFindings const& findings, int frame)
 /// Takes the frames up to \p next, which nobody will look at, for damaged like those before or for \p cause.
 void fx_PassOver(SxFindings& findings, int first, int next, QString const& cause)
 {
-    for (int frame = first; frame < next; ++frame)
+    for (int frame = first; frame < next; ++frame) {
         findings.addDamage(frame, findings.endOfFrames, 0, cause);
+        findings.marks.append({frame, fx_IsKey(findings, frame), -1, 0});
+    }
     if (first < next && next == findings.frames) {
         findings.closeDamageAt(findings.fileBytes);
         findings.endOfFrames = findings.fileBytes;
@@ -203,16 +211,9 @@ int SxFindings::vanishedForCertain() const
     return pictures;
 }
 
-int SxFindings::examined() const
-{
-    int count = decoded;
-    for (SxDamagedRange const& range : damage)
-        count += range.last - range.first + 1;
-    return count;
-}
-
 void SxFindings::addDamage(int frame, qint64 offset, qint64 size, QString const& cause)
 {
+    ++failed;
     if (!damage.isEmpty() && damage.last().last == frame - 1 && damage.last().cause == cause) {
         damage.last().last = frame;
         damage.last().size += size;

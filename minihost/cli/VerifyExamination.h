@@ -28,7 +28,8 @@ struct SxFindings
     qint64 fileBytes = 0;
     double fps = 0;         ///< as the loader assumes
     QVector<int> keyFrames; ///< ascending
-    int decoded = 0;
+    int decoded = 0;        ///< frames
+    int failed = 0;
     QVector<SxDamagedRange> damage; ///< ascending
     qint64 endOfFrames = 0;         ///< bytes from the start of the file
     QVector<SxFrameMark> marks;     ///< of the frames that were read
@@ -36,8 +37,8 @@ struct SxFindings
     QVector<SxVanishedPictures> vanished;
     bool wasStopped = false; ///< by a signal: what comes behind is not known
 
-    int vanishedForCertain() const; ///< pictures
-    int examined() const;           ///< frames that were decoded or failed
+    int vanishedForCertain() const;                   ///< pictures
+    int examined() const { return decoded + failed; } ///< frames that were decoded or failed
     void addDamage(int frame, qint64 offset, qint64 size, QString const& cause);
 
     /// The damage that was added last, if it is the last that is known, reaches up to there.

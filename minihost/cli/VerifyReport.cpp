@@ -29,7 +29,7 @@ QString fx_DamageText(SxFindings const& findings)
     if (damage.size() == 1)
         return QStringLiteral("%1 cannot be decoded: %2.").arg(fx_Place(damage[0]), damage[0].cause);
     QString text = QStringLiteral("%1 of %2 cannot be decoded, in %3 places:")
-                       .arg(findings.examined() - findings.decoded)
+                       .arg(findings.failed)
                        .arg(fx_Count(findings.frames, "frame"))
                        .arg(damage.size());
     for (SxDamagedRange const& range : damage)
@@ -86,6 +86,8 @@ QString fx_Complaint(SxFindings const& findings)
     }
     if (!vanished.isEmpty() && !findings.wasStopped)
         return file + vanished;
+    if (findings.wasStopped && findings.frames == 0)
+        return file + QStringLiteral("stopped before it was open.");
     if (findings.wasStopped)
         return file + QStringLiteral("stopped after %1 of %2 frames, which all decode.")
                           .arg(findings.decoded)
