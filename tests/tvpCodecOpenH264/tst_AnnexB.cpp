@@ -96,6 +96,7 @@ class tst_AnnexB : public QObject
     Q_OBJECT
 
 private slots:
+    void startCodeFillsTheStream();
     void startCodeIsFoundWhole_data();
     void startCodeIsFoundWhole();
     void everyShortStreamIsCutLikeThePlainScan();
@@ -108,6 +109,17 @@ private slots:
     void spsLengthEndsAt65535_data();
     void spsLengthEndsAt65535();
 };
+
+/// Its last byte is the stream's last, which counts; one byte less is no start code.
+void tst_AnnexB::startCodeFillsTheStream()
+{
+    uchar const code[] = {0, 0, 0, 1};
+    QCOMPARE(fx_StartCodeLength(code, 4, 0), size_t(4));
+    QCOMPARE(fx_StartCodeLength(code, 4, 1), size_t(3));
+    QCOMPARE(fx_StartCodeLength(code, 3, 0), size_t(0));
+    QCOMPARE(fx_StartCodeLength(code, 3, 1), size_t(0));
+    QCOMPARE(fx_StartCodeLength(code, 4, 4), size_t(0));
+}
 
 void tst_AnnexB::startCodeIsFoundWhole_data()
 {

@@ -12,11 +12,13 @@
 #include "support/SavedSequence.h"
 
 static bool s_isResizeFailing = false;
+static quint32 s_resizedPitch = 0; ///< of the picture that the last scaling was to fill
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the names are those that the linker's --wrap makes.
 extern "C" bool __real__ZN11CxPicBufAPI6ResizeERK8SxPicBufRS0_(SxPicBuf const& source, SxPicBuf& target);
 extern "C" bool __wrap__ZN11CxPicBufAPI6ResizeERK8SxPicBufRS0_(SxPicBuf const& source, SxPicBuf& target)
 {
+    s_resizedPitch = target.pitch;
     return !s_isResizeFailing && __real__ZN11CxPicBufAPI6ResizeERK8SxPicBufRS0_(source, target);
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -33,6 +35,8 @@ private slots:
     void cleanup();
 
     void pictureThatCannotBeScaledIsLeftOut();
+    void scaledPictureHasRoomForItsSamples_data();
+    void scaledPictureHasRoomForItsSamples();
     void libraryThatGivesNoEncoderIsAskedAgain();
     void libraryThatRefusesTheParametersIsAskedAgain();
     void pictureThatTheLibraryFailsAtIsLeftOut_data();
@@ -95,6 +99,39 @@ void tst_H264VideoSaverFaults::pictureThatCannotBeScaledIsLeftOut()
     QCOMPARE(played.size(), coded);
     QVERIFY(!played.contains(QByteArray()));
     QVERIFY(played.first().size() < 320 * 240 * 4);
+}
+
+void tst_H264VideoSaverFaults::scaledPictureHasRoomForItsSamples_data()
+{
+    QTest::addColumn<quint32>("sampleType");
+    QTest::addColumn<quint32>("pitch");
+    for (quint32 const sampleType : {1u, 2u, 12u})
+        QTest::addRow("%u", sampleType) << sampleType << 768u;
+    for (quint32 const sampleType : {3u, 4u, 11u})
+        QTest::addRow("%u", sampleType) << sampleType << 1536u;
+    for (quint32 const sampleType : {5u, 6u, 9u})
+        QTest::addRow("%u", sampleType) << sampleType << 2816u;
+    for (quint32 const sampleType : {7u, 8u, 10u})
+        QTest::addRow("%u", sampleType) << sampleType << 5632u;
+}
+
+/// 176 pixels of four components, rounded up to 256 bytes, also in formats that only the host's scaling
+/// knows.
+void tst_H264VideoSaverFaults::scaledPictureHasRoomForItsSamples()
+{
+    QFETCH(quint32, sampleType);
+    QMap<QString, QVariant> const options = fx_CodecOptions(0x34363248);
+    fx_SetCodecOptions(0x34363248, {{"h264_level_idc", 10}}); // at most 176 wide
+    CxTestPicture picture(320, 240);
+    picture.buf.sampleType = sampleType;
+    CxImageData image;
+    image.setPicBuf(picture.buf);
+    s_isResizeFailing = true;
+    CxH264VideoSaver saver;
+    saver.setOutputFile(path());
+    QVERIFY(!saver.save(&image, 0));
+    QTEST(s_resizedPitch, "pitch");
+    fx_SetCodecOptions(0x34363248, options);
 }
 
 void tst_H264VideoSaverFaults::libraryThatGivesNoEncoderIsAskedAgain()

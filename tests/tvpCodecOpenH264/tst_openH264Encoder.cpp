@@ -56,6 +56,8 @@ private slots:
 
     void pictureReachesTheLibrary_data();
     void pictureReachesTheLibrary();
+    void oddSizeReachesTheLibrary_data();
+    void oddSizeReachesTheLibrary();
     void timestampReachesTheLibraryInMilliseconds_data();
     void timestampReachesTheLibraryInMilliseconds();
     void shortBufferIsRefused();
@@ -787,6 +789,35 @@ void tst_openH264Encoder::pictureReachesTheLibrary()
         QCOMPARE(seen.header.pData[0], fx_OpenH264Double().pictures.front().header.pData[0]);
         QVERIFY(seen.planes == fx_ExpectedPlanes(picture.buf));
     }
+}
+
+void tst_openH264Encoder::oddSizeReachesTheLibrary_data()
+{
+    QTest::addColumn<quint32>("width");
+    QTest::addColumn<quint32>("height");
+    QTest::newRow("a byte of V behind the planes") << 7u << 4u;
+    QTest::newRow("pixels that no four divide") << 7u << 2u;
+    QTest::newRow("many rows") << 5u << 30u;
+}
+
+/// V starts at a quarter of the pixels; what of it lies behind the planes of such a picture is neutral.
+void tst_openH264Encoder::oddSizeReachesTheLibrary()
+{
+    QFETCH(quint32, width);
+    QFETCH(quint32, height);
+    CxOpenH264Encoder encoder;
+    CxTestPicture picture(width, height);
+    picture.fillNoise(1);
+    std::vector<uchar> planes(encoder.maxEncodedSize(picture.buf));
+    QVERIFY(fx_OracleToIYUV(picture.buf, planes));
+    planes.resize(planes.size() + width * height, 128);
+    QVERIFY(fx_Encode(encoder, picture.buf).isOk);
+
+    SxEncodedPicture const& seen = fx_OpenH264Double().pictures.back();
+    std::ptrdiff_t const pixels = width * height, chroma = (width / 2) * (height / 2);
+    auto const u = planes.cbegin() + pixels, v = u + pixels / 4;
+    QVERIFY(seen.planes.u == std::vector<uchar>(u, u + chroma));
+    QVERIFY(seen.planes.v == std::vector<uchar>(v, v + chroma));
 }
 
 void tst_openH264Encoder::timestampReachesTheLibraryInMilliseconds_data()
