@@ -146,6 +146,8 @@ bool CxRecordingOutput::passOn()
 
 QString CxRecordingOutput::why()
 {
+    if (m_error == ETIMEDOUT)
+        return QStringLiteral("its reader takes no more");
     if (m_error != 0)
         return qt_error_string(m_error);
     int const file = isRelayed() ? m_memory : m_out;

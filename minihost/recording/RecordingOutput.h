@@ -28,7 +28,7 @@ public:
     /// be written; why() then says why.
     bool passOn();
 
-    /// Why bytes could not be written, as the system words it; empty when they can be now. For a regular file
+    /// Why bytes could not be written, half a sentence, mostly as the system words it; empty when they can be now. For a regular file
     /// this is found out by trying, with the saver's file closed.
     QString why();
 

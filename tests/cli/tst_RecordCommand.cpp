@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+#include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 
 #include "PictureFormat.h"
@@ -74,6 +76,7 @@ private slots:
     void closedReaderIsAFailureWithItsCause();
     void pipeWithoutItsOtherEndAnswersTheInterrupt_data();
     void pipeWithoutItsOtherEndAnswersTheInterrupt();
+    void readerThatTakesNothingDoesNotHoldTheInterrupt();
     void secondRecordingToTheSameFileIsRefused();
 
     void jsonSummaryCountsPicturesAndBytes();
@@ -883,6 +886,29 @@ void tst_RecordCommand::pipeWithoutItsOtherEndAnswersTheInterrupt()
     QCOMPARE(process.readAllStandardError(),
              QByteArray("error: Interrupted before the first picture; nothing was recorded.\n"));
     QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+void tst_RecordCommand::readerThatTakesNothingDoesNotHoldTheInterrupt()
+{
+    QVERIFY(fx_WriteFile(path("in.y4m"), fx_NoiseY4mFile(640, 480, 1))); // coded, more than a pipe holds
+    QCOMPARE(::mkfifo(qPrintable(path("pipe.h264")), 0600), 0);
+    QFile reader(path("pipe.h264"));
+    int const held = ::open(qPrintable(path("pipe.h264")), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    QVERIFY(reader.open(held, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle));
+    QProcess process;
+    process.start(fx_MinihostProgram(),
+                  {"record", path("in.y4m"), path("pipe.h264"), "--quality", "10", "-q"});
+    auto const hasBytes = [held] {
+        int bytes = 0;
+        return ::ioctl(held, FIONREAD, &bytes) == 0 && bytes > 0;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasBytes(), 60000);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 5);
+    QByteArray const err = process.readAllStandardError();
+    QVERIFY2(err.contains("pipe.h264: its reader takes no more.\n"), err);
 }
 
 void tst_RecordCommand::secondRecordingToTheSameFileIsRefused()
