@@ -35,7 +35,7 @@ QString fx_ExitCodesHelp(std::initializer_list<ExitCode> codes)
     for (ExitCode const code : codes)
         meanings += fx_Meaning(code);
     QString help = QStringLiteral("Exit code:");
-    int column = help.size();
+    auto column = help.size();
     for (QString const& word : meanings.join(QStringLiteral(", ")).split(QLatin1Char(' '))) {
         bool const fits = column + 1 + word.size() < kColumns;
         help += fits ? QLatin1Char(' ') : QLatin1Char('\n');

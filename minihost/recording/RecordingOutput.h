@@ -28,8 +28,8 @@ public:
     /// be written; why() then says why.
     bool passOn();
 
-    /// Why bytes could not be written, half a sentence, mostly as the system words it; empty when they can be now. For a regular file
-    /// this is found out by trying, with the saver's file closed.
+    /// Why bytes could not be written, half a sentence, mostly as the system words it; empty when they can be
+    /// now. For a regular file this is found out by trying, with the saver's file closed.
     QString why();
 
     qint64 size() const;     ///< bytes that have arrived
