@@ -4,8 +4,8 @@
 #include <QRegularExpression>
 #include <algorithm>
 
-#include "EncoderOptions.h"
 #include "H264Evidence.h"
+#include "ProfileAndLevel.h"
 #include "UnitScan.h"
 
 using Codec = SxStreamKind::Codec;
@@ -79,17 +79,6 @@ void fx_TakeMpegUnit(uchar const* unit, size_t size, SxStreamKind& kind)
     }
 }
 
-void fx_NameProfile(SxH264Sps const& sps, SxStreamKind& kind)
-{
-    kind.profile = sps.profile_idc == 110   ? QStringLiteral("high 10")
-                   : sps.profile_idc == 122 ? QStringLiteral("high 4:2:2")
-                   : sps.profile_idc == 244 ? QStringLiteral("high 4:4:4")
-                                            : fx_ProfileName(sps.profile_idc);
-    // Level 1b of the older profiles is written as 11 with constraint_set3_flag (A.3.1).
-    bool const is1b = sps.level_idc == 11 && (sps.constraints & 0x10) != 0 && sps.profile_idc < 100;
-    kind.level = is1b ? QStringLiteral("1b") : fx_LevelName(sps.level_idc);
-}
-
 void fx_Conclude(CxH264Evidence const& evidence, SxStreamKind& kind)
 {
     if (!evidence.isH264())
@@ -100,8 +89,11 @@ void fx_Conclude(CxH264Evidence const& evidence, SxStreamKind& kind)
     SxH264Sps const sps = evidence.sps();
     kind.width = sps.width;
     kind.height = sps.height;
-    if (sps.width != 0)
-        fx_NameProfile(sps, kind);
+    if (sps.width == 0)
+        return;
+    SxProfileAndLevel const named = fx_ProfileAndLevel(sps);
+    kind.profile = named.profile;
+    kind.level = named.level;
 }
 
 bool fx_BeginsWithStartCode(QIODevice& file)
