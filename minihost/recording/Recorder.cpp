@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <new>
-#include <vector>
 
 #include "CodecOptions.h"
 #include "EncoderTrial.h"
@@ -18,6 +17,7 @@
 #include "ProfileAndLevel.h"
 #include "RecordingOutput.h"
 #include "ShortMemory.h"
+#include "SkippedPictures.h"
 
 namespace {
 
@@ -61,12 +61,11 @@ private:
     bool m_replacesFile = false; ///< a recording, or whatever else has bytes to lose
     CxOwnedPicture m_picture;
     SxCreated<IxImageDataSaver> m_saver;
-    QFile* m_file = nullptr;           ///< the saver's, and gone with it
-    bool m_isWriting = false;          ///< it is open, so what was in it is gone
-    bool m_isRefused = false;          ///< the saver did not save a picture
-    QStringList m_messages;            ///< what it said then
-    std::vector<qint64> m_pictureEnds; ///< file position behind each coded picture
-    qint64 m_written = 0;              ///< bytes given to the file, buffered ones included
+    QFile* m_file = nullptr;  ///< the saver's, and gone with it
+    bool m_isWriting = false; ///< it is open, so what was in it is gone
+    bool m_isRefused = false; ///< the saver did not save a picture
+    QStringList m_messages;   ///< what it said then
+    CxSkippedPictures m_pictures;
 };
 
 /// The first failure is told; what follows from it is not.
@@ -246,16 +245,11 @@ bool CxRecording::saveOne()
         m_messages = CxPluginMessages::take();
         return false;
     }
-    // The encoder drops pictures without telling; a picture that added no byte was dropped.
-    qint64 const end = m_file->pos();
-    if (end > m_written) {
-        m_pictureEnds.push_back(end);
-        ++m_summary.coded;
-    } else {
+    if (m_pictures.isSkipped(m_file->pos())) // where buffered bytes count
         m_summary.skipped.append(number);
-    }
-    m_written = end;
-    m_summary.bytes = end;
+    else
+        ++m_summary.coded;
+    m_summary.bytes = m_pictures.bytes();
     return passOn();
 }
 
@@ -293,15 +287,14 @@ void CxRecording::keepCompletePictures()
         return;
     m_summary.level = fx_ProfileAndLevel(m_output.head()).level;
     m_summary.bytes = m_output.size();
-    if (m_summary.bytes < m_written)
+    if (m_summary.bytes < m_pictures.bytes())
         fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")
                  .arg(m_request.outputFile)
                  .arg(m_summary.bytes)
-                 .arg(m_written),
+                 .arg(m_pictures.bytes()),
              RecordFailure::Output);
-    auto const lost = std::upper_bound(m_pictureEnds.begin(), m_pictureEnds.end(), m_summary.bytes);
-    m_summary.coded = static_cast<int>(lost - m_pictureEnds.begin());
-    qint64 const end = lost == m_pictureEnds.begin() ? 0 : *(lost - 1);
+    m_summary.coded = m_pictures.codedWithin(m_summary.bytes);
+    qint64 const end = m_pictures.endWithin(m_summary.bytes);
     if (m_summary.bytes > end) {
         m_output.cutOff(end);
         m_summary.bytes = m_output.size();
