@@ -1,11 +1,13 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <csignal>
 #include <cstring>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <numeric>
+#include <sys/resource.h>
 #include <vector>
 
 #include "ClassRegistry.h"
@@ -138,6 +140,7 @@ private slots:
     void firstPictureWithoutPixelsSetsNoSize();
     void failedEncodingIsReported();
     void failedWriteIsReported();
+    void halfWrittenFrameIsReported();
     void lostLastBytesAreReported();
     void missingOutputBufferIsRefusedSilently();
     void missingResizeBufferIsRefusedSilently();
@@ -586,6 +589,30 @@ void tst_H264VideoSaver::failedWriteIsReported()
     QVERIFY(!saver.save(&data, 2));
     QCOMPARE(m_messages->takeTexts(), fx_SaveText("Error when encoding the frame 0."));
     QCOMPARE(s_script.calls.back().keyFrame, true);
+}
+
+/// Of a frame larger than the file's buffer a part is written before there is no more room.
+void tst_H264VideoSaver::halfWrittenFrameIsReported()
+{
+    CxTestPicture const picture(16, 16);
+    CxPictureData const data(picture.buf);
+    s_script.maxEncodedSize = 1000000;
+    s_script.encode = [](QByteArray& coded) {
+        coded = QByteArray(1000000, 'x');
+        return true;
+    };
+    CxH264VideoSaver saver;
+    saver.setOutputFile(path());
+    signal(SIGXFSZ, SIG_IGN); // the write fails instead
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+    rlimit const half{500000, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &half), 0);
+    bool const isSaved = saver.save(&data, 0);
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+    QVERIFY(!isSaved);
+    QCOMPARE(m_messages->takeTexts(), fx_SaveText("Error when writing encoded frame to file."));
+    QCOMPARE(QFileInfo(path()).size(), 500000);
 }
 
 void tst_H264VideoSaver::lostLastBytesAreReported()
