@@ -10,6 +10,7 @@ class tst_PluginMessages : public QObject
 
 private slots:
     void criticalMessagesBecomeSentences();
+    void whatIsNoTextStaysEscaped();
     void otherMessagesPass();
     void eachThreadTakesItsOwn();
 };
@@ -33,6 +34,13 @@ void tst_PluginMessages::criticalMessagesBecomeSentences()
     QCOMPARE(CxPluginMessages::take(),
              (QStringList{"Filename is empty.", "Cannot open the '/a \"b\"\\c: d.h264'.", "something else"}));
     QCOMPARE(CxPluginMessages::take(), QStringList());
+}
+
+void tst_PluginMessages::whatIsNoTextStaysEscaped()
+{
+    CxPluginMessages const messages;
+    fx_LogAsPluginsDo("CxH264VideoSaver::save(): Cannot open the 'a\tb'.");
+    QCOMPARE(CxPluginMessages::take(), QStringList{"Cannot open the 'a\\tb'."});
 }
 
 static QStringList s_passed;

@@ -12,6 +12,8 @@ private slots:
     void cleanup() { QSettings().clear(); }
 
     void marksKeyFrames();
+    void otherButtonsMoveNothing();
+    void leavingEndsTheHighlight();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -44,6 +46,30 @@ void tst_Timeline::marksKeyFrames()
     };
     for (int number = 0; number < 40; ++number)
         QVERIFY2(isMarked(number) == (number % 5 == 0), qPrintable(QString::number(number)));
+}
+
+void tst_Timeline::otherButtonsMoveNothing()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QTest::mouseClick(viewer.timeline, Qt::RightButton, Qt::NoModifier, viewer.timeline->rect().center());
+    QCOMPARE(viewer.timeline->value(), 0);
+    QVERIFY(!viewer.timeline->isSliderDown());
+}
+
+void tst_Timeline::leavingEndsTheHighlight()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QImage const before = viewer.timeline->grab().toImage();
+    QPoint const place = viewer.timeline->rect().center();
+    QMouseEvent move(QEvent::MouseMove, place, viewer.timeline->mapToGlobal(place), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(viewer.timeline, &move);
+    QVERIFY(viewer.timeline->grab().toImage() != before);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(viewer.timeline, &leave);
+    QVERIFY(viewer.timeline->grab().toImage() == before);
 }
 
 QTEST_MAIN(tst_Timeline)
