@@ -13,7 +13,7 @@ public:
 
     qint64 bytes() const; ///< of all coded pictures
 
-    int codedWithin(qint64 bytes) const; ///< coded pictures that a stream cut to \p bytes still holds whole
+    int codedWithin(qint64 bytes) const;  ///< coded pictures that a stream cut to \p bytes still holds whole
     qint64 endWithin(qint64 bytes) const; ///< where the last of these ends; 0 without any
 
 private:

@@ -34,8 +34,8 @@ void tst_SkippedPictures::onlyWholePicturesCount()
         qint64 bytes;
         int coded;
         qint64 end;
-    } const cuts[] = {{0, 0, 0},       {99, 0, 0},      {100, 1, 100},   {129, 1, 100},
-                      {130, 2, 130},   {199, 2, 130},   {200, 3, 200},   {9999, 3, 200}};
+    } const cuts[] = {{0, 0, 0},     {99, 0, 0},    {100, 1, 100}, {129, 1, 100},
+                      {130, 2, 130}, {199, 2, 130}, {200, 3, 200}, {9999, 3, 200}};
     for (auto const& cut : cuts) {
         QCOMPARE(pictures.codedWithin(cut.bytes), cut.coded);
         QCOMPARE(pictures.endWithin(cut.bytes), cut.end);
