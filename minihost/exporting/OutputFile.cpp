@@ -22,6 +22,17 @@ QString fx_Obstacle(QString const& fileName, SxExportRequest const& request)
     return QString();
 }
 
+bool fx_WriteAll(QIODevice& device, QByteArray const& bytes)
+{
+    for (qint64 done = 0; done < bytes.size();) {
+        qint64 const written = device.write(bytes.constData() + done, bytes.size() - done);
+        if (written <= 0)
+            return false;
+        done += written;
+    }
+    return true;
+}
+
 bool CxOutputFile::open()
 {
     QFileInfo const info(m_fileName);
@@ -45,14 +56,7 @@ CxOutputFile::Result CxOutputFile::write(QByteArray const& bytes, QString& error
     errno = 0;
     if (!m_file && !open())
         return failure(error);
-    // Qt reports a write that ended halfway without a cause; the attempt to write the rest brings it.
-    for (qint64 done = 0; done < bytes.size();) {
-        qint64 const written = m_file->write(bytes.constData() + done, bytes.size() - done);
-        if (written <= 0)
-            return failure(error);
-        done += written;
-    }
-    return Result::Written;
+    return fx_WriteAll(*m_file, bytes) ? Result::Written : failure(error);
 }
 
 CxOutputFile::Result CxOutputFile::finish(QString& error)

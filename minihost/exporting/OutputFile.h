@@ -11,6 +11,10 @@
 /// What stands in the way of writing \p fileName, one sentence; empty when nothing does.
 QString fx_Obstacle(QString const& fileName, SxExportRequest const& request);
 
+/// \return false, with the device's errorString(), unless it took them all. Qt reports a write that ended
+/// halfway without a cause; the attempt to write the rest brings it.
+bool fx_WriteAll(QIODevice& device, QByteArray const& bytes);
+
 /// A file that is there only once it is whole: until finish() the bytes go into another one beside it, which
 /// goes with this object, and a file of that name stays as it was. Pipes and devices take the bytes as they
 /// come.

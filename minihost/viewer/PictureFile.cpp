@@ -5,18 +5,7 @@
 #include <QImageWriter>
 #include <QSaveFile>
 
-/// Qt reports a write that ended halfway without a cause; the attempt to write the rest brings it.
-static bool fx_WriteAll(QIODevice& file, QByteArray const& bytes)
-{
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        qint64 const written = file.write(bytes.constData() + done, bytes.size() - done);
-        if (written <= 0)
-            return false;
-        done += written;
-    }
-    return true;
-}
+#include "OutputFile.h"
 
 bool CxPictureFile::save(QImage const& image, QString const& fileName, QString& error)
 {
