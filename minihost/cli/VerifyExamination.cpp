@@ -52,6 +52,7 @@ private:
     void take(QString const& line);
     void takeFrame(QString const& word, QString const& rest);
     void noteDeath();
+    void noteShortMemory();
 
     SxFindings& m_findings;
     SxRunOptions const& m_options;
@@ -141,7 +142,10 @@ void CxWorkerRun::run(int first)
 {
     m_next = first;
     QProcess worker;
-    worker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    if (m_options.verbose)
+        worker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    else
+        worker.setStandardErrorFile(QProcess::nullDevice()); // what there is to tell comes over its output
     worker.start(QCoreApplication::applicationFilePath(),
                  {QStringLiteral("verify"), QStringLiteral("--worker"), QString::number(first),
                   m_options.verbose ? QStringLiteral("1") : QStringLiteral("0"), m_options.pluginPath,
@@ -162,12 +166,21 @@ void CxWorkerRun::run(int first)
         return;
     if (m_death.isEmpty() && worker.exitStatus() == QProcess::CrashExit)
         m_death = QStringLiteral("the decoder crashed (signal %1)").arg(worker.exitCode());
+    else if (m_death.isEmpty() && worker.exitCode() == kFailed)
+        noteShortMemory();
     else if (m_death.isEmpty() && worker.exitCode() != 0)
         m_death = QStringLiteral("the decoder ended the program (exit code %1)").arg(worker.exitCode());
     if (m_death.isEmpty())
         m_isDone = true;
     else
         noteDeath();
+}
+
+/// The program ends so when memory runs out where no words for it are left.
+void CxWorkerRun::noteShortMemory()
+{
+    m_findings.refusal = QStringLiteral("%1: there is not enough memory to decode it.").arg(m_findings.file);
+    m_findings.refusalCode = kFailed;
 }
 
 void CxWorkerRun::noteDeath()
