@@ -35,18 +35,7 @@ Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
     return Result::Error;
 }
 
-Result fx_ResultOf(CxOutputFile::Result result)
-{
-    switch (result) {
-    case CxOutputFile::Result::Written:
-        return Result::Taken;
-    case CxOutputFile::Result::ReaderGone:
-        return Result::ReaderGone;
-    case CxOutputFile::Result::Error:
-        break;
-    }
-    return Result::Error;
-}
+Result fx_ResultOf(bool isWritten) { return isWritten ? Result::Taken : Result::Error; }
 
 bool fx_WritePicture(CxPictureEncoder& encoder, SxPicBuf const& picture, QString const& fileName,
                      QString& error)

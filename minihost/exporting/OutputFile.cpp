@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <cerrno>
 
 #include "SameFile.h"
 
@@ -43,36 +42,30 @@ bool CxOutputFile::open()
     return m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
-CxOutputFile::Result CxOutputFile::failure(QString& error) const
+bool CxOutputFile::write(QByteArray const& bytes, QString& error)
 {
-    if (errno == EPIPE)
-        return Result::ReaderGone;
-    error = QStringLiteral("%1: %2.").arg(m_fileName, m_file->errorString());
-    return Result::Error;
+    bool const isWritten = (m_file || open()) && fx_WriteAll(*m_file, bytes);
+    if (!isWritten)
+        error = complaint();
+    return isWritten;
 }
 
-CxOutputFile::Result CxOutputFile::write(QByteArray const& bytes, QString& error)
+bool CxOutputFile::finish(QString& error)
 {
-    errno = 0;
-    if (!m_file && !open())
-        return failure(error);
-    return fx_WriteAll(*m_file, bytes) ? Result::Written : failure(error);
-}
-
-CxOutputFile::Result CxOutputFile::finish(QString& error)
-{
-    errno = 0;
     auto* const file = qobject_cast<QSaveFile*>(m_file.get());
-    return !file || file->commit() ? Result::Written : failure(error);
+    bool const isWhole = !file || file->commit();
+    if (!isWhole)
+        error = complaint();
+    return isWhole;
+}
+
+QString CxOutputFile::complaint() const
+{
+    return QStringLiteral("%1: %2.").arg(m_fileName, m_file->errorString());
 }
 
 bool fx_WriteFile(QString const& fileName, QByteArray const& bytes, QString& error)
 {
     CxOutputFile file(fileName);
-    CxOutputFile::Result result = file.write(bytes, error);
-    if (result == CxOutputFile::Result::Written)
-        result = file.finish(error);
-    if (result == CxOutputFile::Result::ReaderGone)
-        error = QStringLiteral("%1: nobody reads it any more.").arg(fileName);
-    return result == CxOutputFile::Result::Written;
+    return file.write(bytes, error) && file.finish(error);
 }

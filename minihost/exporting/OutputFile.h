@@ -21,22 +21,17 @@ bool fx_WriteAll(QIODevice& device, QByteArray const& bytes);
 class CxOutputFile
 {
 public:
-    enum class Result {
-        Written,
-        ReaderGone, ///< of a pipe
-        Error       ///< with one sentence that names the file and what the disk said
-    };
-
     explicit CxOutputFile(QString fileName)
         : m_fileName(std::move(fileName))
     {}
 
-    Result write(QByteArray const& bytes, QString& error); ///< opens it, too
-    Result finish(QString& error);
+    /// Both: false, with \p error one sentence that names the file and what the disk said, when that fails.
+    bool write(QByteArray const& bytes, QString& error); ///< opens it, too
+    bool finish(QString& error);
 
 private:
     bool open();
-    Result failure(QString& error) const;
+    QString complaint() const;
 
     QString m_fileName;
     std::unique_ptr<QFileDevice> m_file;

@@ -26,9 +26,11 @@ void tst_PictureWriter::fileHoldsEachPictureWhateverItsSize()
     QString error;
     CxOwnedPicture picture;
     QVERIFY(fx_FillRgb32(picture, 4, 2, 'b', 'g', 'r'));
-    QCOMPARE(encoder.encode(picture.get(), error).value_or(""), "P6\n4 2\n255\n" + QByteArray("rgb").repeated(8));
+    QCOMPARE(encoder.encode(picture.get(), error).value_or(""),
+             "P6\n4 2\n255\n" + QByteArray("rgb").repeated(8));
     QVERIFY(fx_FillRgb32(picture, 2, 6, 'B', 'G', 'R'));
-    QCOMPARE(encoder.encode(picture.get(), error).value_or(""), "P6\n2 6\n255\n" + QByteArray("RGB").repeated(12));
+    QCOMPARE(encoder.encode(picture.get(), error).value_or(""),
+             "P6\n2 6\n255\n" + QByteArray("RGB").repeated(12));
     QCOMPARE(error, QString());
 }
 
@@ -73,7 +75,8 @@ void tst_PictureWriter::streamBeginsOnce_data()
     QTest::addColumn<QByteArray>("beginning");
     QTest::addColumn<QByteArray>("each"); // picture of black
     QByteArray const black = QByteArray(8, 16) + QByteArray(4, char(128));
-    QTest::newRow("y4m") << "y4m" << QByteArray("YUV4MPEG2 W4 H2 F30:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
+    QTest::newRow("y4m") << "y4m"
+                         << QByteArray("YUV4MPEG2 W4 H2 F30:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
                          << "FRAME\n" + black;
     QTest::newRow("bgra") << "bgra" << QByteArray() << QByteArray("\0\0\0\xFF", 4).repeated(8);
     QTest::newRow("rgb24") << "rgb24" << QByteArray() << QByteArray(24, 0);
