@@ -396,7 +396,7 @@ void tst_FFmpegSource::damagedJpegsAreDeliveredAndNamed_data()
     QTest::newRow("cut in the middle") << jpeg.left(jpeg.size() / 2);
     QTest::newRow("without its last byte") << jpeg.left(jpeg.size() - 1);
     QByteArray flipped = jpeg;
-    for (int i = flipped.size() / 2; i < flipped.size() / 2 + 16; ++i)
+    for (auto i = flipped.size() / 2; i < flipped.size() / 2 + 16; ++i)
         flipped[i] = static_cast<char>(~flipped[i] & 0x7F); // 0x7F: no markers
     QTest::newRow("flipped bytes") << flipped;
 }
