@@ -45,6 +45,12 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     QFileInfo const info(output);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(output);
+    bool const isList =
+        QStringList{QStringLiteral("concat"), QStringLiteral("dash"), QStringLiteral("hls")}.contains(
+            arguments.input.format);
+    if (isList && info.isFile() && info.size() > 0)
+        return QStringLiteral("%1: the list may name it as a source; take a name that is not there yet.")
+            .arg(output);
     if (info.isFile() && !arguments.overwrite)
         return QStringLiteral("%1: the file exists; --overwrite replaces it.").arg(output);
     if (info.exists())

@@ -23,12 +23,19 @@ static double fx_MsPerPicture(qint64 ns, int pictures)
     return pictures == 0 ? 0 : static_cast<double>(ns) / 1e6 / pictures;
 }
 
-/// "200 of 795 pictures" when that is what a stop left of them.
+/// "200 of 795 pictures" when that is what a stop or an error left of them.
 static QString fx_PictureCount(SxRecordSummary const& summary)
 {
-    return summary.isCutShort && summary.expected > 0
+    bool const isPart = summary.isCutShort || !summary.error.isEmpty();
+    return isPart && summary.expected > 0
                ? QStringLiteral("%1 of %2").arg(summary.given).arg(fx_Count(summary.expected, "picture"))
                : fx_Count(summary.given, "picture");
+}
+
+/// Pictures that the saver took and the file does not hold: the disk was full.
+static int fx_Lost(SxRecordSummary const& summary)
+{
+    return summary.given - summary.coded - static_cast<int>(summary.skipped.size());
 }
 
 QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary)
@@ -43,6 +50,8 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
     QString coded = QStringLiteral("  %1 coded, %2 skipped").arg(summary.coded).arg(summary.skipped.size());
     if (!summary.skipped.isEmpty())
         coded += QStringLiteral(" (%1)").arg(fx_ReadableRanges(summary.skipped, kMostRanges));
+    if (int const lost = fx_Lost(summary); lost > 0)
+        coded += QStringLiteral(", %1 lost").arg(lost);
     lines += coded;
     lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4 pictures a second")
                  .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
@@ -66,6 +75,7 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         {QStringLiteral("expected"), summary.expected < 0 ? QJsonValue() : QJsonValue(summary.expected)},
         {QStringLiteral("given"), summary.given},
         {QStringLiteral("coded"), summary.coded},
+        {QStringLiteral("lost"), fx_Lost(summary)},
         {QStringLiteral("elapsedSeconds"), static_cast<double>(summary.elapsedNs) / 1e9},
         {QStringLiteral("msPerPicture"), fx_MsPerPicture(summary.elapsedNs, summary.given)},
         {QStringLiteral("encodingMsPerPicture"), fx_MsPerPicture(summary.savingNs, summary.given)},

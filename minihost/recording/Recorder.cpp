@@ -16,6 +16,7 @@
 #include "PluginMessages.h"
 #include "ProfileAndLevel.h"
 #include "RecordingOutput.h"
+#include "SameFile.h"
 #include "ShortMemory.h"
 #include "SkippedPictures.h"
 
@@ -181,6 +182,11 @@ bool CxRecording::openOutput()
 {
     QFileInfo const there(m_request.outputFile);
     m_replacesFile = there.isFile() && there.size() > 0;
+    if (fx_IsReadHere(m_request.outputFile)) {
+        fail(QStringLiteral("%1: the recording would replace its own source.").arg(m_request.outputFile),
+             RecordFailure::Output);
+        return false;
+    }
     QString error;
     if (m_output.open(m_request.outputFile, m_request.stop, error))
         return true;

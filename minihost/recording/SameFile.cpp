@@ -1,6 +1,8 @@
 #include "SameFile.h"
 
+#include <QDir>
 #include <QFile>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,6 +20,22 @@ bool fx_IsSameFile(QString const& source, QString const& output)
         isFound = fx_Stat(source.mid(5), in);
     return isFound && fx_Stat(output, out) && S_ISREG(in.st_mode) && in.st_dev == out.st_dev &&
            in.st_ino == out.st_ino;
+}
+
+bool fx_IsReadHere(QString const& fileName)
+{
+    struct stat named = {};
+    if (!fx_Stat(fileName, named) || !S_ISREG(named.st_mode))
+        return false;
+    for (QString const& number :
+         QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files)) {
+        int const descriptor = number.toInt();
+        struct stat open = {};
+        if (fstat(descriptor, &open) == 0 && open.st_dev == named.st_dev && open.st_ino == named.st_ino &&
+            (fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY)
+            return true;
+    }
+    return false;
 }
 
 bool fx_IsStandardOutput(QString const& fileName)

@@ -7,5 +7,9 @@
 /// "file:" before it is no part of its name.
 bool fx_IsSameFile(QString const& source, QString const& output);
 
+/// True when this process has the regular file open to read it, by whatever name: FFmpeg knows many, as
+/// "concat:a.h264|b.h264".
+bool fx_IsReadHere(QString const& fileName);
+
 /// True when \p fileName leads to what standard output writes to, be it a file, a pipe or a device.
 bool fx_IsStandardOutput(QString const& fileName);

@@ -40,6 +40,15 @@ bool fx_HasEnd(AVFormatContext const& opened)
            (opened.pb && opened.pb->seekable != 0);
 }
 
+bool fx_IsTextFormat(AVInputFormat const& format)
+{
+    for (char const* name : {"tty", "bin", "xbin", "adf", "idf"}) {
+        if (qstrcmp(format.name, name) == 0)
+            return true;
+    }
+    return false;
+}
+
 bool fx_IsStillFormat(AVInputFormat const& format)
 {
     QByteArray const name(format.name);

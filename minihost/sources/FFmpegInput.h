@@ -19,5 +19,8 @@ SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format);
 /// False for devices, and for streams out of a network that neither know their length nor can be read again.
 bool fx_HasEnd(AVFormatContext const& opened);
 
+/// True for FFmpeg's readers that draw a text's letters: it would be a slip of the file's name.
+bool fx_IsTextFormat(AVInputFormat const& format);
+
 /// True for FFmpeg's readers of single pictures: "png_pipe", "jpeg_pipe", "image2".
 bool fx_IsStillFormat(AVInputFormat const& format);

@@ -128,6 +128,8 @@ bool CxFFmpegSource::openInput()
     if (!openFormat(fx_FFmpegInput(m_inputs[m_nextInput++], m_options.format)))
         return false;
     AVFormatContext* const format = m_format.get();
+    if (m_options.format.isEmpty() && fx_IsTextFormat(*format->iformat))
+        return leaveOut(fx_OpenErrorText(AVERROR_INVALIDDATA));
     m_isStill = fx_IsStillFormat(*format->iformat);
     // A picture file is one picture, whatever preview its reader would find behind it; a stream of
     // pictures on standard input is many.

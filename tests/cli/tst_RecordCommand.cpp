@@ -59,6 +59,8 @@ private slots:
     void existingFileNeedsOverwrite();
     void ownSourceIsNeverReplaced_data();
     void ownSourceIsNeverReplaced();
+    void listNeverReplacesAFile();
+    void textIsNoPicture();
     void missingFolderIsNamed();
     void fullDiskFailsWithASummary();
     void diskThatFillsUpKeepsCompletePictures_data();
@@ -593,7 +595,8 @@ void tst_RecordCommand::ownSourceIsNeverReplaced_data()
     QTest::newRow("other way to write it") << "../%1/./in.h264";
     QTest::newRow("symbolic link") << "soft.h264";
     QTest::newRow("hard link") << "hard.h264";
-    QTest::newRow("with its protocol") << "file:";
+    for (char const* protocol : {"file:", "cache:", "concat:"})
+        QTest::newRow(protocol) << protocol;
 }
 
 void tst_RecordCommand::ownSourceIsNeverReplaced()
@@ -606,7 +609,7 @@ void tst_RecordCommand::ownSourceIsNeverReplaced()
     QVERIFY(QFile::link(path("in.h264"), path("soft.h264")));
     QCOMPARE(::link(qPrintable(path("in.h264")), qPrintable(path("hard.h264"))), 0);
 
-    QString const protocol = output == "file:" ? output : QString();
+    QString const protocol = output.endsWith(':') ? output : QString();
     if (!protocol.isEmpty())
         output = "in.h264";
     SxMinihostRun const run = fx_RunMinihost(
@@ -616,6 +619,26 @@ void tst_RecordCommand::ownSourceIsNeverReplaced()
     QCOMPARE(run.exitCode, 5);
     QVERIFY2(run.err.contains("would replace its own source"), run.err);
     QCOMPARE(QFileInfo(path("in.h264")).size(), size);
+}
+
+void tst_RecordCommand::listNeverReplacesAFile()
+{
+    QVERIFY(fx_WriteFile(path("old.h264"), "precious"));
+    QVERIFY(fx_WriteFile(path("list.txt"), "file old.h264\n"));
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "--input-format", "concat", path("list.txt"), path("old.h264"), "--overwrite"});
+    QCOMPARE(run.exitCode, 5);
+    QVERIFY2(run.err.contains("the list may name it as a source"), run.err);
+    QCOMPARE(fx_FileBytes(path("old.h264")), QByteArray("precious"));
+}
+
+void tst_RecordCommand::textIsNoPicture()
+{
+    QVERIFY(fx_WriteFile(path("notes.txt"), QByteArray("hello world\n").repeated(1000)));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("notes.txt"), path("out.h264")});
+    QCOMPARE(run.exitCode, 4);
+    QVERIFY2(run.err.startsWith("error: " + path("notes.txt").toUtf8()), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
 }
 
 void tst_RecordCommand::missingFolderIsNamed()
