@@ -9,6 +9,8 @@ class tst_RateAdvice : public QObject
 private slots:
     void targetBitRateFollowsSizeLevelAndQuality_data();
     void targetBitRateFollowsSizeLevelAndQuality();
+    void targetOfHugePicturesIsTheLevelsLimit_data();
+    void targetOfHugePicturesIsTheLevelsLimit();
     void advisedQualityHasRoomForEveryPicture();
 };
 
@@ -34,6 +36,38 @@ void tst_RateAdvice::targetBitRateFollowsSizeLevelAndQuality()
     QFETCH(int, quality);
     QFETCH(qint64, bits);
     QCOMPARE(fx_TargetBitRate(width, height, level, quality), bits);
+}
+
+void tst_RateAdvice::targetOfHugePicturesIsTheLevelsLimit_data()
+{
+    // MaxBR of ITU-T H.264, Table A-1, in units of 1200 bits a second.
+    QTest::addColumn<int>("level");
+    QTest::addColumn<qint64>("maxBr");
+    QTest::newRow("1b") << 9 << qint64{128};
+    QTest::newRow("1") << 10 << qint64{64};
+    QTest::newRow("1.1") << 11 << qint64{192};
+    QTest::newRow("1.2") << 12 << qint64{384};
+    QTest::newRow("1.3") << 13 << qint64{768};
+    QTest::newRow("2") << 20 << qint64{2000};
+    QTest::newRow("2.1") << 21 << qint64{4000};
+    QTest::newRow("2.2") << 22 << qint64{4000};
+    QTest::newRow("3") << 30 << qint64{10000};
+    QTest::newRow("3.1") << 31 << qint64{14000};
+    QTest::newRow("3.2") << 32 << qint64{20000};
+    QTest::newRow("4") << 40 << qint64{20000};
+    QTest::newRow("4.1") << 41 << qint64{50000};
+    QTest::newRow("4.2") << 42 << qint64{50000};
+    QTest::newRow("5") << 50 << qint64{135000};
+    QTest::newRow("5.1") << 51 << qint64{240000};
+    QTest::newRow("5.2") << 52 << qint64{240000};
+}
+
+void tst_RateAdvice::targetOfHugePicturesIsTheLevelsLimit()
+{
+    QFETCH(int, level);
+    QFETCH(qint64, maxBr);
+    for (int const quality : {1, 5, 10}) // even the least of such pictures is more than any level allows
+        QCOMPARE(fx_TargetBitRate(32768, 32768, level, quality), maxBr * 1200);
 }
 
 void tst_RateAdvice::advisedQualityHasRoomForEveryPicture()

@@ -18,6 +18,8 @@ struct SxScript
     bool encodes = true;
     bool writes = true;
     bool opens = true;      ///< the saver its file
+    bool showsFile = true;  ///< to the host
+    bool knowsCodec = true; ///< the saver an encoder
     int saves = -1;         ///< pictures before the saver refuses one; -1: all
     quint32 height = 0;     ///< of the pictures that the encoder asks for; 0: as they come
     QList<QSize> tried;     ///< sizes of the pictures given to encoders that are not the saver's
@@ -64,8 +66,13 @@ class CxScriptedSaver : public QObject, public IxImageDataSaver
 
 public:
     Q_INVOKABLE CxScriptedSaver()
-        : m_file(new QFile(this))
+        : m_file(new QFile(s_script.showsFile ? this : nullptr))
     {}
+    ~CxScriptedSaver() override
+    {
+        if (!m_file->parent())
+            delete m_file;
+    }
     void setSequenceSize(int) override {}
     bool save(IxChainData const*, int) override
     {
@@ -83,7 +90,7 @@ public:
     bool querySavedImageFormat(SxPicBufInfo const& input, SxPicBufInfo& output) override
     {
         CxScriptedEncoder().queryOuputFormat(input, output);
-        return true;
+        return s_script.knowsCodec;
     }
     void setSaverOptions(QMap<QString, QVariant> const&) override {}
     QWidget* widgetForSaveDlg(QWidget*) override { return nullptr; }
@@ -109,6 +116,11 @@ private slots:
     void fileThatTheSaverCannotOpenKeepsItsContent();
     void refusedPictureIsTheEncodersFault();
     void recordingOfNoPictureIsAFailure();
+    void sourceWithoutAPictureIsToldAndWritesNothing();
+    void sourceThatFailsIsToldInItsOwnWords();
+    void pictureOfAnotherSizeEndsTheRecording();
+    void pluginThatCannotRecordIsTold_data();
+    void pluginThatCannotRecordIsTold();
 
 private:
     static SxTestCameraOptions cameraOptions();
@@ -256,6 +268,97 @@ void tst_Recorder::recordingOfNoPictureIsAFailure()
     QVERIFY2(summary.error.startsWith("Nothing was recorded"), qPrintable(summary.error));
     QVERIFY(summary.failure == RecordFailure::Other);
     QVERIFY(!QFile::exists(path()));
+}
+
+/// Pictures of the given widths, then an error or the end.
+class CxWidthsSource : public IxPictureSource
+{
+public:
+    CxWidthsSource(QVector<int> widths, QString error)
+        : m_widths(widths)
+        , m_error(error)
+    {}
+    Result next(SxPicBuf& picture) override
+    {
+        if (m_widths.isEmpty())
+            return m_error.isEmpty() ? Result::End : Result::Error;
+        auto const width = static_cast<quint32>(m_widths.takeFirst());
+        return fx_PreparePicture(picture, fx_PackedFormat(width, 48, 1, 8)) ? Result::Picture : Result::Error;
+    }
+    QString errorText() const override { return m_error; }
+    int expectedPictures() const override { return -1; }
+    bool knowsSignificantBits() const override { return true; }
+    QStringList takeWarnings() override { return {}; }
+    bool isDamaged() const override { return false; }
+
+private:
+    QVector<int> m_widths;
+    QString m_error;
+};
+
+static SxRecordSummary fx_RecordWidths(QString const& fileName, QVector<int> const& widths,
+                                       QString const& error = QString())
+{
+    CxWidthsSource source(widths, error);
+    SxRecordRequest request;
+    request.outputFile = fileName;
+    CxPluginMessages const messages;
+    return fx_Record(source, request);
+}
+
+void tst_Recorder::sourceWithoutAPictureIsToldAndWritesNothing()
+{
+    SxRecordSummary const summary = fx_RecordWidths(path(), {});
+    QCOMPARE(summary.error, QString("There is no picture to record."));
+    QVERIFY(summary.failure == RecordFailure::Source);
+    QVERIFY(!QFile::exists(path()));
+}
+
+void tst_Recorder::sourceThatFailsIsToldInItsOwnWords()
+{
+    SxRecordSummary const summary = fx_RecordWidths(path(), {64, 64}, "The cable is loose.");
+    QCOMPARE(summary.error, QString("The cable is loose."));
+    QVERIFY(summary.failure == RecordFailure::Source);
+    QCOMPARE(summary.coded, 2); // what came before it stays
+    QCOMPARE(QFile(path()).size(), qint64{14});
+}
+
+void tst_Recorder::pictureOfAnotherSizeEndsTheRecording()
+{
+    SxRecordSummary const summary = fx_RecordWidths(path(), {64, 64, 32, 64});
+    QCOMPARE(summary.error,
+             QString("Picture 2 has 32 x 48 pixels, those before it 64 x 48: a recording has one size."));
+    QVERIFY(summary.failure == RecordFailure::Source);
+    QCOMPARE(summary.coded, 2);
+    QCOMPARE(QFile(path()).size(), qint64{14});
+}
+
+void tst_Recorder::pluginThatCannotRecordIsTold_data()
+{
+    QTest::addColumn<bool>("hasSaver");
+    QTest::addColumn<bool>("showsFile");
+    QTest::addColumn<bool>("knowsCodec");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("no saver") << false << true << true << "No loaded plug-in provides an IxImageDataSaver.";
+    QTest::newRow("no file") << true << false << true << "The loaded plug-in's saver does not show its file.";
+    QTest::newRow("no encoder") << true << true << false << "No loaded plug-in provides an H.264 encoder.";
+}
+
+void tst_Recorder::pluginThatCannotRecordIsTold()
+{
+    QFETCH(bool, hasSaver);
+    QFETCH(bool, showsFile);
+    QFETCH(bool, knowsCodec);
+    QFETCH(QString, error);
+    s_script.showsFile = showsFile;
+    s_script.knowsCodec = knowsCodec;
+    if (!hasSaver)
+        fx_UnregisterClasses(&m_plugin);
+    writeOldFile();
+    SxRecordSummary const summary = record();
+    QCOMPARE(summary.error, error);
+    QVERIFY(summary.failure == RecordFailure::Other);
+    QCOMPARE(QFile(path()).size(), qint64{9}); // what was there is untouched
 }
 
 QTEST_GUILESS_MAIN(tst_Recorder)
