@@ -1,4 +1,5 @@
 #include <QtTest>
+#include <sys/stat.h>
 
 #include "PluginHost.h"
 #include "PluginMessages.h"
@@ -30,6 +31,11 @@ private slots:
     void initTestCase() { makeRecording(); }
     void init() { makeFolder(); }
 
+    void withoutAPluginNothingIsRead();
+    void whatIsNoRecordingIsNamedWithTheReason_data();
+    void whatIsNoRecordingIsNamedWithTheReason();
+    void pluginWithoutCodedFramesIsTold();
+    void frameThatCannotBeHadHasACause();
     void openingAThousandTimesLeavesMemoryFlat();
     void restOfABrokenGroupFailsWithoutATry();
 };
@@ -52,8 +58,106 @@ public:
     }
 };
 
+/// Gives pictures but no coded frames.
+class CxLoaderWithoutFrames : public QObject, public IxImageDataLoader
+{
+    Q_OBJECT
+
+public:
+    bool load() override { return true; }
+    int sequenceSize() override { return 1; }
+    IxChainData* loadedData(int) override { return nullptr; }
+    QString inputFile() override { return {}; }
+    void setInputFile(QString const&) override {}
+    double loadedFps() override { return 30.0; }
+    QList<CxImageFormat> supportedImageFormats() override { return {}; }
+};
+
+/// Has no picture: 1 has no data either, 2 is told in words of the plug-in's, the others by a decoder's code.
+class CxEmptyLoader : public CxFakeLoader
+{
+public:
+    explicit CxEmptyLoader(SxLoaderLog& log)
+        : CxFakeLoader(log)
+    {}
+
+    unsigned long frameDataSize(int frame) override { return frame == 1 ? 0 : 1; }
+    IxChainData* loadedData(int frame) override
+    {
+        qCritical() << "0x7f"
+                    << "Decoder.cpp"
+                    << "L" << 1 << ":"
+                    << ""
+                    << (frame == 2 ? QString("CxD::decode(): The file has changed.")
+                                   : QString("CxD::decode(): The decoder failed with code: 6"));
+        return nullptr;
+    }
+};
+
 /// Memory of this process that is resident, in pages.
 static qint64 fx_ResidentPages() { return fx_FileBytes("/proc/self/statm").split(' ').value(1).toLongLong(); }
+
+void tst_RecordingReader::withoutAPluginNothingIsRead()
+{
+    CxRecordingReader recording;
+    recording.moveToThread(QThread::currentThread()); // there is nothing to move
+    QString error;
+    QVERIFY(!recording.open(m_recording, error));
+    QCOMPARE(error, QString("No loaded plug-in provides an IxImageDataLoader."));
+}
+
+void tst_RecordingReader::whatIsNoRecordingIsNamedWithTheReason_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("nothing") << "none.h264"
+                             << "there is no such file.";
+    QTest::newRow("folder") << "."
+                            << "this is a folder.";
+    QTest::newRow("empty") << "empty.h264"
+                           << "the file is empty.";
+    QTest::newRow("pipe") << "pipe.h264"
+                          << "this is no regular file, so its frames cannot be reached in any order.";
+}
+
+void tst_RecordingReader::whatIsNoRecordingIsNamedWithTheReason()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, reason);
+    QVERIFY(fx_WriteFile(path("empty.h264"), QByteArray()));
+    QCOMPARE(mkfifo(path("pipe.h264").toLocal8Bit().constData(), 0600), 0);
+    SxLoaderLog log;
+    CxRecordingReader recording(std::make_unique<CxFakeLoader>(log));
+    QString error;
+    QVERIFY(!recording.open(path(name), error));
+    QCOMPARE(error, path(name) + ": " + reason);
+}
+
+void tst_RecordingReader::pluginWithoutCodedFramesIsTold()
+{
+    CxRecordingReader recording(std::make_unique<CxLoaderWithoutFrames>());
+    QString error;
+    QVERIFY(!recording.open(m_recording, error));
+    QCOMPARE(error, QString("The loaded plug-in gives no access to coded frames."));
+}
+
+void tst_RecordingReader::frameThatCannotBeHadHasACause()
+{
+    CxPluginMessages const messages;
+    SxLoaderLog log;
+    CxRecordingReader recording(std::make_unique<CxEmptyLoader>(log));
+    QString error;
+    QVERIFY2(recording.open(m_recording, error), qPrintable(error));
+    QVERIFY(!recording.picture(0, error));
+    QCOMPARE(error, QString("a picture that it refers to is missing, its data are damaged or cut off "
+                            "(decoder code 6)"));
+    QVERIFY(!recording.picture(1, error));
+    QCOMPARE(error, QString("it has no data"));
+    QVERIFY(!recording.picture(12, error));
+    QVERIFY(!recording.picture(2, error)); // not in a row
+    QCOMPARE(error, QString("The file has changed"));
+    QCOMPARE(recording.codedFrame(0), QByteArray());
+}
 
 void tst_RecordingReader::openingAThousandTimesLeavesMemoryFlat()
 {

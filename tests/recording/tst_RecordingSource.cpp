@@ -15,6 +15,7 @@ private slots:
     void givesPartOfRecording();
     void endsAtBrokenPicture();
     void leavesOutBrokenPictures();
+    void recordingThatIsNotThereIsTold();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -70,6 +71,19 @@ void tst_RecordingSource::leavesOutBrokenPictures()
     }
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::End);
     QCOMPARE(source.broken(), QVector<int>{13});
+}
+
+void tst_RecordingSource::recordingThatIsNotThereIsTold()
+{
+    QString const fileName = m_fixture->path(QStringLiteral("none.h264"));
+    CxRecordingSource source(std::make_unique<CxRecordingReader>(), fileName, 0, 9);
+    CxOwnedPicture picture;
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Error);
+    QCOMPARE(source.errorText(), fileName + QStringLiteral(": there is no such file."));
+    // It never was damaged, and has nothing else to say.
+    QVERIFY(!source.isDamaged());
+    QCOMPARE(source.takeWarnings(), QStringList());
+    QVERIFY(source.knowsSignificantBits());
 }
 
 QTEST_MAIN(tst_RecordingSource)
