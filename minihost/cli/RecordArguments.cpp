@@ -163,8 +163,10 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
     QFileInfo const output(parsed.request.outputFile);
     bool const isDevice = output.exists() && !output.isFile() && !output.isDir();
     if (!isDevice && output.suffix() != QLatin1String("h264") && output.suffix() != QLatin1String("264"))
-        return QStringLiteral("'%1' cannot be the output: its name must end in .h264.")
-            .arg(parsed.request.outputFile);
+        return fx_IsStandardOutput(parsed.request.outputFile)
+                   ? QStringLiteral("Standard output is a file here: name that file as the output.")
+                   : QStringLiteral("'%1' cannot be the output: its name must end in .h264.")
+                         .arg(parsed.request.outputFile);
 
     if (parsed.run.json && fx_IsStandardOutput(parsed.request.outputFile))
         return QStringLiteral("--json and the recording cannot both go to standard output.");

@@ -24,6 +24,7 @@ private slots:
     void resultsThatDoNotArriveAreToldWithTheCause_data();
     void resultsThatDoNotArriveAreToldWithTheCause();
     void closedStreamsAreNotMistakenForFiles();
+    void fileBehindStandardOutputIsToBeNamed();
     void jsonAndRecordingDoNotShareStandardOutput_data();
     void jsonAndRecordingDoNotShareStandardOutput();
 
@@ -334,6 +335,16 @@ void tst_main::jsonAndRecordingDoNotShareStandardOutput()
     QCOMPARE(run.err, QByteArray("error: --json and the recording cannot both go to standard output. See "
                                  "minihost record --help.\n"));
     QCOMPARE(run.out, QByteArray());
+}
+
+void tst_main::fileBehindStandardOutputIsToBeNamed()
+{
+    QTemporaryDir folder;
+    SxMinihostRun const run =
+        fx_RunMinihostInShell("\"$@\" >out", {"record", "camera:", "/dev/stdout"}, folder.path());
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY2(run.err.startsWith("error: Standard output is a file here: name that file as the output."),
+             run.err);
 }
 
 QTEST_GUILESS_MAIN(tst_main)
