@@ -160,7 +160,7 @@ QString CxRecordingOutput::why()
     ssize_t written = 0;
     for (int i = 0; i < 4 && (written = pwrite(file, zeros.data(), zeros.size(), end)) > 0; ++i)
         end += written;
-    QString const cause = written < 0 ? qt_error_string(errno) : QString();
+    QString cause = written < 0 ? qt_error_string(errno) : QString();
     static_cast<void>(ftruncate(file, found.st_size));
     return cause;
 }

@@ -57,7 +57,7 @@ void CxInputDamage::forget()
 
 QStringList CxInputDamage::takeWarnings()
 {
-    QStringList const warnings = m_warnings + m_ofInput;
+    QStringList warnings = m_warnings + m_ofInput;
     m_warnings.clear();
     m_ofInput.clear();
     return warnings;
