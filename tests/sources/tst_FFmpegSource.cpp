@@ -419,8 +419,6 @@ void tst_FFmpegSource::damagedJpegsAreDeliveredAndNamed()
     QVERIFY(!sound.isDamaged());
 }
 
-static int const kVideoPictures = 60; // at 30 a second
-
 void tst_FFmpegSource::cutStreamsAreToldAtTheirEnd_data()
 {
     QTest::addColumn<QByteArray>("muxer");
