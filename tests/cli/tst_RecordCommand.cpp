@@ -704,7 +704,7 @@ void tst_RecordCommand::diskThatFillsUpKeepsCompletePictures()
         script, {"record", "camera:", output, "--size", "320x240", "--json"}, m_folder->path());
     bool const isDisk = output.startsWith("disk/");
     if (isDisk && !QFile::exists(path("copy.h264")))
-        QSKIP("Small disks cannot be mounted here.");
+        QSKIP("Small disks cannot be mounted here.", );
     QCOMPARE(run.exitCode, 5);
     QVERIFY2(run.err.contains("error: " + output.toLocal8Bit() +
                               ": Error when writing encoded frame to file (" + cause + ")."),

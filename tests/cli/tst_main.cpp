@@ -251,7 +251,7 @@ void tst_main::shortMemoryIsToldInOneSentence_data()
 void tst_main::shortMemoryIsToldInOneSentence()
 {
 #ifdef __SANITIZE_ADDRESS__
-    QSKIP("The sanitizer takes more address space than there is with a limit.");
+    QSKIP("The sanitizer takes more address space than there is with a limit.", );
 #endif
     QFETCH(QStringList, arguments);
     int refusals = 0;
