@@ -103,8 +103,8 @@ void CxWorkerRun::take(QString const& line)
         m_size = values.value(2).toLongLong();
         m_findings.closeDamageAt(m_offset); // of frames that nobody could look at the size was not known
         m_findings.endOfFrames = m_offset + m_size;
-        m_findings.marks.append(
-            {m_next, fx_IsKey(m_findings, m_next), values.value(3).toInt(), values.value(5).toInt()});
+        m_findings.marks.append({m_next, fx_IsKey(m_findings, m_next), values.value(3).toInt(),
+                                 values.value(5).toInt(), values.value(6).toInt()});
         m_findings.maxFrameNum = std::max(values.value(4).toInt(), 1);
     } else if (word == QLatin1String("good") || word == QLatin1String("bad")) {
         takeFrame(word, rest);

@@ -37,6 +37,18 @@ QString fx_DamageText(SxFindings const& findings)
     return text;
 }
 
+/// "2 pictures", "about 15 pictures, 3 key frames among them,"
+QString fx_HowManyVanished(SxFindings const& findings)
+{
+    int keyFrames = 0;
+    for (SxVanishedPictures const& place : findings.vanished)
+        keyFrames += place.keyFrames;
+    QString const pictures = fx_Count(findings.vanishedForCertain(), "picture");
+    return keyFrames == 0
+               ? pictures
+               : QStringLiteral("about %1, %2 among them,").arg(pictures, fx_Count(keyFrames, "key frame"));
+}
+
 /// "2 pictures vanished, the first before frame 12: ..."; empty when none did for certain.
 QString fx_VanishedText(SxFindings const& findings)
 {
@@ -44,7 +56,7 @@ QString fx_VanishedText(SxFindings const& findings)
         if (place.isCertain)
             return QStringLiteral(
                        "%1 vanished, the first before frame %2; numbers are too small from there on.")
-                .arg(fx_Count(findings.vanishedForCertain(), "picture"))
+                .arg(fx_HowManyVanished(findings))
                 .arg(place.beforeFrame);
     }
     return QString();
@@ -54,6 +66,7 @@ QJsonObject fx_VanishedJson(SxVanishedPictures const& place)
 {
     return {{QStringLiteral("beforeFrame"), place.beforeFrame},
             {QStringLiteral("pictures"), place.pictures},
+            {QStringLiteral("keyFrames"), place.keyFrames},
             {QStringLiteral("certain"), place.isCertain}};
 }
 

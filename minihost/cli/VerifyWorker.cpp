@@ -60,6 +60,7 @@ SxFrameMark fx_MarkOf(QByteArray bytes, SxH264Sps& sps)
             if (slices++ == 0 && strangers == 0) {
                 auto const slice = fx_ReadH264Slice(unit, size, sps);
                 mark.frameNum = slice ? static_cast<int>(slice->frame_num) : -1;
+                mark.idrPicId = slice && slice->idr_pic_id ? static_cast<int>(*slice->idr_pic_id) : -1;
             }
         } else if (nal_unit_type < 6 || nal_unit_type > 12) { // those between say something about pictures
             ++strangers;
@@ -92,13 +93,14 @@ void fx_DecodeFrom(int first, CxRecordingReader& recording)
     for (int frame = first; frame < recording.frameCount(); ++frame) {
         SxCodedFrame const& coded = recording.frames()[static_cast<size_t>(frame)];
         SxFrameMark const mark = fx_MarkOf(recording.codedFrame(frame), sps);
-        fx_Say(QStringLiteral("at %1 %2 %3 %4 %5 %6")
+        fx_Say(QStringLiteral("at %1 %2 %3 %4 %5 %6 %7")
                    .arg(frame)
                    .arg(coded.offset)
                    .arg(coded.size)
                    .arg(mark.frameNum)
                    .arg(1 << sps.frameNumBits)
-                   .arg(mark.extraUnits));
+                   .arg(mark.extraUnits)
+                   .arg(mark.idrPicId));
         std::unique_ptr<CxImageData> next = recording.picture(frame, cause);
         if (!next) {
             fx_RuleOutShortMemory();

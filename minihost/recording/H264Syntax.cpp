@@ -108,5 +108,9 @@ std::optional<SxH264Slice> fx_ReadH264Slice(uchar const* unit, size_t size, SxH2
     slice.frame_num = reader.bits(sps.frameNumBits);
     if (!sps.frame_mbs_only_flag)
         slice.field_pic_flag = reader.flag();
+    if (slice.field_pic_flag)
+        reader.flag(); // bottom_field_flag
+    if ((unit[0] & 0x1F) == 5)
+        slice.idr_pic_id = reader.ue();
     return reader.isGood() && slice_type <= 9 ? std::make_optional(slice) : std::nullopt;
 }

@@ -19,13 +19,14 @@ struct SxH264Sps
     int height = 0;
 };
 
-/// What the header of a slice says (7.3.3), up to field_pic_flag.
+/// What the header of a slice says (7.3.3), up to idr_pic_id.
 struct SxH264Slice
 {
     quint32 first_mb_in_slice = 0;
     bool isB = false;
     quint32 frame_num = 0;
     bool field_pic_flag = false;
+    std::optional<quint32> idr_pic_id; ///< of nal_unit_type 5 alone
 };
 
 /// \param unit  of nal_unit_type 7, from its header byte on. Nothing when it makes no sense.

@@ -26,6 +26,7 @@ private slots:
     void severalFilesAreAJsonArray();
     void picturesThatVanishedAreCounted_data();
     void picturesThatVanishedAreCounted();
+    void groupsThatVanishedAreCounted();
     void shorterGroupIsAWarning();
     void recordingWithSkippedPicturesIsWhole();
     void crashIsReportedAndTheRestGoesOn();
@@ -242,6 +243,27 @@ void tst_VerifyCommand::picturesThatVanishedAreCounted()
     QCOMPARE(vanished.size(), 1);
     QCOMPARE(vanished[0].toObject().value("beforeFrame").toInt(), frame);
     QCOMPARE(vanished[0].toObject().value("pictures").toInt(), 1);
+}
+
+void tst_VerifyCommand::groupsThatVanishedAreCounted()
+{
+    int const begin = fx_Offset(m_recording, 10);
+    int const end = fx_Offset(m_recording, 25);
+    QVERIFY(fx_WriteFile(path("g.h264"), m_bytes.left(begin) + m_bytes.mid(end)));
+    SxMinihostRun const verified = run({"verify", "g.h264", "--json"});
+    QCOMPARE(verified.exitCode, 4);
+    QCOMPARE(verified.err,
+             QByteArray("error: g.h264: about 15 pictures, 3 key frames among them, vanished, the first "
+                        "before frame 10; numbers are too small from there on.\n"));
+    QJsonArray const vanished = verified.json().value("vanished").toArray();
+    QCOMPARE(vanished.size(), 1);
+    QCOMPARE(vanished[0].toObject().value("pictures").toInt(), 15);
+    QCOMPARE(vanished[0].toObject().value("keyFrames").toInt(), 3);
+    QCOMPARE(vanished[0].toObject().value("certain").toBool(), true);
+
+    // Two recordings one behind the other are whole.
+    QVERIFY(fx_WriteFile(path("two.h264"), m_bytes + m_bytes));
+    QCOMPARE(run({"verify", "two.h264"}).exitCode, 0);
 }
 
 void tst_VerifyCommand::shorterGroupIsAWarning()
