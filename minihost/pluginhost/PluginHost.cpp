@@ -2,8 +2,11 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QPluginLoader>
+#include <cerrno>
+#include <dirent.h>
 
 #include "ClassRegistry.h"
 #include "CxPlugin.h"
@@ -14,6 +17,16 @@ static QString fx_WhereToLook(QString const& path)
         return path;
     QString const fromEnvironment = qEnvironmentVariable("MINIHOST_PLUGIN_PATH");
     return fromEnvironment.isEmpty() ? QCoreApplication::applicationDirPath() : fromEnvironment;
+}
+
+/// Why the folder cannot be read, for which Qt has no word; empty when it can.
+static QString fx_WhyUnreadable(QString const& folder)
+{
+    DIR* const opened = ::opendir(QFile::encodeName(folder).constData());
+    if (!opened)
+        return qt_error_string(errno);
+    ::closedir(opened);
+    return QString();
 }
 
 CxPluginHost::~CxPluginHost()
@@ -36,6 +49,11 @@ bool CxPluginHost::load(QString const& path, QString& error)
     QDir const folder(place);
     QStringList const names = folder.entryList({QStringLiteral("libtvp*.so")}, QDir::Files, QDir::Name);
     if (names.isEmpty()) {
+        QString const cause = fx_WhyUnreadable(place);
+        if (!cause.isEmpty()) {
+            error = QStringLiteral("%1: the folder cannot be searched for plug-ins: %2.").arg(place, cause);
+            return false;
+        }
         error = QStringLiteral("%1: the folder holds no plug-in (libtvp*.so).").arg(place);
         return false;
     }

@@ -17,6 +17,7 @@ private slots:
     void wrongUsageTouchesNothing();
     void unusablePluginIsNamed_data();
     void unusablePluginIsNamed();
+    void unreadablePluginFolderIsToldWithTheCause();
     void pluginPathMayComeFromTheEnvironment();
     void fileNamesAreKeptWithoutALocale();
     void shortMemoryIsToldInOneSentence_data();
@@ -186,6 +187,21 @@ void tst_main::unusablePluginIsNamed()
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(run.err.startsWith("error: ") && run.err.contains(cause), run.err);
     QVERIFY(!QFile::exists(folder.filePath("out.h264")));
+}
+
+void tst_main::unreadablePluginFolderIsToldWithTheCause()
+{
+    QTemporaryDir folder;
+    // Standard streams and Qt's own take some; with fewer the loader of libraries gives up itself.
+    int refusals = 0;
+    for (int const descriptors : {4, 5, 6}) {
+        SxMinihostRun const run = fx_RunMinihostInShell(
+            QStringLiteral("ulimit -n %1; exec \"$@\"").arg(descriptors), {"info", "in.h264"}, folder.path());
+        QVERIFY2(!run.err.contains("holds no plug-in"), run.err);
+        refusals += run.err.contains("the folder cannot be searched for plug-ins: Too many open files.\n");
+    }
+    if (refusals == 0)
+        QSKIP("No number of descriptors stops only the search.");
 }
 
 void tst_main::fileNamesAreKeptWithoutALocale()
