@@ -201,7 +201,7 @@ void tst_main::unreadablePluginFolderIsToldWithTheCause()
         refusals += run.err.contains("the folder cannot be searched for plug-ins: Too many open files.\n");
     }
     if (refusals == 0)
-        QSKIP("No number of descriptors stops only the search.");
+        QSKIP("No number of descriptors stops only the search.", );
 }
 
 void tst_main::fileNamesAreKeptWithoutALocale()
