@@ -138,7 +138,7 @@ bool fx_ParseExportArguments(QStringList const& arguments, SxExportArguments& pa
         return false;
     if (parsed.common.run.help)
         return true;
-    parsed.request.recording = parsed.common.file;
+    parsed.request.recording = parsed.common.file();
     parsed.request.printsHashes = !parsed.common.run.json;
     parsed.keepsGoing = parser.isSet(QStringLiteral("keep-going"));
     parsed.isStrict = parser.isSet(QStringLiteral("strict"));

@@ -145,7 +145,7 @@ QString fx_Json(SxExportArguments const& arguments, IxExportSink const& sink, Cx
         leftOut.append(frame);
     QString const& error = feeder.error();
     QJsonObject const json{
-        {QStringLiteral("file"), arguments.common.file},
+        {QStringLiteral("file"), arguments.common.file()},
         {QStringLiteral("exported"), sink.exportedJson()},
         {QStringLiteral("leftOut"), leftOut},
         {QStringLiteral("error"), error.isEmpty() ? QJsonValue() : QJsonValue(error)},

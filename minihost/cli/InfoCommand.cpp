@@ -233,9 +233,9 @@ int fx_RunInfo(QStringList const& arguments)
         Console::data(fx_Help());
         return kDone;
     }
-    SxStreamKind const kind = fx_StreamKindOf(parsed.file);
+    SxStreamKind const kind = fx_StreamKindOf(parsed.file());
     if (kind.isForeign)
-        return fx_TellForeign(parsed.file, kind, parsed.run.json);
+        return fx_TellForeign(parsed.file(), kind, parsed.run.json);
     return fx_RunOnRecording(parsed, [&](CxRecordingReader& recording) {
         return fx_Tell(recording, kind, parsed.run.json, parser.isSet(QStringLiteral("frames")));
     });

@@ -23,7 +23,6 @@ bool fx_ParseSeveralPlayArguments(QCommandLineParser& parser, QStringList const&
         error = QStringLiteral("No recording is given.");
         return false;
     }
-    parsed.file = parsed.files.first();
     return true;
 }
 
@@ -60,7 +59,7 @@ int fx_RunOnRecording(SxPlayArguments const& arguments,
     if (!session.load(error))
         return fx_Failed(error);
     CxRecordingReader recording; // its objects go before the plug-in finishes
-    if (!recording.open(arguments.file, error))
-        return fx_Failed(error, fx_RefusalCode(arguments.file));
+    if (!recording.open(arguments.file(), error))
+        return fx_Failed(error, fx_RefusalCode(arguments.file()));
     return work(recording);
 }

@@ -10,8 +10,8 @@
 struct SxPlayArguments
 {
     SxRunOptions run;
-    QString file;      ///< the first of them
     QStringList files; ///< one, unless the command takes several
+    QString file() const { return files.value(0); }
 };
 
 /// Reads \p arguments with \p parser, which knows fx_RunOptions() and the command's own. \return false, with

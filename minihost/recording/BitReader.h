@@ -4,7 +4,8 @@
 #include <cstddef>
 
 /// Reads the bits of a unit of H.264 or H.265, most significant first, without its emulation prevention bytes
-/// (ITU-T H.264, 7.4.1). Behind the end come zeros, and isGood() tells.
+/// (ITU-T H.264, 7.4.1). Behind the end come zeros, and isGood() tells. The plug-in has a reader of its own
+/// for its parameter sets: the stand-in reaches it through the host's interfaces alone.
 class CxBitReader
 {
 public:

@@ -19,11 +19,6 @@ constexpr int kPatienceMs = 5000;    // of a stopped recording with a reader tha
 constexpr int kHead = 256;           // bytes
 constexpr size_t kChunk = 64 * 1024; // bytes; as many as a pipe holds
 
-bool fx_IsSameInode(struct stat const& a, struct stat const& b)
-{
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
 } // namespace
 
 CxRecordingOutput::~CxRecordingOutput()

@@ -7,6 +7,7 @@
 
 #include "PluginMessages.h"
 #include "StreamKind.h"
+#include "UnitScan.h"
 
 /// What stands in the way before anything is opened; empty when nothing does. Only a regular file has
 /// frames to go back to, and opening a pipe would wait for its other end.
@@ -26,19 +27,13 @@ static QString fx_ObstacleToOpening(QString const& fileName)
     return QString();
 }
 
-static bool fx_BeginsWithStartCode(QByteArray const& bytes)
-{
-    return bytes.size() >= 4 &&
-           (bytes.startsWith(QByteArray("\0\0\1", 3)) || bytes.startsWith(QByteArray("\0\0\0\1", 4)));
-}
-
 /// Why the loader, which says only that it did, refused the file.
 static QString fx_CauseOfRefusal(QString const& fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return file.errorString() + QLatin1Char('.');
-    if (!fx_BeginsWithStartCode(file.read(4)))
+    if (!fx_BeginsWithStartCode(file))
         return QStringLiteral("this is no raw H.264 stream, since it does not begin with a start code.");
     if (!file.map(0, file.size())) // as the loader does with the whole file
         return QStringLiteral("there is not enough memory to open it.");

@@ -11,6 +11,11 @@ static bool fx_Stat(QString const& name, struct stat& found)
     return stat(QFile::encodeName(name).constData(), &found) == 0;
 }
 
+bool fx_IsSameInode(struct stat const& a, struct stat const& b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
 bool fx_IsSameFile(QString const& source, QString const& output)
 {
     struct stat in = {};
@@ -18,8 +23,7 @@ bool fx_IsSameFile(QString const& source, QString const& output)
     bool isFound = source == QLatin1String("-") ? fstat(STDIN_FILENO, &in) == 0 : fx_Stat(source, in);
     if (!isFound && source.startsWith(QLatin1String("file:")))
         isFound = fx_Stat(source.mid(5), in);
-    return isFound && fx_Stat(output, out) && S_ISREG(in.st_mode) && in.st_dev == out.st_dev &&
-           in.st_ino == out.st_ino;
+    return isFound && fx_Stat(output, out) && S_ISREG(in.st_mode) && fx_IsSameInode(in, out);
 }
 
 bool fx_IsReadHere(QString const& fileName)
@@ -31,7 +35,7 @@ bool fx_IsReadHere(QString const& fileName)
          QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files)) {
         int const descriptor = number.toInt();
         struct stat open = {};
-        if (fstat(descriptor, &open) == 0 && open.st_dev == named.st_dev && open.st_ino == named.st_ino &&
+        if (fstat(descriptor, &open) == 0 && fx_IsSameInode(open, named) &&
             (fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY)
             return true;
     }
@@ -43,5 +47,5 @@ bool fx_IsStandardOutput(QString const& fileName)
     struct stat named = {};
     struct stat standard = {};
     return fx_Stat(fileName, named) && fstat(STDOUT_FILENO, &standard) == 0 &&
-           named.st_dev == standard.st_dev && named.st_ino == standard.st_ino;
+           fx_IsSameInode(named, standard);
 }

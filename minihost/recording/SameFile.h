@@ -2,6 +2,11 @@
 
 #include <QString>
 
+struct stat;
+
+/// True when both describe one file, pipe or device.
+bool fx_IsSameInode(struct stat const& a, struct stat const& b);
+
 /// True when both names lead to one existing regular file, be it through links, hard or symbolic, or
 /// different paths; so writing one would destroy the other. "-" as \p source is standard input, and a
 /// "file:" before it is no part of its name.

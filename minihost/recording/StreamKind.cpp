@@ -96,12 +96,6 @@ void fx_Conclude(CxH264Evidence const& evidence, SxStreamKind& kind)
     kind.level = named.level;
 }
 
-bool fx_BeginsWithStartCode(QIODevice& file)
-{
-    QByteArray const begin = file.peek(4);
-    return begin.startsWith(QByteArray("\0\0\1", 3)) || begin == QByteArray("\0\0\0\1", 4);
-}
-
 /// Pictures of H.265 or MPEG video that begin with this unit, counted in fields, of which a picture has two.
 int fx_FieldsOf(uchar const* unit, size_t size, Codec codec)
 {

@@ -8,6 +8,13 @@
 static constexpr qint64 kPiece = 1 << 20;
 static constexpr size_t kPrefix = 3; // 00 00 01
 
+bool fx_BeginsWithStartCode(QIODevice& file)
+{
+    QByteArray const begin = file.peek(4);
+    return begin.size() == 4 &&
+           (begin.startsWith(QByteArray("\0\0\1", 3)) || begin == QByteArray("\0\0\0\1", 4));
+}
+
 bool fx_ForEachUnit(QIODevice& file, qint64 limit,
                     std::function<bool(uchar const* unit, size_t size)> const& visit)
 {

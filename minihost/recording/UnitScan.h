@@ -6,6 +6,9 @@
 
 class QIODevice;
 
+/// Whether a start code of three or four bytes comes next, and, behind one of three, anything.
+bool fx_BeginsWithStartCode(QIODevice& file);
+
 /// The units of a byte stream with start codes, as of H.264, H.265 and MPEG video, read from a file in
 /// pieces.
 ///
