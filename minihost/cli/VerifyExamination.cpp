@@ -5,6 +5,11 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "Interrupt.h"
 
@@ -26,6 +31,24 @@ int fx_Patience()
 bool fx_IsKey(SxFindings const& findings, int frame)
 {
     return std::binary_search(findings.keyFrames.begin(), findings.keyFrames.end(), frame);
+}
+
+/// 0, or the errno that says why a process cannot be started: QProcess tells this in words of its own, not to
+/// its caller, and names another cause. The worker inherits the limit, so that it is told here for both.
+int fx_DescriptorsMissing()
+{
+    std::array<int, 16> probes;
+    int missing = 0;
+    for (int& probe : probes) {
+        probe = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (probe < 0)
+            missing = errno;
+    }
+    for (int const probe : probes) {
+        if (probe >= 0)
+            ::close(probe);
+    }
+    return missing;
 }
 
 /// One worker, from its start to its end, and what it says.
@@ -53,6 +76,7 @@ private:
     void takeFrame(QString const& word, QString const& rest);
     void noteDeath();
     void noteShortMemory();
+    void noteNoStart(QString const& cause);
 
     SxFindings& m_findings;
     SxRunOptions const& m_options;
@@ -141,6 +165,10 @@ void CxWorkerRun::watch(QProcess& worker)
 void CxWorkerRun::run(int first)
 {
     m_next = first;
+    if (int const missing = fx_DescriptorsMissing()) {
+        noteNoStart(QString::fromLocal8Bit(std::strerror(missing)));
+        return;
+    }
     QProcess worker;
     if (m_options.verbose)
         worker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -152,10 +180,7 @@ void CxWorkerRun::run(int first)
                   m_findings.file},
                  QIODevice::ReadOnly);
     if (!worker.waitForStarted()) {
-        m_findings.refusal =
-            QStringLiteral("The process that decodes cannot be started: %1.").arg(worker.errorString());
-        m_findings.refusalCode = kFailed;
-        m_isDone = true;
+        noteNoStart(worker.errorString());
         return;
     }
     watch(worker);
@@ -174,6 +199,13 @@ void CxWorkerRun::run(int first)
         m_isDone = true;
     else
         noteDeath();
+}
+
+void CxWorkerRun::noteNoStart(QString const& cause)
+{
+    m_findings.refusal = QStringLiteral("The process that decodes cannot be started: %1.").arg(cause);
+    m_findings.refusalCode = kFailed;
+    m_isDone = true;
 }
 
 /// The program ends so when memory runs out where no words for it are left.

@@ -37,6 +37,8 @@ private slots:
     void interruptedVerifyTakesItsWorkerAlong_data();
     void interruptedVerifyTakesItsWorkerAlong();
     void fileThatShrinksMeanwhileFailsWithoutACrash();
+    void tooFewFileDescriptorsAreNamed_data();
+    void tooFewFileDescriptorsAreNamed();
 
 private:
     /// A run with a plug-in whose loader does what the file says.
@@ -395,6 +397,23 @@ void tst_VerifyCommand::fileThatShrinksMeanwhileFailsWithoutACrash()
     QByteArray const err = process.readAllStandardError();
     QCOMPARE(process.exitCode(), 4);
     QVERIFY2(err.startsWith("error: s.h264: "), err);
+}
+
+void tst_VerifyCommand::tooFewFileDescriptorsAreNamed_data()
+{
+    QTest::addColumn<int>("descriptors");
+    for (int const count : {4, 6, 8, 10, 12})
+        QTest::addRow("%d", count) << count;
+}
+
+void tst_VerifyCommand::tooFewFileDescriptorsAreNamed()
+{
+    QFETCH(int, descriptors);
+    SxMinihostRun const result = fx_RunMinihostInShell(
+        QStringLiteral("ulimit -n %1; exec \"$@\"").arg(descriptors), {"verify", m_recording});
+    QCOMPARE(result.exitCode, 1);
+    QCOMPARE(result.err.trimmed(),
+             QByteArray("error: The process that decodes cannot be started: Too many open files."));
 }
 
 QTEST_GUILESS_MAIN(tst_VerifyCommand)
