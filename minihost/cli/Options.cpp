@@ -44,6 +44,16 @@ QVector<SxOption> fx_RunOptions(QString const& json)
     };
 }
 
+/// The option that has two values where only one counts, as it was typed; empty when there is none.
+static QString fx_GivenTwice(QCommandLineParser const& parser)
+{
+    for (QString const& name : parser.optionNames()) {
+        if (name != QLatin1String("input-option") && parser.values(name).size() > 1)
+            return (name.size() > 1 ? QStringLiteral("--") : QStringLiteral("-")) + name;
+    }
+    return QString();
+}
+
 bool fx_ParseOptions(QCommandLineParser& parser, QStringList const& arguments, SxRunOptions& parsed,
                      QString& error)
 {
@@ -55,6 +65,11 @@ bool fx_ParseOptions(QCommandLineParser& parser, QStringList const& arguments, S
         error = parser.errorText();
         if (!error.endsWith(QLatin1Char('.')))
             error += QLatin1Char('.');
+        return false;
+    }
+    QString const twice = fx_GivenTwice(parser);
+    if (!twice.isEmpty()) {
+        error = QStringLiteral("%1 is given twice.").arg(twice);
         return false;
     }
     parsed.json = parser.isSet(QStringLiteral("json"));

@@ -15,6 +15,8 @@ private slots:
     void wrongUsageIsExplained_data();
     void wrongUsageIsExplained();
     void wrongUsageTouchesNothing();
+    void optionGivenTwiceIsWrongUsage_data();
+    void optionGivenTwiceIsWrongUsage();
     void unusablePluginIsNamed_data();
     void unusablePluginIsNamed();
     void unreadablePluginFolderIsToldWithTheCause();
@@ -157,6 +159,25 @@ void tst_main::wrongUsageTouchesNothing()
                  .exitCode,
              2);
     QVERIFY(!QFile::exists(folder.filePath("out.h264")));
+}
+
+void tst_main::optionGivenTwiceIsWrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("option");
+    QTest::newRow("export") << QStringList{"export", "in.h264", "--frames", "1", "--frames", "2"}
+                            << QByteArray("--frames");
+    QTest::newRow("both forms") << QStringList{"export", "in.h264", "-o", "a.png", "--output", "b.png"}
+                                << QByteArray("-o");
+}
+
+void tst_main::optionGivenTwiceIsWrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, option);
+    SxMinihostRun const run = fx_RunMinihost(arguments);
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY2(run.err.startsWith("error: " + option + " is given twice."), run.err);
 }
 
 void tst_main::unusablePluginIsNamed_data()
