@@ -96,9 +96,10 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
     QString const skipped = CxRecordTexts::skipped(encoder, summary);
     QString const shrunk =
         CxRecordTexts::shrunk(summary.input, summary.savedWidth, summary.savedHeight, encoder.level);
+    QString const level = CxRecordTexts::otherLevel(summary, encoder.level);
     // A recording's broken pictures are counted above.
     QString const damage = broken.isEmpty() ? CxRecordTexts::sourceDamage(summary) : QString();
-    for (QString const& text : {damage, skipped, shrunk}) {
+    for (QString const& text : {damage, skipped, shrunk, level}) {
         if (!text.isEmpty())
             parts.append(text);
     }

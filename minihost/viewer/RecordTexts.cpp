@@ -46,3 +46,11 @@ QString CxRecordTexts::shrunk(SxPicBufInfo const& input, quint32 width, quint32 
         .arg(input.height)
         .arg(why);
 }
+
+QString CxRecordTexts::otherLevel(SxRecordSummary const& summary, int level)
+{
+    QString const asked = fx_LevelName(level);
+    return summary.level.isEmpty() || summary.level == asked
+               ? QString()
+               : tr("OpenH264 made the recording level %1, not level %2 as asked.").arg(summary.level, asked);
+}

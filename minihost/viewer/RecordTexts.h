@@ -20,4 +20,7 @@ public:
     /// That pictures like \p input are saved with \p width x \p height pixels and why; empty when they are
     /// not.
     static QString shrunk(SxPicBufInfo const& input, quint32 width, quint32 height, int level);
+
+    /// That the encoder named another level than \p level, which was asked for; empty when it did not.
+    static QString otherLevel(SxRecordSummary const& summary, int level);
 };

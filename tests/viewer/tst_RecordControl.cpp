@@ -35,6 +35,7 @@ private slots:
     void leavesOutBrokenPictures();
     void endsAtBrokenPictureWhenAsked();
     void warnsOfSkippedPictures();
+    void tellsLevelThatTheEncoderRaised();
     void recordsUntilStopped();
     void stopEndsSaving();
     void allowsOneRecordingAtATime();
@@ -163,6 +164,22 @@ void tst_RecordControl::warnsOfSkippedPictures()
     QVERIFY2(text.contains(QStringLiteral("not with every picture")), qPrintable(text));
     QVERIFY2(!text.contains(QStringLiteral("is complete")), qPrintable(text));
     QCOMPARE(m_viewer->bar->kind(), CxMessageBar::Kind::Warning);
+}
+
+void tst_RecordControl::tellsLevelThatTheEncoderRaised()
+{
+    SxEncoderOptions lowest;
+    lowest.level = fx_LevelFromName(QStringLiteral("1")).value();
+    fx_SetCodecOptions(kFourCCH264, lowest.toMap());
+    QVERIFY(m_viewer->open(m_recording));
+    CxRecordDialogUser const user(m_viewer->window);
+    QVERIFY(user.isShown);
+    user.setFile(m_fixture->path(QStringLiteral("level.h264")));
+    user.click("start");
+    QTRY_VERIFY(!m_viewer->bar->text().isEmpty());
+    QVERIFY2(
+        m_viewer->bar->text().contains(QStringLiteral("made the recording level 1.1, not level 1 as asked")),
+        qPrintable(m_viewer->bar->text()));
 }
 
 void tst_RecordControl::recordsUntilStopped()

@@ -554,6 +554,10 @@
         <source>Pictures are saved as %1 × %2 instead of %3 × %4: %5.</source>
         <translation>Die Bilder werden mit %1 × %2 statt %3 × %4 gespeichert: %5.</translation>
     </message>
+    <message>
+        <source>OpenH264 made the recording level %1, not level %2 as asked.</source>
+        <translation>OpenH264 hat der Aufnahme Level %1 gegeben, nicht wie gewünscht Level %2.</translation>
+    </message>
 </context>
 <context>
     <name>CxStartPage</name>
