@@ -1,5 +1,12 @@
+#include <QApplication>
+#include <QElapsedTimer>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <QWidget>
+
+#include "Viewer.h"
 
 namespace {
 
@@ -27,9 +34,36 @@ SxOutcome fx_Run(QStringList const& arguments, bool hasDisplay)
     return outcome;
 }
 
+/// Closes the program's window once its title holds \p words, or never came to it within half a minute; \p
+/// title is then what it was.
+void fx_CloseWhenTitled(QString const& words, QElapsedTimer const& since, QString& title)
+{
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible())
+            continue;
+        title = window->windowTitle();
+        if (title.contains(words) || since.elapsed() > 30000) {
+            window->close();
+            return;
+        }
+    }
+    QTimer::singleShot(1, qApp, [words, since, &title] { fx_CloseWhenTitled(words, since, title); });
+}
+
+QString s_title; ///< of the window opened in this process
+
+/// The window's program is made in the function under test, and left only by closing the window.
+void fx_WaitForWindow()
+{
+    QElapsedTimer since;
+    since.start();
+    QTimer::singleShot(0, qApp,
+                       [since] { fx_CloseWhenTitled(QStringLiteral("camera.h264"), since, s_title); });
+}
+
 } // namespace
 
-/// `minihost view` up to where a window would open.
+/// `minihost view` up to where a window opens, and one that shows what it was given.
 class tst_Viewer : public QObject
 {
     Q_OBJECT
@@ -38,6 +72,7 @@ private slots:
     void printsHelp();
     void failsInOneSentence_data();
     void failsInOneSentence();
+    void windowShowsWhatItWasGivenUntilItIsClosed();
 };
 
 void tst_Viewer::printsHelp()
@@ -74,5 +109,15 @@ void tst_Viewer::failsInOneSentence()
     QVERIFY(outcome.output.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_Viewer)
+void tst_Viewer::windowShowsWhatItWasGivenUntilItIsClosed()
+{
+    QTemporaryDir const settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    qAddPreRoutine(fx_WaitForWindow);
+    QString error;
+    QVERIFY2(fx_ShowWindow(PLUGIN_FILE, QStringLiteral(TEST_DATA "/camera.h264"), error), qPrintable(error));
+    QVERIFY2(s_title.contains(QStringLiteral("camera.h264")), qPrintable(s_title));
+}
+
+QTEST_APPLESS_MAIN(tst_Viewer)
 #include "tst_Viewer.moc"
