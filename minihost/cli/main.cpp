@@ -114,8 +114,14 @@ static int fx_Run(int argc, char** argv)
 {
     fx_UseUtf8();
     QStringList arguments;
-    for (int i = 1; i < argc; ++i)
+    for (int i = 1; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
+        // Qt would write to a file of another name, and find none to read.
+        if (arguments.last().toLocal8Bit() != argv[i])
+            return fx_Failed(QStringLiteral("'%1' is not in this system's encoding: it stands for no file.")
+                                 .arg(arguments.last()),
+                             kWrongUsage);
+    }
     std::optional<QCoreApplication> app;
     if (arguments.value(0) != QLatin1String("view")) // which has one of its own
         app.emplace(argc, argv);

@@ -17,6 +17,7 @@ private slots:
     void wrongUsageTouchesNothing();
     void optionGivenTwiceIsWrongUsage_data();
     void optionGivenTwiceIsWrongUsage();
+    void fileNameThatIsNoTextIsRefused();
     void unusablePluginIsNamed_data();
     void unusablePluginIsNamed();
     void unreadablePluginFolderIsToldWithTheCause();
@@ -178,6 +179,16 @@ void tst_main::optionGivenTwiceIsWrongUsage()
     SxMinihostRun const run = fx_RunMinihost(arguments);
     QCOMPARE(run.exitCode, 2);
     QVERIFY2(run.err.startsWith("error: " + option + " is given twice."), run.err);
+}
+
+void tst_main::fileNameThatIsNoTextIsRefused()
+{
+    QTemporaryDir folder;
+    SxMinihostRun const run = fx_RunMinihostInShell(QStringLiteral("\"$@\" \"$(printf 'gr\\374n.h264')\""),
+                                                    {"record", "camera:", "--frames", "1"}, folder.path());
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY2(run.err.contains("is not in this system's encoding"), run.err);
+    QVERIFY(QDir(folder.path()).isEmpty());
 }
 
 void tst_main::unusablePluginIsNamed_data()
