@@ -1,13 +1,12 @@
 #include "RecordingReader.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <climits>
 
 #include "PluginMessages.h"
+#include "Refusal.h"
 #include "StreamKind.h"
-#include "UnitScan.h"
 
 /// What stands in the way before anything is opened; empty when nothing does. Only a regular file has
 /// frames to go back to, and opening a pipe would wait for its other end.
@@ -25,19 +24,6 @@ static QString fx_ObstacleToOpening(QString const& fileName)
     if (info.size() == 0)
         return QStringLiteral("the file is empty.");
     return QString();
-}
-
-/// Why the loader, which says only that it did, refused the file.
-static QString fx_CauseOfRefusal(QString const& fileName)
-{
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return file.errorString() + QLatin1Char('.');
-    if (!fx_BeginsWithStartCode(file))
-        return QStringLiteral("this is no raw H.264 stream, since it does not begin with a start code.");
-    if (!file.map(0, file.size())) // as the loader does with the whole file
-        return QStringLiteral("there is not enough memory to open it.");
-    return QStringLiteral("the picture size is unknown, since the stream holds no sequence parameter set.");
 }
 
 /// OpenH264's DECODING_STATE bits (codec_app_def.h) in words.

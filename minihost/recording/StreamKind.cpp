@@ -179,13 +179,23 @@ QString fx_ForeignStreamText(SxStreamKind const& kind)
     return text;
 }
 
-QString fx_CommandToRecord(QString const& fileName)
+/// As a word for a shell.
+static QString fx_Quoted(QString const& fileName)
 {
     static QRegularExpression const kPlain(QStringLiteral("^[\\w./+:@%-]+$"),
                                            QRegularExpression::UseUnicodePropertiesOption);
+    if (kPlain.match(fileName).hasMatch())
+        return fileName;
     QString name = fileName;
-    if (!kPlain.match(fileName).hasMatch())
-        name =
-            QLatin1Char('\'') + name.replace(QLatin1Char('\''), QStringLiteral("'\\''")) + QLatin1Char('\'');
-    return QStringLiteral("minihost record %1 out.h264").arg(name);
+    return QLatin1Char('\'') + name.replace(QLatin1Char('\''), QStringLiteral("'\\''")) + QLatin1Char('\'');
+}
+
+QString fx_CommandToRecord(QString const& fileName)
+{
+    return QStringLiteral("minihost record %1 out.h264").arg(fx_Quoted(fileName));
+}
+
+QString fx_CommandToCutFront(QString const& fileName, qint64 bytes)
+{
+    return QStringLiteral("tail -c +%1 %2 > out.h264").arg(bytes + 1).arg(fx_Quoted(fileName));
 }

@@ -34,3 +34,6 @@ QString fx_ForeignStreamText(SxStreamKind const& kind);
 
 /// The command that makes a recording of the file, for a shell.
 QString fx_CommandToRecord(QString const& fileName);
+
+/// The command that leaves out the file's first \p bytes, for a shell.
+QString fx_CommandToCutFront(QString const& fileName, qint64 bytes);

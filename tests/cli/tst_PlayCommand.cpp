@@ -35,6 +35,14 @@ void tst_PlayCommand::unreadableRecordingIsRefusedWithItsCause_data()
     QTest::newRow("no SPS")
         << QByteArray::fromHex("000000016188804000000001618880400000")
         << "the picture size is unknown, since the stream holds no sequence parameter set.";
+    QTest::newRow("front lost") << QByteArray::fromHex("8841070000000167428034") + QByteArray(40, 'x')
+                                << "this is no raw H.264 stream, since it does not begin with a start code: "
+                                   "its first 3 bytes belong to "
+                                   "no picture; 'tail -c +4 bad.h264 > out.h264' keeps what follows.";
+    QTest::newRow("video")
+        << QByteArray("YUV4MPEG2 W16 H16 F25:1\nFRAME\n") + QByteArray(384, '\x40')
+        << "this is no raw H.264 stream, since it does not begin with a start code: it looks "
+           "like YUV4MPEG pipe; 'minihost record bad.h264 out.h264' makes a recording of it.";
     QTest::newRow("missing") << QByteArray() << "there is no such file.";
 }
 
