@@ -146,10 +146,9 @@ bool CxOpenH264Decoder::feed(uchar const* data, size_t size, SxPlanes& planes)
     return false;
 }
 
-/// Converts a decoded picture into the caller's, which gets memory if it has none.
-bool CxOpenH264Decoder::deliver(SxPlanes const& planes, SxPicBuf& picture)
+/// Whether the caller's picture, which gets memory if it has none, can take a decoded one.
+static bool fx_Prepare(SSysMEMBuffer const& decoded, SxPicBuf& picture)
 {
-    SSysMEMBuffer const& decoded = planes.info.UsrData.sSystemBuffer;
     quint32 const width = static_cast<quint32>(decoded.iWidth);
     quint32 const height = static_cast<quint32>(decoded.iHeight);
     bool const isOurs = !picture.data;
@@ -163,20 +162,28 @@ bool CxOpenH264Decoder::deliver(SxPlanes const& planes, SxPicBuf& picture)
         }
     }
 
-    unsigned long const size =
-        static_cast<unsigned long>(decoded.iHeight) * static_cast<unsigned long>(decoded.iStride[0]) +
-        static_cast<unsigned long>(decoded.iHeight / 2) * static_cast<unsigned long>(decoded.iStride[1]);
-    bool const fits = picture.width == width && picture.height == height && picture.pitch / 4 >= width;
-    if (fits && ConvertIYUVtoRGB32(picture, planes.data[0], planes.data[1], planes.data[2], size,
-                                   static_cast<unsigned>(decoded.iStride[0]),
-                                   static_cast<unsigned>(decoded.iStride[1])))
+    if (picture.width == width && picture.height == height && picture.pitch / 4 >= width)
         return true;
     if (isOurs)
         CxPicBufAPI::FreePicBuf(picture, true);
     return false;
 }
 
-bool CxOpenH264Decoder::decodeFrame(int frame, IxVideoAccessor* accessor, SxPicBuf& picture)
+/// Converts a decoded picture into the caller's, which is prepared for it.
+bool CxOpenH264Decoder::deliver(SxPlanes const& planes, SxPicBuf& picture)
+{
+    SSysMEMBuffer const& decoded = planes.info.UsrData.sSystemBuffer;
+    unsigned long const size =
+        static_cast<unsigned long>(decoded.iHeight) * static_cast<unsigned long>(decoded.iStride[0]) +
+        static_cast<unsigned long>(decoded.iHeight / 2) * static_cast<unsigned long>(decoded.iStride[1]);
+    return ConvertIYUVtoRGB32(picture, planes.data[0], planes.data[1], planes.data[2], size,
+                              static_cast<unsigned>(decoded.iStride[0]),
+                              static_cast<unsigned>(decoded.iStride[1]));
+}
+
+/// Feeds one frame. \p latest becomes its picture, which the library keeps until it is fed again; it stays
+/// what it was for a frame that has none to decode.
+bool CxOpenH264Decoder::feedFrame(int frame, IxVideoAccessor* accessor, SxPicBuf& picture, SxPlanes& latest)
 {
     if (!m_decoder && !createDecoder())
         return false;
@@ -200,17 +207,18 @@ bool CxOpenH264Decoder::decodeFrame(int frame, IxVideoAccessor* accessor, SxPicB
         return false;
 
     m_hasFed = true;
-    SxPlanes planes;
-    return feed(buffer.get(), size, planes) && deliver(planes, picture);
+    return feed(buffer.get(), size, latest) && fx_Prepare(latest.info.UsrData.sSystemBuffer, picture);
 }
 
-/// Decodes frames first to last into one picture, each over the one before.
+/// Decodes frames first to last, each of which must go into the picture; only the last that has one is
+/// converted.
 bool CxOpenH264Decoder::decodeFrames(int first, int last, IxVideoAccessor* accessor, SxPicBuf& picture)
 {
+    SxPlanes latest;
     for (int frame = first; frame <= last; ++frame)
-        if (!decodeFrame(frame, accessor, picture))
+        if (!feedFrame(frame, accessor, picture, latest))
             return false;
-    return true;
+    return !latest.isReady() || deliver(latest, picture);
 }
 
 /// The first frame to feed for \p frame, given the key frames (not empty, ascending) and what the

@@ -42,7 +42,7 @@ private:
     struct SxPlanes;
 
     bool createDecoder(); ///< makes the OpenH264 instance, or starts the one there is afresh
-    bool decodeFrame(int frame, IxVideoAccessor* accessor, SxPicBuf& picture);
+    bool feedFrame(int frame, IxVideoAccessor* accessor, SxPicBuf& picture, SxPlanes& latest);
     bool decodeFrames(int first, int last, IxVideoAccessor* accessor, SxPicBuf& picture);
     bool feed(uchar const* data, size_t size, SxPlanes& planes);
     bool feedUnit(uchar const* unit, int size, SxPlanes& planes);

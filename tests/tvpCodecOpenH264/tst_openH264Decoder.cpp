@@ -121,6 +121,8 @@ private slots:
     void walkStartsAtKeyFrameUnlessInStep();
     void impossibleFrameIsRefusedWithoutAsking();
     void emptyFrameIsNothingToDecode();
+    void emptyFrameShowsTheOneBeforeItOnItsWay();
+    void picturesOnTheWayAreNotWritten();
     void missingMemorySkipsTheFrame();
     void suppliedPictureMustBeRGB32_data();
     void suppliedPictureMustBeRGB32();
@@ -406,6 +408,33 @@ void tst_openH264Decoder::emptyFrameIsNothingToDecode()
     QCOMPARE(accessor.asked, QList<int>());
     accessor.last = 1; // it counts as processed
     QCOMPARE(fx_Decode(decoder, accessor, 2).asked, QList<int>{2});
+}
+
+void tst_openH264Decoder::emptyFrameShowsTheOneBeforeItOnItsWay()
+{
+    CxFakeAccessor accessor;
+    fx_Fill(accessor, 5, {0});
+    accessor.frames[3].clear();
+    accessor.frames[4].clear();
+    CxOpenH264Decoder decoder;
+    SxOutcome const outcome = fx_Decode(decoder, accessor, 4);
+    QVERIFY(outcome.result);
+    QCOMPARE(outcome.luma, kLumaBase + 2);
+}
+
+void tst_openH264Decoder::picturesOnTheWayAreNotWritten()
+{
+    CxFakeAccessor accessor;
+    fx_Fill(accessor, 5, {0});
+    accessor.refused = {4};
+    CxOpenH264Decoder decoder;
+    CxTestPicture supplied(16, 16);
+    supplied.buf.formatFlag = true;
+    supplied.fillNoise(1);
+    QByteArray const before(reinterpret_cast<char*>(supplied.buf.data), 16 * 64);
+    QVERIFY(!decoder.decode(4, &accessor, supplied.buf));
+    QCOMPARE(accessor.asked, fx_Range(0, 4));
+    QCOMPARE(QByteArray(reinterpret_cast<char*>(supplied.buf.data), 16 * 64), before);
 }
 
 void tst_openH264Decoder::missingMemorySkipsTheFrame()
