@@ -94,6 +94,10 @@ bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
     // A per cent sign in a picture's name is no pattern for more names; other readers ignore this.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "pattern_type", "none", 0);
+    // Without this a raw stream that carries no rate would have FFmpeg's 25. A device has its own.
+    bool const isOffered = !input.format || (input.format->flags & AVFMT_NOFILE) == 0;
+    if (isOffered)
+        av_dict_set_int(&options, "framerate", kPicturesASecond, 0);
     for (auto option = m_options.options.begin(); option != m_options.options.end(); ++option)
         av_dict_set(&options, option.key().toLocal8Bit().constData(),
                     option.value().toLocal8Bit().constData(), 0);
@@ -111,6 +115,10 @@ bool CxFFmpegSource::openFormat(SxFFmpegInput const& input)
     }
     m_format.reset(format);
     m_count.readIndex(*format);
+    bool const isTaken = isOffered && !av_dict_get(unused.get(), "framerate", nullptr, 0);
+    m_rateOrigin = m_options.options.contains(QStringLiteral("framerate")) ? RateOrigin::User
+                   : isTaken                                               ? RateOrigin::Offer
+                                                                           : RateOrigin::Stream;
     for (QString const& name : m_options.options.keys()) {
         QByteArray const key = name.toLocal8Bit();
         if (av_dict_get(unused.get(), key.constData(), nullptr, 0) && key != "pattern_type")
@@ -156,6 +164,10 @@ bool CxFFmpegSource::openInput()
     m_framesOfInput = 0;
     m_firstPts = AV_NOPTS_VALUE;
     expect(stream);
+    SxStreamFacts const facts = fx_StreamFacts(stream, m_rateOrigin);
+    m_rate.beginInput(facts.rate, facts.hasClock);
+    if (m_delivered == 0)
+        m_rotation = facts.rotation;
     return true;
 }
 
@@ -326,6 +338,7 @@ IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
     applyBits(picture);
     picture.timestamp = timestampOf(*m_frame);
     m_lastTime = picture.timestamp;
+    m_rate.add(picture.timestamp);
     ++m_delivered;
     ++m_framesOfInput;
     av_frame_unref(m_frame.get());

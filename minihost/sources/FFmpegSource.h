@@ -10,6 +10,8 @@
 #include "InputDamage.h"
 #include "IxPictureSource.h"
 #include "PictureCount.h"
+#include "RateMeter.h"
+#include "StreamFacts.h"
 
 struct SxFFmpegInput;
 
@@ -38,6 +40,8 @@ public:
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_expected; }
     bool hasEnd() const override { return m_hasEnd; }
+    SxPictureRate rate() const override { return m_rate.rate(); }
+    int rotation() const override { return m_rotation; }
     bool knowsSignificantBits() const override;
     QStringList takeWarnings() override;
     bool isDamaged() const override { return m_damage.isAny(); }
@@ -92,6 +96,9 @@ private:
     quint64 m_inputStart = 0; ///< microseconds at which the open input's pictures begin
     qint64 m_firstPts = AV_NOPTS_VALUE;
     int m_expected = -1;
+    RateOrigin m_rateOrigin = RateOrigin::Stream; ///< of the open input
+    CxRateMeter m_rate;
+    int m_rotation = 0; ///< of the first input
     QString m_error;
     QStringList m_warnings;
     bool m_saidBitsIgnored = false;

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "PictureRate.h"
 #include "SxPicBuf.h"
 
 /// Where pictures to record or to show come from, one after the other. One thread at a time.
@@ -33,6 +34,14 @@ public:
     /// False for a camera or a live stream, which goes on until somebody stops it: stopped, it has lost
     /// nothing. Known once the first picture has come.
     virtual bool hasEnd() const { return true; }
+
+    /// The rate of the pictures that came so far: what the source says, or the average where they come
+    /// unsteadily; unknown for pictures without a clock.
+    virtual SxPictureRate rate() const { return {}; }
+
+    /// Degrees clockwise, 0, 90, 180 or 270, by which the pictures that come are still to be turned to stand
+    /// upright. Known once the first has come.
+    virtual int rotation() const { return 0; }
 
     /// True when the source itself says how many bits of a word sample count; false when 16 is only
     /// the size of the word.

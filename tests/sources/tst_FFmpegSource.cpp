@@ -23,6 +23,10 @@ private slots:
     void pnmFilesKnowTheirBits();
     void filesFollowEachOther();
     void timestampsAreThoseOfTheVideo();
+    void rateIsThatOfTheVideo_data();
+    void rateIsThatOfTheVideo();
+    void rotationIsThatOfTheVideo_data();
+    void rotationIsThatOfTheVideo();
     void rawPicturesAreCopied_data();
     void rawPicturesAreCopied();
     void errorNamesTheFile();
@@ -357,6 +361,79 @@ static SxDelivered fx_ReadAll(CxFFmpegSource& source)
     }
     delivered.warnings += source.takeWarnings();
     return delivered;
+}
+
+void tst_FFmpegSource::rateIsThatOfTheVideo_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("step");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("rate");
+    QTest::addColumn<bool>("isAverage");
+    QTest::newRow("video") << "video.avi" << 1 << QString() << "30" << false;
+    QTest::newRow("every second picture") << "video.mkv" << 2 << QString() << "15" << true;
+    QTest::newRow("raw stream with a clock")
+        << TEST_DATA "/foreign/x264-baseline.264" << -1 << QString() << "25" << false;
+    QTest::newRow("raw stream without") << TEST_DATA "/camera.h264" << -1 << QString() << QString() << false;
+    QTest::newRow("raw stream, told") << TEST_DATA "/camera.h264" << -1 << "30"
+                                      << "30" << false;
+    QTest::newRow("picture file") << "picture.pgm" << 0 << QString() << QString() << false;
+    QTest::newRow("picture file, told") << "picture.pgm" << 0 << "7.5"
+                                        << "7.5" << false;
+}
+
+void tst_FFmpegSource::rateIsThatOfTheVideo()
+{
+    QFETCH(QString, file);
+    QFETCH(int, step);
+    QFETCH(QString, given);
+    QString const name = step < 0 ? file : path(file);
+    if (step > 0)
+        QVERIFY(fx_WriteVideo(name, step == 1 ? "avi" : "matroska", AV_CODEC_ID_MJPEG, 31, step));
+    else if (step == 0)
+        QVERIFY(fx_WriteFile(name, fx_PnmFile(16, 16, 1, 255, QByteArray(256, 'g'))));
+    SxFFmpegOptions options;
+    if (!given.isEmpty())
+        options.options.insert(QStringLiteral("framerate"), given);
+    CxFFmpegSource source({name}, 0, nullptr, options);
+    fx_ReadAll(source);
+    QVERIFY2(source.errorText().isEmpty(), qPrintable(source.errorText()));
+    QTEST(source.rate().isKnown() ? source.rate().text() : QString(), "rate");
+    QTEST(source.rate().isAverage, "isAverage");
+}
+
+void tst_FFmpegSource::rotationIsThatOfTheVideo_data()
+{
+    QTest::addColumn<QByteArray>("matrix"); // the upper left two by two (ISO/IEC 14496-12, 8.3.2)
+    QTest::addColumn<int>("rotation");
+    QByteArray const none = QByteArray::fromHex("00010000000000000000000000000000"
+                                                "00010000");
+    QTest::newRow("upright") << none << 0;
+    QTest::newRow("quarter") << QByteArray::fromHex("000000000001000000000000ffff0000"
+                                                    "00000000")
+                             << 90;
+    QTest::newRow("half") << QByteArray::fromHex("ffff0000000000000000000000000000"
+                                                 "ffff0000")
+                          << 180;
+    QTest::newRow("three quarters") << QByteArray::fromHex("00000000ffff00000000000000010000"
+                                                           "00000000")
+                                    << 270;
+}
+
+void tst_FFmpegSource::rotationIsThatOfTheVideo()
+{
+    QFETCH(QByteArray, matrix);
+    QVERIFY(fx_WriteVideo(path("turned.mp4"), "mp4", AV_CODEC_ID_MPEG4, 2));
+    QByteArray bytes = fx_FileBytes(path("turned.mp4"));
+    // The last is the track's, the one before it the file's.
+    auto const place = bytes.lastIndexOf(QByteArray::fromHex("00010000000000000000000000000000"
+                                                             "00010000"));
+    QVERIFY(place > 0);
+    bytes.replace(place, matrix.size(), matrix);
+    QVERIFY(fx_WriteFile(path("turned.mp4"), bytes));
+    CxFFmpegSource source({path("turned.mp4")}, 0, nullptr);
+    fx_ReadAll(source);
+    QTEST(source.rotation(), "rotation");
 }
 
 void tst_FFmpegSource::inputsWithoutAPictureAreLeftOutAndNamed_data()

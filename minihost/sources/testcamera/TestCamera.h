@@ -36,6 +36,7 @@ public:
     QString errorText() const override;
     int expectedPictures() const override { return m_options.frames == 0 ? -1 : m_options.frames; }
     bool hasEnd() const override { return false; }
+    SxPictureRate rate() const override { return {kPicturesASecond}; }
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
     bool isDamaged() const override { return false; }

@@ -1,0 +1,51 @@
+#include "StreamFacts.h"
+
+#include <cmath>
+
+extern "C" {
+#include <libavutil/display.h>
+}
+
+/// The stream's display matrix (libavutil/display.h); null when it has none.
+static int32_t const* fx_DisplayMatrix(AVStream const& stream)
+{
+    constexpr size_t kSize = 9 * sizeof(int32_t);
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102)
+    AVPacketSideData const* const data = av_packet_side_data_get(
+        stream.codecpar->coded_side_data, stream.codecpar->nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    return data && data->size >= kSize ? reinterpret_cast<int32_t const*>(data->data) : nullptr;
+#else
+    for (int i = 0; i < stream.nb_side_data; ++i) {
+        AVPacketSideData const& data = stream.side_data[i];
+        if (data.type == AV_PKT_DATA_DISPLAYMATRIX && static_cast<size_t>(data.size) >= kSize)
+            return reinterpret_cast<int32_t const*>(data.data);
+    }
+    return nullptr;
+#endif
+}
+
+static int fx_Rotation(AVStream const& stream)
+{
+    int32_t const* const matrix = fx_DisplayMatrix(stream);
+    double const counterclockwise = matrix ? av_display_rotation_get(matrix) : 0.0;
+    if (std::isnan(counterclockwise))
+        return 0;
+    int const quarters = static_cast<int>(std::lround(-counterclockwise / 90.0));
+    return (quarters % 4 + 4) % 4 * 90;
+}
+
+SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin)
+{
+    SxStreamFacts facts;
+    facts.rotation = fx_Rotation(stream);
+    facts.hasClock = origin == RateOrigin::Stream;
+    bool const hasAverage = stream.avg_frame_rate.num > 0 && stream.avg_frame_rate.den > 0;
+    bool const isNamedOnly = origin == RateOrigin::User && !hasAverage;
+    AVRational const said = isNamedOnly ? stream.r_frame_rate : stream.avg_frame_rate;
+    SxPictureRate const rate{said.num, said.den};
+    bool const isOffered =
+        origin == RateOrigin::Offer && rate.numerator == kPicturesASecond * rate.denominator;
+    if (fx_IsSane(rate) && !isOffered)
+        facts.rate = rate;
+    return facts;
+}

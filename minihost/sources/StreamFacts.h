@@ -1,0 +1,21 @@
+#pragma once
+
+#include "FFmpegHandles.h"
+#include "PictureRate.h"
+
+/// Where a reader has a stream's rate from, when the stream itself has none.
+enum class RateOrigin {
+    Stream, ///< nowhere: the reader knows the time of each picture
+    Offer,  ///< kPicturesASecond was offered to it, and it took that
+    User,   ///< the user told it
+};
+
+/// What a stream says of how its pictures are to be shown.
+struct SxStreamFacts
+{
+    SxPictureRate rate;    ///< unknown when it says none
+    bool hasClock = false; ///< its pictures have times of their own
+    int rotation = 0;      ///< degrees clockwise, 0, 90, 180 or 270, to make them stand upright
+};
+
+SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin);
