@@ -9,6 +9,7 @@
 #include "ExportSink.h"
 #include "Interrupt.h"
 #include "NumberedFileName.h"
+#include "PictureRanges.h"
 #include "ProgressLine.h"
 #include "Readable.h"
 

@@ -40,21 +40,3 @@ QString fx_Count(qint64 count, char const* of)
 {
     return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(of), QLatin1String(count == 1 ? "" : "s"));
 }
-
-QString fx_ReadableRanges(QVector<int> const& numbers, int most)
-{
-    QStringList ranges;
-    for (int i = 0; i < numbers.size();) {
-        if (ranges.size() == most) {
-            ranges += QStringLiteral("...");
-            break;
-        }
-        int last = i;
-        while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1)
-            ++last;
-        ranges += last == i ? QString::number(numbers[i])
-                            : QStringLiteral("%1-%2").arg(numbers[i]).arg(numbers[last]);
-        i = last + 1;
-    }
-    return ranges.join(QStringLiteral(", "));
-}

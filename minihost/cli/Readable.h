@@ -1,12 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <QVector>
 
 QString fx_ReadableSize(qint64 bytes);          ///< "812 bytes", "64.2 kB", "7.51 MB"
 QString fx_ReadableBitRate(double bits);        ///< bits a second: "812 bit/s", "6.01 Mbit/s"
 QString fx_ReadableTime(double seconds);        ///< "0:07", "1:02:59"
 QString fx_Count(qint64 count, char const* of); ///< "1 picture", "7 pictures"
-
-/// "2-4, 7, 9-12": ascending numbers as ranges, at most \p most of them, then "...".
-QString fx_ReadableRanges(QVector<int> const& numbers, int most);

@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "PictureRanges.h"
 #include "PictureRate.h"
 #include "QualityTrial.h"
 #include "RateAdvice.h"
