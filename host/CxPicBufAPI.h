@@ -16,7 +16,8 @@ public:
     /// the last row) are this stand-in's reading of two arguments that plug-ins pass as false and 0.
     ///
     /// `data` is a multiple of 64. Blocks of a few freed pictures serve the next ones of their size, so
-    /// that steady playback takes no fresh memory; all go when no picture is left.
+    /// that steady playback takes no fresh memory. When no picture is left one of them stays, until an
+    /// application's event loop has seen a second without any.
     ///
     /// \return false, with \p picture untouched, when the format has no pixels, components outside 1
     ///         to 4, a pitch shorter than a row or more than 2 GiB in all, or memory is short.
