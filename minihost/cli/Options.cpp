@@ -1,5 +1,9 @@
 #include "Options.h"
 
+#include <algorithm>
+#include <thread>
+
+static constexpr int kMostJobs = 256;
 static constexpr int kLeftColumn = 20; // characters, for the option and its value
 
 void fx_AddOptions(QCommandLineParser& parser, QVector<SxOption> const& options)
@@ -42,6 +46,26 @@ QVector<SxOption> fx_RunOptions(QString const& json)
          QStringLiteral("the plug-in's file or folder (MINIHOST_PLUGIN_PATH, else\nbeside this program)")},
         {"help", 'h', nullptr, QStringLiteral("this text")},
     };
+}
+
+SxOption fx_JobsOption(QString const& what)
+{
+    return {
+        "jobs", 0, "N",
+        QStringLiteral("%1; the results are the same with any\nnumber (one for each processor)").arg(what)};
+}
+
+std::optional<int> fx_Jobs(QCommandLineParser const& parser, QString& error)
+{
+    QString const text = parser.value(QStringLiteral("jobs"));
+    if (!parser.isSet(QStringLiteral("jobs")))
+        return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostJobs);
+    bool isNumber = false;
+    int const jobs = text.toInt(&isNumber);
+    if (isNumber && jobs >= 1 && jobs <= kMostJobs)
+        return jobs;
+    error = QStringLiteral("--jobs takes a number from 1 to %1, not '%2'.").arg(kMostJobs).arg(text);
+    return std::nullopt;
 }
 
 /// The option that has two values where only one counts, as it was typed; empty when there is none.

@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QString>
 #include <QVector>
+#include <optional>
 
 /// An option of a command, described once for the parser and for the help.
 struct SxOption
@@ -30,6 +31,12 @@ struct SxRunOptions
 };
 
 QVector<SxOption> fx_RunOptions(QString const& json); ///< \p json: what --json prints, for help
+
+SxOption fx_JobsOption(QString const& what); ///< --jobs
+
+/// What --jobs says, or as many as the machine has processors. Nothing, with \p error one sentence, when it
+/// is no number of jobs.
+std::optional<int> fx_Jobs(QCommandLineParser const& parser, QString& error);
 
 /// Reads \p arguments with \p parser, which knows fx_RunOptions() and the command's own. \return false, with
 /// \p error one sentence, when they make no sense. With help asked for nothing else is looked at.

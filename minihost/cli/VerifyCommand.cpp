@@ -8,6 +8,7 @@
 #include "Interrupt.h"
 #include "PlayCommand.h"
 #include "ProgressLine.h"
+#include "VerifyExamination.h"
 #include "VerifyReport.h"
 #include "VerifyWorker.h"
 
@@ -16,7 +17,8 @@ namespace {
 QVector<SxOption> fx_Options()
 {
     QVector<SxOption> const own{
-        {"first", 0, nullptr, QStringLiteral("only the first frame that fails, which is quicker")}};
+        {"first", 0, nullptr, QStringLiteral("only the first frame that fails, which is quicker")},
+        fx_JobsOption(QStringLiteral("processes that decode at a time"))};
     return own + fx_RunOptions(QStringLiteral("what was found as JSON on standard output: an object, for\n"
                                               "several files an array of them"));
 }
@@ -53,18 +55,22 @@ int fx_Tell(SxFindings const& findings)
     return kDone;
 }
 
-int fx_Verify(SxPlayArguments const& arguments, bool stopsAtFirst)
+int fx_Verify(SxPlayArguments const& arguments, bool stopsAtFirst, int jobs)
 {
     Console::setQuiet(arguments.run.quiet);
+    SxExamination how;
+    how.options = arguments.run;
+    how.stopsAtFirst = stopsAtFirst;
+    how.jobs = jobs;
     QJsonArray json;
     int code = kDone;
     for (QString const& file : arguments.files) {
         CxProgressLine line;
-        SxFindings const findings =
-            fx_Examine(file, arguments.run, stopsAtFirst, [&line](SxFindings const& soFar) {
-                line.setTotal(soFar.frames);
-                line.update(soFar.examined(), -1, QString());
-            });
+        how.onProgress = [&line](int frames, int examined) {
+            line.setTotal(frames);
+            line.update(examined, -1, QString());
+        };
+        SxFindings const findings = fx_Examine(file, how);
         Console::transient(QString());
         json.append(fx_FindingsJson(findings));
         code = std::max(code, fx_Tell(findings));
@@ -95,5 +101,8 @@ int fx_RunVerify(QStringList const& arguments)
         Console::data(fx_Help());
         return kDone;
     }
-    return fx_Verify(parsed, parser.isSet(QStringLiteral("first")));
+    std::optional<int> const jobs = fx_Jobs(parser, error);
+    if (!jobs)
+        return fx_WrongUsage(QStringLiteral("verify"), error);
+    return fx_Verify(parsed, parser.isSet(QStringLiteral("first")), *jobs);
 }

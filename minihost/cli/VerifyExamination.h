@@ -1,54 +1,19 @@
 #pragma once
 
-#include <QVector>
 #include <functional>
 
-#include "ExitCode.h"
 #include "Options.h"
-#include "VanishedPictures.h"
+#include "VerifyFindings.h"
 
-/// Frames that cannot be decoded, one behind the other, for one cause.
-struct SxDamagedRange
+/// How recordings are examined.
+struct SxExamination
 {
-    int first = 0; ///< frame numbers, both included
-    int last = 0;
-    qint64 offset = 0; ///< bytes from the start of the file
-    qint64 size = 0;   ///< bytes
-    QString cause;     ///< half a sentence
-};
-
-/// What `verify` found in one file.
-struct SxFindings
-{
-    QString file;
-    QString refusal; ///< one sentence when it could not be opened, and then nothing else
-    ExitCode refusalCode = kDone;
-
-    int frames = 0;
-    qint64 fileBytes = 0;
-    double fps = 0;         ///< as the loader assumes
-    QVector<int> keyFrames; ///< ascending
-    int decoded = 0;        ///< frames
-    int failed = 0;
-    QVector<SxDamagedRange> damage; ///< ascending
-    qint64 endOfFrames = 0;         ///< bytes from the start of the file
-    QVector<SxFrameMark> marks;     ///< of the frames that were read
-    int maxFrameNum = 1;
-    QVector<SxVanishedPictures> vanished;
-    bool wasStopped = false; ///< by a signal: what comes behind is not known
-
-    int vanishedForCertain() const;                   ///< pictures
-    int examined() const { return decoded + failed; } ///< frames that were decoded or failed
-    void addDamage(int frame, qint64 offset, qint64 size, QString const& cause);
-
-    /// The damage that was added last, if it is the last that is known, reaches up to there.
-    void closeDamageAt(qint64 end);
+    SxRunOptions options;
+    bool stopsAtFirst = false; ///< with the first frame that fails
+    int jobs = 1;              ///< processes at a time; what is found does not depend on it
+    std::function<void(int frames, int examined)> onProgress; ///< of all frames, how many were looked at
 };
 
 /// Decodes a recording from front to back in processes of their own. Where one crashes or hangs, that is a
 /// finding, and another goes on behind it.
-///
-/// \param stopsAtFirst  with the first frame that fails
-/// \param onFrame       called after each frame
-SxFindings fx_Examine(QString const& file, SxRunOptions const& options, bool stopsAtFirst,
-                      std::function<void(SxFindings const& soFar)> const& onFrame);
+SxFindings fx_Examine(QString const& file, SxExamination const& how);

@@ -3,7 +3,7 @@
 #include <QJsonObject>
 #include <QString>
 
-#include "VerifyExamination.h"
+#include "VerifyFindings.h"
 
 /// What is wrong with a recording: a sentence, and below it a line for each damaged range if there are
 /// several; empty when nothing is.

@@ -84,13 +84,13 @@ void fx_Introduce(CxRecordingReader const& recording)
     fx_Say(QStringLiteral("keys ") + keys.join(QLatin1Char(',')));
 }
 
-void fx_DecodeFrom(int first, CxRecordingReader& recording)
+void fx_Decode(int first, int end, CxRecordingReader& recording)
 {
     std::unique_ptr<CxImageData> picture;
     QString cause;
     SxH264Sps sps;
     fx_MarkOf(recording.codedFrame(recording.keyFrames().value(0)), sps); // for frames before their key
-    for (int frame = first; frame < recording.frameCount(); ++frame) {
+    for (int frame = first; frame < std::min(end, recording.frameCount()); ++frame) {
         SxCodedFrame const& coded = recording.frames()[static_cast<size_t>(frame)];
         SxFrameMark const mark = fx_MarkOf(recording.codedFrame(frame), sps);
         fx_Say(QStringLiteral("at %1 %2 %3 %4 %5 %6 %7")
@@ -118,8 +118,8 @@ int fx_RunVerifyWorker(QStringList const& arguments)
 {
     fx_DependOnParent();
     SxRunOptions options;
-    options.verbose = arguments.value(1) == QLatin1String("1");
-    options.pluginPath = arguments.value(2);
+    options.verbose = arguments.value(2) == QLatin1String("1");
+    options.pluginPath = arguments.value(3);
     CxSession session(options);
     if (!options.verbose)
         Console::hideLibraryOutput();
@@ -127,11 +127,11 @@ int fx_RunVerifyWorker(QStringList const& arguments)
     if (!session.load(error))
         return fx_Refuse(kFailed, error);
     CxRecordingReader recording; // its objects go before the plug-in finishes
-    if (!recording.open(arguments.value(3), error))
-        return fx_Refuse(fx_RefusalCode(arguments.value(3)), error);
+    if (!recording.open(arguments.value(4), error))
+        return fx_Refuse(fx_RefusalCode(arguments.value(4)), error);
     fx_Introduce(recording);
     try {
-        fx_DecodeFrom(arguments.value(0).toInt(), recording);
+        fx_Decode(arguments.value(0).toInt(), arguments.value(1).toInt(), recording);
     } catch (std::bad_alloc const&) {
         return fx_Refuse(kFailed,
                          recording.fileName() + QStringLiteral(": there is not enough memory to decode it."));
