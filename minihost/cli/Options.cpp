@@ -43,7 +43,8 @@ QVector<SxOption> fx_RunOptions(QString const& json)
         {"quiet", 'q', nullptr, QStringLiteral("only warnings and errors")},
         {"verbose", 'v', nullptr, QStringLiteral("also the raw messages of the plug-in and of FFmpeg")},
         {"plugin-path", 0, "P",
-         QStringLiteral("the plug-in's file or folder (MINIHOST_PLUGIN_PATH, else\nbeside this program)")},
+         QStringLiteral("the plug-in's file or folder, or the prefix it is installed "
+                        "in\n(MINIHOST_PLUGIN_PATH, else this program's)")},
         {"help", 'h', nullptr, QStringLiteral("this text")},
     };
 }

@@ -1,33 +1,10 @@
 #include "PluginHost.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QPluginLoader>
-#include <cerrno>
-#include <dirent.h>
 
 #include "ClassRegistry.h"
 #include "CxPlugin.h"
-
-static QString fx_WhereToLook(QString const& path)
-{
-    if (!path.isEmpty())
-        return path;
-    QString const fromEnvironment = qEnvironmentVariable("MINIHOST_PLUGIN_PATH");
-    return fromEnvironment.isEmpty() ? QCoreApplication::applicationDirPath() : fromEnvironment;
-}
-
-/// Why the folder cannot be read, for which Qt has no word; empty when it can.
-static QString fx_WhyUnreadable(QString const& folder)
-{
-    DIR* const opened = ::opendir(QFile::encodeName(folder).constData());
-    if (!opened)
-        return qt_error_string(errno);
-    ::closedir(opened);
-    return QString();
-}
+#include "PluginPlaces.h"
 
 CxPluginHost::~CxPluginHost()
 {
@@ -37,31 +14,12 @@ CxPluginHost::~CxPluginHost()
 
 bool CxPluginHost::load(QString const& path, QString& error)
 {
-    QString const place = fx_WhereToLook(path);
-    QFileInfo const info(place);
-    if (!info.exists()) {
-        error = QStringLiteral("%1: there is no such plug-in file or folder.").arg(place);
-        return false;
-    }
-    if (!info.isDir())
-        return loadFile(info.absoluteFilePath(), error);
-
-    QDir const folder(place);
-    QStringList const names = folder.entryList({QStringLiteral("libtvp*.so")}, QDir::Files, QDir::Name);
-    if (names.isEmpty()) {
-        QString const cause = fx_WhyUnreadable(place);
-        if (!cause.isEmpty()) {
-            error = QStringLiteral("%1: the folder cannot be searched for plug-ins: %2.").arg(place, cause);
-            return false;
-        }
-        error = QStringLiteral("%1: the folder holds no plug-in (libtvp*.so).").arg(place);
-        return false;
-    }
-    for (QString const& name : names) {
-        if (!loadFile(folder.absoluteFilePath(name), error))
+    QStringList const files = fx_FindPlugins(path, error);
+    for (QString const& file : files) {
+        if (!loadFile(file, error))
             return false;
     }
-    return true;
+    return !files.isEmpty();
 }
 
 bool CxPluginHost::loadFile(QString const& fileName, QString& error)

@@ -20,9 +20,8 @@ public:
     CxPluginHost(CxPluginHost const&) = delete;
     CxPluginHost& operator=(CxPluginHost const&) = delete;
 
-    /// Loads the plug-in library \p path, or every libtvp*.so in the folder \p path. An empty path
-    /// stands for the environment's MINIHOST_PLUGIN_PATH or, without it, the program's own folder.
-    /// \return false, with \p error one sentence, when nothing there is a plug-in that starts.
+    /// Loads every plug-in that fx_FindPlugins() finds with \p path.
+    /// \return false, with \p error one sentence, when one does not start or there is none.
     bool load(QString const& path, QString& error);
 
     std::vector<CxPlugin*> const& plugins() const { return m_plugins; }

@@ -1,6 +1,7 @@
 #include "Translations.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QTranslator>
@@ -23,7 +24,10 @@ void fx_InstallTranslations(QLocale const& locale, QStringList const& pluginFile
     QString const ofQt = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
 #endif
     fx_Install(locale, QStringLiteral("qtbase"), ofQt);
-    QString const programs = QCoreApplication::applicationDirPath() + folderName;
+    QDir const program(QCoreApplication::applicationDirPath());
+    QString programs = program.path() + folderName;
+    if (!QFileInfo::exists(programs)) // installed
+        programs = program.absoluteFilePath(QStringLiteral(DATA_FROM_PROGRAM)) + folderName;
     fx_Install(QLocale(QLocale::English), QStringLiteral("minihost"), programs); // singular and plural
     fx_Install(locale, QStringLiteral("minihost"), programs);
     for (QString const& file : pluginFiles) {
