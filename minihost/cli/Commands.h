@@ -7,6 +7,7 @@ int fx_RunRecord(QStringList const& arguments);
 int fx_RunInfo(QStringList const& arguments);
 int fx_RunExport(QStringList const& arguments);
 int fx_RunVerify(QStringList const& arguments);
+int fx_RunPlugins(QStringList const& arguments);
 
 /// Shows the window; must come before there is an application object.
 int fx_RunView(QStringList const& arguments);

@@ -25,6 +25,7 @@ static constexpr SxCommand kCommands[] = {
     {"export", "frames of a recording as pictures, a contact sheet, a stream, hashes", fx_RunExport},
     {"view", "a window to watch, play and record in", fx_RunView},
     {"verify", "decode recordings and report what cannot be decoded", fx_RunVerify},
+    {"plugins", "which plug-ins are found, and what they provide", fx_RunPlugins},
 };
 
 static QString fx_Help()

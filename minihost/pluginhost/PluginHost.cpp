@@ -1,9 +1,11 @@
 #include "PluginHost.h"
 
+#include <QJsonObject>
 #include <QPluginLoader>
 
 #include "ClassRegistry.h"
 #include "CxPlugin.h"
+#include "PluginFault.h"
 #include "PluginPlaces.h"
 
 CxPluginHost::~CxPluginHost()
@@ -28,13 +30,14 @@ bool CxPluginHost::loadFile(QString const& fileName, QString& error)
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
     QObject* const instance = loader.instance();
     if (!instance) {
-        // Qt's text names the file and the linker's reason.
-        error = QStringLiteral("%1: the plug-in cannot be loaded: %2").arg(fileName, loader.errorString());
+        error = QStringLiteral("%1: the plug-in cannot be loaded: %2.")
+                    .arg(fileName, fx_WhyNotLoaded(fileName, loader.errorString()));
         return false;
     }
     auto* const plugin = qobject_cast<CxPlugin*>(instance);
     if (!plugin) {
-        error = QStringLiteral("%1: the library is a Qt plug-in, but none for this host.").arg(fileName);
+        error = QStringLiteral("%1: the library is a Qt plug-in, but none for this host: its IID is %2.")
+                    .arg(fileName, loader.metaData().value(QLatin1String("IID")).toString());
         return false;
     }
     if (!plugin->init()) {

@@ -24,6 +24,10 @@ public:
     /// \return false, with \p error one sentence, when one does not start or there is none.
     bool load(QString const& path, QString& error);
 
+    /// Loads the plug-in library of that name. \return false, with \p error one sentence, when it does not
+    /// start.
+    bool loadFile(QString const& fileName, QString& error);
+
     std::vector<CxPlugin*> const& plugins() const { return m_plugins; }
     QStringList const& fileNames() const { return m_fileNames; } ///< of their libraries, in the same order
 
@@ -33,8 +37,6 @@ public:
     static std::unique_ptr<QObject> create(char const* interfaceName, QString& error);
 
 private:
-    bool loadFile(QString const& fileName, QString& error);
-
     QStringList m_fileNames;
     std::vector<CxPlugin*> m_plugins; ///< the objects belong to Qt's loader
 };

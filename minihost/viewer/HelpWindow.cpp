@@ -10,6 +10,7 @@
 
 #include "Actions.h"
 #include "CxPlugin.h"
+#include "LicenceNotice.h"
 #include "PluginHost.h"
 
 static void fx_AddRow(QTableWidget* table, QString const& what, QString const& how)
@@ -71,7 +72,7 @@ static QString fx_AboutText(CxPluginHost const& plugins)
     for (CxPlugin* const plugin : plugins.plugins()) {
         text += QStringLiteral("\n%1 %2\n%3\n%4\n\n%5\n\n%6\n")
                     .arg(plugin->name(), plugin->version(), plugin->author(), plugin->website(),
-                         plugin->description(), plugin->copyrightNotice());
+                         plugin->description(), fx_LicenceNotice(*plugin));
     }
     return text;
 }

@@ -89,7 +89,7 @@ void tst_main::wrongUsageIsExplained_data()
     QTest::newRow("standard input twice") << QStringList{"record", "-", "-", "out.h264"}
                                           << QByteArray("Standard input (-) can be read only once");
     QTest::newRow("unknown option") << record + QStringList{"--fast"} << QByteArray("Unknown option 'fast'.");
-    for (char const* command : {"record", "info", "export", "view", "verify"})
+    for (char const* command : {"record", "info", "export", "view", "verify", "plugins"})
         QTest::newRow(qPrintable(QStringLiteral("file like letters for %1").arg(QLatin1String(command))))
             << QStringList{command, "camera:", "-y.h264"} << QByteArray("Unknown option 'y.h264'.");
     QTest::newRow("missing value") << record + QStringList{"--quality"}
@@ -323,7 +323,7 @@ void tst_main::resultsThatDoNotArriveAreToldWithTheCause_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("--version") << QStringList{"--version"};
     QTest::newRow("--help") << QStringList{"--help"};
-    for (char const* command : {"record", "info", "export", "view", "verify"})
+    for (char const* command : {"record", "info", "export", "view", "verify", "plugins"})
         QTest::newRow(command) << QStringList{command, "--help"};
     QTest::newRow("record --json") << QStringList{"record", "camera:", "json.h264", "--json", "--size",
                                                   "64x48",  "-q",      "--frames",  "2",      "--overwrite"};

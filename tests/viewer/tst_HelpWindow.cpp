@@ -56,7 +56,7 @@ void tst_HelpWindow::aboutShowsLicence()
     QString const text =
         about->findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly)->property("plainText").toString();
     QVERIFY(text.contains(QStringLiteral("OpenH264 Codecs")));
-    QVERIFY(text.contains(QStringLiteral("Cisco")));
+    QVERIFY(text.contains(QString::fromUtf8("Copyright \u00A9 2014 Cisco")));
 }
 
 QTEST_MAIN(tst_HelpWindow)
