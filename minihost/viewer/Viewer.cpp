@@ -1,6 +1,7 @@
 #include "Viewer.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include "MainWindow.h"
 #include "PluginHost.h"
@@ -31,6 +32,9 @@ bool fx_ShowWindow(QString const& pluginPath, QString const& toOpen, QString& er
     QApplication::setOrganizationName(QStringLiteral("tarn"));
     QApplication::setApplicationName(QStringLiteral("minihost"));
     QApplication::setApplicationVersion(QStringLiteral(MINIHOST_VERSION));
+    QString const id = QStringLiteral("com.quarn.minihost"); // of the desktop file and the icon
+    QApplication::setDesktopFileName(id);
+    QApplication::setWindowIcon(QIcon::fromTheme(id));
 
     CxPluginMessages const messages; // kept for the window, which says them in its own words
     CxPluginHost plugins;
