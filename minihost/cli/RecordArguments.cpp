@@ -5,6 +5,7 @@
 
 #include "ExitCode.h"
 #include "SameFile.h"
+#include "SourceArguments.h"
 
 namespace {
 
@@ -197,12 +198,21 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
     return QString();
 }
 
+/// Why the test camera, whose size is known, cannot be changed like that, one sentence; empty when it can.
+QString fx_CameraObstacle(SxRecordArguments const& parsed)
+{
+    QSize const size(static_cast<int>(parsed.camera.width), static_cast<int>(parsed.camera.height));
+    QString const obstacle = fx_PlanChanges(parsed.changes, size, 0).obstacle;
+    return obstacle.isEmpty() ? QString() : QStringLiteral("The picture of camera: %1.").arg(obstacle);
+}
+
 } // namespace
 
 bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error)
 {
     QCommandLineParser parser;
-    fx_AddOptions(parser, fx_SourceOptions() + fx_EncodingOptions() + fx_OutputOptions());
+    fx_AddOptions(parser,
+                  fx_SourceOptions() + fx_PictureOptions() + fx_EncodingOptions() + fx_OutputOptions());
     if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
     if (parsed.run.help)
@@ -227,11 +237,17 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
 
     if (parser.isSet(QStringLiteral("frames")))
         parsed.camera.frames = parsed.request.maxPictures;
+    parsed.changes.isEven =
+        true; // else the encoder's picture is a blurred one: all of it scaled by one pixel
     parsed.isStrict = parser.isSet(QStringLiteral("strict"));
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
     error = fx_TakePositionals(parser, parsed);
     if (error.isEmpty())
         error = fx_TakeInputOptions(parser, parsed.input);
+    if (error.isEmpty())
+        error = fx_TakePictureOptions(parser, parsed.changes);
+    if (error.isEmpty() && parsed.isCamera)
+        error = fx_CameraObstacle(parsed);
     return error.isEmpty();
 }
 
@@ -243,6 +259,8 @@ QString fx_RecordHelp()
                "  minihost record camera: test.h264                     the built-in test camera\n"
                "  minihost record --quality 8 shots/*.png shots.h264    pictures, in this order\n"
                "  minihost record clip.mp4 clip.h264                    any video\n"
+               "  minihost record --rotate auto phone.mp4 phone.h264    upright, as it was taken\n"
+               "  minihost record --crop 640x480+0+120 --scale 320x240 clip.mp4 part.h264\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
                "  ... | minihost record --input-format rawvideo --input-option video_size=1920x1080 \\\n"
@@ -254,7 +272,9 @@ QString fx_RecordHelp()
                "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
                "\n"
                "What to record\n") +
-           fx_OptionsHelp(fx_SourceOptions()) + QStringLiteral("How to encode\n") +
+           fx_OptionsHelp(fx_SourceOptions()) +
+           QStringLiteral("What to do to each picture, in this order\n") +
+           fx_OptionsHelp(fx_PictureOptions()) + QStringLiteral("How to encode\n") +
            fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +
            fx_OptionsHelp(fx_OutputOptions()) +
            QStringLiteral(

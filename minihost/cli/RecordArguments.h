@@ -4,6 +4,7 @@
 
 #include "FFmpegSource.h"
 #include "Options.h"
+#include "PictureChanges.h"
 #include "Recorder.h"
 #include "TestCamera.h"
 
@@ -16,6 +17,7 @@ struct SxRecordArguments
     SxRecordRequest request;
     int bits = 0; ///< 0: not given
     SxFFmpegOptions input;
+    SxPictureChanges changes;
     bool overwrite = false;
     bool isStrict = false;
     SxRunOptions run;

@@ -4,8 +4,10 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "EncoderTrial.h"
 #include "ExitCode.h"
 #include "FFmpegSource.h"
+#include "FilteredSource.h"
 #include "Interrupt.h"
 #include "ProgressLine.h"
 #include "QualityTrial.h"
@@ -13,6 +15,7 @@
 #include "RecordReport.h"
 #include "SameFile.h"
 #include "Session.h"
+#include "SourceNotes.h"
 
 namespace {
 
@@ -67,7 +70,7 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
 class CxRecordWatcher
 {
 public:
-    CxRecordWatcher(IxPictureSource& source, SxRecordRequest const& request)
+    CxRecordWatcher(CxFilteredSource& source, SxRecordRequest const& request)
         : m_source(source)
         , m_request(request)
     {}
@@ -133,6 +136,9 @@ private:
         m_line.setTotal(summary.expected);
         if (m_request.encoder.profile == kProfileExtended)
             warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));
+        QString const odd = fx_OddSidesNote(m_source.lastPlan());
+        if (!odd.isEmpty())
+            Console::message(odd);
         tellAboutScaling(summary);
     }
 
@@ -141,32 +147,49 @@ private:
         SxPicBufInfo const& input = summary.input;
         if (summary.savedWidth == input.width && summary.savedHeight == input.height)
             return;
-        bool const isOnlyOdd =
-            summary.savedWidth == (input.width & ~1U) && summary.savedHeight == (input.height & ~1U);
-        QString const reason =
-            isOnlyOdd
-                ? QStringLiteral("a recording's sides are even")
-                : QStringLiteral("level %1 allows no larger ones").arg(fx_LevelName(m_request.encoder.level));
-        Console::message(QStringLiteral("The pictures are scaled from %1 x %2 to %3 x %4: %5.")
+        Console::message(QStringLiteral("The pictures are scaled from %1 x %2 to %3 x %4: level %5 allows no "
+                                        "larger ones.")
                              .arg(input.width)
                              .arg(input.height)
                              .arg(summary.savedWidth)
                              .arg(summary.savedHeight)
-                             .arg(reason));
+                             .arg(fx_LevelName(m_request.encoder.level)));
     }
 
-    IxPictureSource& m_source;
+    CxFilteredSource& m_source;
     SxRecordRequest const& m_request;
     CxProgressLine m_line;
     QStringList m_warnings;
 };
 
-std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& arguments)
+std::unique_ptr<CxFilteredSource> fx_MakeSource(SxRecordArguments const& arguments)
 {
+    std::unique_ptr<IxPictureSource> source;
     if (arguments.isCamera)
-        return std::make_unique<CxTestCamera>(arguments.camera);
-    return std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop,
-                                            arguments.input);
+        source = std::make_unique<CxTestCamera>(arguments.camera);
+    else
+        source = std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop,
+                                                  arguments.input);
+    return std::make_unique<CxFilteredSource>(std::move(source), arguments.changes);
+}
+
+/// What is wrong with --scale for the encoder, one sentence; empty when nothing is. Needs the plug-in.
+QString fx_ScaleObstacle(SxRecordArguments const& arguments)
+{
+    QSize const size = arguments.changes.scale;
+    if (size.isEmpty())
+        return QString();
+    SxPicBufInfo const saved = fx_SavedFormat(
+        fx_PackedFormat(static_cast<quint32>(size.width()), static_cast<quint32>(size.height()), 3, 8),
+        arguments.request.encoder);
+    if (QSize(static_cast<int>(saved.width), static_cast<int>(saved.height)) == size)
+        return QString();
+    return QStringLiteral("--scale %1x%2 is more than level %3 allows, which at that shape is %4x%5.")
+        .arg(size.width())
+        .arg(size.height())
+        .arg(fx_LevelName(arguments.request.encoder.level))
+        .arg(saved.width)
+        .arg(saved.height);
 }
 
 /// True when all sources can be read again from the beginning and are the same then.
@@ -195,7 +218,7 @@ int fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summa
 
 int fx_RecordAndReport(SxRecordArguments const& arguments)
 {
-    std::unique_ptr<IxPictureSource> const source = fx_MakeSource(arguments);
+    std::unique_ptr<CxFilteredSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
     SxRecordSummary summary = fx_Record(
         *source, arguments.request, [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
@@ -240,6 +263,9 @@ int fx_RunRecord(QStringList const& arguments)
         return fx_Failed(error, kOutputFailed);
     if (!session.load(error))
         return fx_Failed(error);
+    error = fx_ScaleObstacle(parsed);
+    if (!error.isEmpty())
+        return fx_WrongUsage(QStringLiteral("record"), error);
     parsed.request.stop = &fx_CatchInterrupts();
     return fx_RecordAndReport(parsed);
 }

@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
+#include "CodecOptions.h"
 #include "CxPicBufAPI.h"
 #include "CxVideoCodecManager.h"
-#include "EncoderOptions.h"
 #include "IxVideoEncoder.h"
 #include "PictureFormat.h"
 
@@ -32,6 +32,17 @@ bool fx_EncoderTakes(SxPicBuf const& picture)
     unsigned long size = encoder->maxEncodedSize(*given);
     std::vector<unsigned char> buffer(size);
     return encoder->encode(*given, buffer.data(), size, nullptr);
+}
+
+SxPicBufInfo fx_SavedFormat(SxPicBufInfo const& input, SxEncoderOptions const& options)
+{
+    fx_SetCodecOptions(kFourCCH264, options.toMap());
+    std::unique_ptr<IxVideoEncoder> const encoder(
+        CxVideoCodecManager::instance()->encoderForFourCC(kFourCCH264));
+    SxPicBufInfo saved = input;
+    if (encoder)
+        encoder->queryOuputFormat(input, saved);
+    return saved;
 }
 
 QString fx_ObstacleToEncoding(SxPicBufInfo const& input, SxPicBufInfo const& saved)

@@ -5,6 +5,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavfilter/avfilter.h>
 #include <libavformat/avformat.h>
 #include <libswscale/swscale.h>
 }
@@ -28,6 +29,7 @@ struct SxFFmpegDeleter
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVDictionary* dictionary) const { av_dict_free(&dictionary); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+    void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
 };
 
 using FormatContextPtr = std::unique_ptr<AVFormatContext, SxFFmpegDeleter>;
@@ -35,6 +37,7 @@ using CodecContextPtr = std::unique_ptr<AVCodecContext, SxFFmpegDeleter>;
 using DictionaryPtr = std::unique_ptr<AVDictionary, SxFFmpegDeleter>;
 using FramePtr = std::unique_ptr<AVFrame, SxFFmpegDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, SxFFmpegDeleter>;
+using FilterGraphPtr = std::unique_ptr<AVFilterGraph, SxFFmpegDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, SxFFmpegDeleter>;
 
 /// Entries in the index of a stream's packets.

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "IxPictureSource.h"
+#include "PictureChanges.h"
+#include "PictureFilter.h"
+#include "PictureFormat.h"
+
+/// Another source's pictures, turned, cropped and scaled.
+class CxFilteredSource : public IxPictureSource
+{
+public:
+    CxFilteredSource(std::unique_ptr<IxPictureSource> source, SxPictureChanges const& changes);
+
+    Result next(SxPicBuf& picture) override;
+    QString errorText() const override { return m_error.isEmpty() ? m_source->errorText() : m_error; }
+    int expectedPictures() const override { return m_source->expectedPictures(); }
+    bool hasEnd() const override { return m_source->hasEnd(); }
+    SxPictureRate rate() const override { return m_source->rate(); }
+    int rotation() const override; ///< none is left where one was asked for
+    bool knowsSignificantBits() const override { return m_source->knowsSignificantBits(); }
+    QStringList takeWarnings() override { return m_source->takeWarnings(); }
+    bool isDamaged() const override { return m_source->isDamaged(); }
+
+    SxChangePlan const& lastPlan() const { return m_plan; } ///< that of the last picture
+
+private:
+    std::unique_ptr<IxPictureSource> m_source;
+    SxPictureChanges m_changes;
+    SxChangePlan m_plan;
+    CxPictureFilter m_filter;
+    CxOwnedPicture m_input;
+    int m_delivered = 0;
+    QString m_error;
+};

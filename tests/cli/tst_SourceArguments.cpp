@@ -1,0 +1,146 @@
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "support/FFmpegDecoder.h"
+#include "support/Minihost.h"
+#include "support/PictureFiles.h"
+
+/// The options that change what is recorded, through the built program.
+class tst_SourceArguments : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void picturesAreTurnedThenCroppedThenScaled();
+    void changesThatChangeNothingGiveTheSameBytes();
+    void scaledPicturesKeepTheirTwelveBits();
+    void valuesThatMakeNoSenseAreWrongUsage_data();
+    void valuesThatMakeNoSenseAreWrongUsage();
+    void cropBeyondThePictureRecordsNothing();
+    void helpShowsEveryOptionWithAnExample();
+
+private:
+    QString path(QString const& name) const { return m_folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void tst_SourceArguments::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+/// A grey PGM of 64 x 48 whose left upper quarter is white, the rest black.
+static QByteArray fx_QuarterFile()
+{
+    QByteArray samples;
+    for (int i = 0; i < 64 * 48; ++i)
+        samples += i % 64 < 32 && i / 64 < 24 ? '\xff' : '\0';
+    return fx_PnmFile(64, 48, 1, 255, samples);
+}
+
+static int fx_Luma(SxDecodedPicture const& picture, int x, int y)
+{
+    return picture.i420[static_cast<size_t>(y * picture.width + x)];
+}
+
+void tst_SourceArguments::picturesAreTurnedThenCroppedThenScaled()
+{
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_QuarterFile()));
+    // Turned, the white quarter is the right upper one of 48 x 64; of that the lower half is cut off.
+    SxMinihostRun const run = fx_RunMinihost({"record", "--scale", "96x64", "--crop", "48x32+0+0", "--rotate",
+                                              "90", "--quality", "10", path("in.pgm"), path("out.h264")});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{1});
+    QCOMPARE(decoded[0].width, 96);
+    QCOMPARE(decoded[0].height, 64);
+    QVERIFY(fx_Luma(decoded[0], 20, 10) < 20);
+    QVERIFY(fx_Luma(decoded[0], 20, 60) < 20);
+    QVERIFY(fx_Luma(decoded[0], 80, 10) > 235);
+    QVERIFY(fx_Luma(decoded[0], 80, 60) > 235);
+}
+
+/// What is there already is not made again.
+void tst_SourceArguments::changesThatChangeNothingGiveTheSameBytes()
+{
+    QStringList const common{"record", "camera:", "--size", "64x48", "--frames", "3", "-q"};
+    QCOMPARE(fx_RunMinihost(common + QStringList{path("plain.h264")}).exitCode, 0);
+    QCOMPARE(fx_RunMinihost(common + QStringList{"--crop", "64x48+0+0", "--scale", "64x48", path("same.h264")})
+                 .exitCode,
+             0);
+    QCOMPARE(fx_FileBytes(path("same.h264")), fx_FileBytes(path("plain.h264")));
+}
+
+void tst_SourceArguments::scaledPicturesKeepTheirTwelveBits()
+{
+    QByteArray samples;
+    for (int i = 0; i < 64 * 48; ++i)
+        samples += QByteArray("\x0f\xff", 2); // 4095: white
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_PnmFile(64, 48, 1, 4095, samples)));
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "--scale", "32x32", path("in.pgm"), path("out.h264"), "--quality", "10"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(!run.err.contains("--bits"), run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{1});
+    QVERIFY(fx_Luma(decoded[0], 16, 16) >= 250);
+}
+
+void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QByteArray>("says");
+    QByteArray const scale("--scale takes WIDTHxHEIGHT, both even and at least 16, such as 1280x720, not '");
+    QByteArray const crop("--crop takes WIDTHxHEIGHT+LEFT+TOP, such as 640x480+0+120, not '");
+    QByteArray const rotate("--rotate takes 90, 180, 270 or auto, not '");
+    for (QString const value : {"0x0", "31x32", "14x32", "-32x32", "32", "wide", "32x32 ", ""})
+        QTest::addRow("scale %s", qPrintable(value)) << "scale" << value << scale + value.toUtf8() + "'";
+    QTest::newRow("scale beyond the level") << "scale" << "8000x6000"
+                                            << QByteArray("--scale 8000x6000 is more than level 5.2 allows");
+    for (QString const value : {"0x0+0+0", "32x32", "32x32+-1+0", "32x32-1-1", "1x0+0+0", "a", ""})
+        QTest::addRow("crop %s", qPrintable(value)) << "crop" << value << crop + value.toUtf8() + "'";
+    QTest::newRow("crop beyond the camera's picture")
+        << "crop" << "64x64+1+0" << QByteArray("The picture of camera: is 64 x 64; 64 x 64 from column 1");
+    for (QString const value : {"0", "45", "360", "-90", "left", ""})
+        QTest::addRow("rotate %s", qPrintable(value)) << "rotate" << value << rotate + value.toUtf8() + "'";
+}
+
+void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage()
+{
+    QFETCH(QString, option);
+    QFETCH(QString, value);
+    QFETCH(QByteArray, says);
+    SxMinihostRun const run = fx_RunMinihost(
+        {"record", "camera:", path("out.h264"), "--size", "64x64", "--" + option + "=" + value});
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY2(run.err.contains(says), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+void tst_SourceArguments::cropBeyondThePictureRecordsNothing()
+{
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_QuarterFile()));
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", "--crop", "32x32+0+20", path("in.pgm"), path("out.h264")});
+    QCOMPARE(run.exitCode, 4);
+    QVERIFY2(run.err.contains("Picture 0 is 64 x 48; 32 x 32 from column 0 and row 20 on are not within it."), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+void tst_SourceArguments::helpShowsEveryOptionWithAnExample()
+{
+    SxMinihostRun const run = fx_RunMinihost({"record", "--help"});
+    QCOMPARE(run.exitCode, 0);
+    for (char const* text : {"--rotate R", "auto", "--crop WxH+X+Y", "640x480+0+120", "--scale WxH", "1280x720"})
+        QVERIFY2(run.out.contains(text), text);
+}
+
+QTEST_GUILESS_MAIN(tst_SourceArguments)
+#include "tst_SourceArguments.moc"
