@@ -211,8 +211,8 @@ QString fx_CameraObstacle(SxRecordArguments const& parsed)
 bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error)
 {
     QCommandLineParser parser;
-    fx_AddOptions(parser,
-                  fx_SourceOptions() + fx_PictureOptions() + fx_EncodingOptions() + fx_OutputOptions());
+    fx_AddOptions(parser, fx_RangeOptions() + fx_SourceOptions() + fx_PictureOptions() +
+                              fx_EncodingOptions() + fx_OutputOptions());
     if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
     if (parsed.run.help)
@@ -235,8 +235,9 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     if (!error.isEmpty())
         return false;
 
-    if (parser.isSet(QStringLiteral("frames")))
-        parsed.camera.frames = parsed.request.maxPictures;
+    bool const isPart = parser.isSet(QStringLiteral("start")) || parser.isSet(QStringLiteral("duration"));
+    if (parser.isSet(QStringLiteral("frames")) || parser.isSet(QStringLiteral("duration")))
+        parsed.camera.frames = isPart ? 0 : parsed.request.maxPictures; // a part ends by itself
     parsed.changes.isEven =
         true; // else the encoder's picture is a blurred one: all of it scaled by one pixel
     parsed.isStrict = parser.isSet(QStringLiteral("strict"));
@@ -244,6 +245,8 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     error = fx_TakePositionals(parser, parsed);
     if (error.isEmpty())
         error = fx_TakeInputOptions(parser, parsed.input);
+    if (error.isEmpty())
+        error = fx_TakeRangeOptions(parser, parsed.range);
     if (error.isEmpty())
         error = fx_TakePictureOptions(parser, parsed.changes);
     if (error.isEmpty() && parsed.isCamera)
@@ -261,6 +264,7 @@ QString fx_RecordHelp()
                "  minihost record clip.mp4 clip.h264                    any video\n"
                "  minihost record --rotate auto phone.mp4 phone.h264    upright, as it was taken\n"
                "  minihost record --crop 640x480+0+120 --scale 320x240 clip.mp4 part.h264\n"
+               "  minihost record --start 1:02.5 --duration 10s clip.mkv part.h264\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
                "  ... | minihost record --input-format rawvideo --input-option video_size=1920x1080 \\\n"
@@ -272,7 +276,7 @@ QString fx_RecordHelp()
                "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
                "\n"
                "What to record\n") +
-           fx_OptionsHelp(fx_SourceOptions()) +
+           fx_OptionsHelp(fx_RangeOptions() + fx_SourceOptions()) +
            QStringLiteral("What to do to each picture, in this order\n") +
            fx_OptionsHelp(fx_PictureOptions()) + QStringLiteral("How to encode\n") +
            fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +

@@ -5,6 +5,7 @@
 #include "FFmpegSource.h"
 #include "Options.h"
 #include "PictureChanges.h"
+#include "PictureRange.h"
 #include "Recorder.h"
 #include "TestCamera.h"
 
@@ -17,6 +18,7 @@ struct SxRecordArguments
     SxRecordRequest request;
     int bits = 0; ///< 0: not given
     SxFFmpegOptions input;
+    SxPictureRange range;
     SxPictureChanges changes;
     bool overwrite = false;
     bool isStrict = false;

@@ -4,6 +4,16 @@
 
 static constexpr int kSmallestSide = 16; // one macroblock; what the encoder takes
 
+QVector<SxOption> fx_RangeOptions()
+{
+    return {
+        {"start", 0, "T",
+         QStringLiteral("leave out what comes before: 1:02.5, 3s, 500ms, or 100f, pictures;\n"
+                        "the recording begins with the first picture at that time or behind it")},
+        {"duration", 0, "T", QStringLiteral("end after that much: 1:00, 10s, 300f")},
+    };
+}
+
 QVector<SxOption> fx_PictureOptions()
 {
     return {
@@ -20,6 +30,25 @@ QVector<SxOption> fx_PictureOptions()
 static QString fx_Complaint(QCommandLineParser const& parser, QString const& option, QString const& expected)
 {
     return QStringLiteral("--%1 takes %2, not '%3'.").arg(option, expected, parser.value(option));
+}
+
+static QString fx_TakeLength(QCommandLineParser const& parser, QString const& option, qint64 least,
+                             std::optional<SxPlayLength>& length)
+{
+    if (!parser.isSet(option))
+        return QString();
+    length = fx_PlayLength(parser.value(option));
+    return length && length->value >= least
+               ? QString()
+               : fx_Complaint(parser, option,
+                              QStringLiteral("a time such as 1:02.5, 3s or 500ms, or pictures such as 100f"));
+}
+
+QString fx_TakeRangeOptions(QCommandLineParser const& parser, SxPictureRange& range)
+{
+    QString const complaint = fx_TakeLength(parser, QStringLiteral("start"), 0, range.start);
+    return complaint.isEmpty() ? fx_TakeLength(parser, QStringLiteral("duration"), 1, range.duration)
+                               : complaint;
 }
 
 static QString fx_TakeRotation(QCommandLineParser const& parser, SxPictureChanges& changes)
@@ -39,7 +68,8 @@ static QString fx_TakeRotation(QCommandLineParser const& parser, SxPictureChange
 
 static QString fx_TakeCrop(QCommandLineParser const& parser, SxPictureChanges& changes)
 {
-    static QRegularExpression const kPart(QStringLiteral("^(\\d{1,6})x(\\d{1,6})\\+(\\d{1,6})\\+(\\d{1,6})$"));
+    static QRegularExpression const kPart(
+        QStringLiteral("^(\\d{1,6})x(\\d{1,6})\\+(\\d{1,6})\\+(\\d{1,6})$"));
     QString const option = QStringLiteral("crop");
     if (!parser.isSet(option))
         return QString();
@@ -47,8 +77,7 @@ static QString fx_TakeCrop(QCommandLineParser const& parser, SxPictureChanges& c
     changes.crop = QRect(match.captured(3).toInt(), match.captured(4).toInt(), match.captured(1).toInt(),
                          match.captured(2).toInt());
     return changes.crop.isEmpty()
-               ? fx_Complaint(parser, option,
-                              QStringLiteral("WIDTHxHEIGHT+LEFT+TOP, such as 640x480+0+120"))
+               ? fx_Complaint(parser, option, QStringLiteral("WIDTHxHEIGHT+LEFT+TOP, such as 640x480+0+120"))
                : QString();
 }
 

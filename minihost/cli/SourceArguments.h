@@ -4,6 +4,13 @@
 
 #include "Options.h"
 #include "PictureChanges.h"
+#include "PictureRange.h"
+
+/// The options that say which part of a source is wanted, for parser and help.
+QVector<SxOption> fx_RangeOptions();
+
+/// Reads those of \p parser. \return one sentence when they make no sense, else empty.
+QString fx_TakeRangeOptions(QCommandLineParser const& parser, SxPictureRange& range);
 
 /// The options that change what comes from a source, for parser and help.
 QVector<SxOption> fx_PictureOptions();

@@ -45,12 +45,12 @@ SxChangePlan fx_PlanChanges(SxPictureChanges const& changes, QSize stored, int o
 
     if (!changes.crop.isNull() && changes.crop != QRect(QPoint(0, 0), plan.size)) {
         if (!QRect(QPoint(0, 0), plan.size).contains(changes.crop)) {
-            plan.obstacle = QStringLiteral("is %1%2; %3 from column %4 and row %5 on are not within it")
-                                .arg(fx_SizeText(plan.size),
-                                     rotation == 0 ? QString() : QStringLiteral(" when turned"),
-                                     fx_SizeText(changes.crop.size()))
-                                .arg(changes.crop.x())
-                                .arg(changes.crop.y());
+            plan.obstacle =
+                QStringLiteral("is %1%2; %3 from column %4 and row %5 on are not within it")
+                    .arg(fx_SizeText(plan.size), rotation == 0 ? QString() : QStringLiteral(" when turned"),
+                         fx_SizeText(changes.crop.size()))
+                    .arg(changes.crop.x())
+                    .arg(changes.crop.y());
             plan.size = QSize();
             return plan;
         }

@@ -29,8 +29,8 @@ static size_t fx_RowBytes(SxPicBufInfo const& format, int width)
     return static_cast<size_t>(width) * format.components * (fx_IsWordFormat(format) ? 2 : 1);
 }
 
-/// Colours are scaled by way of others, which rounds: no sample of \p picture may come out above what went in,
-/// since what lies above its significant bits would wrap around.
+/// Colours are scaled by way of others, which rounds: no sample of \p picture may come out above what went
+/// in, since what lies above its significant bits would wrap around.
 static void fx_Limit(SxPicBuf& picture, quint16 highest)
 {
     for (quint32 y = 0; y < picture.height; ++y) {

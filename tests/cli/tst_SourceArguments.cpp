@@ -16,6 +16,10 @@ private slots:
     void picturesAreTurnedThenCroppedThenScaled();
     void changesThatChangeNothingGiveTheSameBytes();
     void scaledPicturesKeepTheirTwelveBits();
+    void partOfAVideoIsThatPart();
+    void partOfTheCameraEndsByItself_data();
+    void partOfTheCameraEndsByItself();
+    void startBehindTheEndRecordsNothing();
     void valuesThatMakeNoSenseAreWrongUsage_data();
     void valuesThatMakeNoSenseAreWrongUsage();
     void cropBeyondThePictureRecordsNothing();
@@ -70,9 +74,10 @@ void tst_SourceArguments::changesThatChangeNothingGiveTheSameBytes()
 {
     QStringList const common{"record", "camera:", "--size", "64x48", "--frames", "3", "-q"};
     QCOMPARE(fx_RunMinihost(common + QStringList{path("plain.h264")}).exitCode, 0);
-    QCOMPARE(fx_RunMinihost(common + QStringList{"--crop", "64x48+0+0", "--scale", "64x48", path("same.h264")})
-                 .exitCode,
-             0);
+    QCOMPARE(
+        fx_RunMinihost(common + QStringList{"--crop", "64x48+0+0", "--scale", "64x48", path("same.h264")})
+            .exitCode,
+        0);
     QCOMPARE(fx_FileBytes(path("same.h264")), fx_FileBytes(path("plain.h264")));
 }
 
@@ -92,6 +97,57 @@ void tst_SourceArguments::scaledPicturesKeepTheirTwelveBits()
     QVERIFY(fx_Luma(decoded[0], 16, 16) >= 250);
 }
 
+void tst_SourceArguments::partOfAVideoIsThatPart()
+{
+    QByteArray stream = fx_Y4mFile(64, 48, "420jpeg", QByteArray(), 0); // 30 pictures a second
+    for (int i = 0; i < 20; ++i)
+        stream += "FRAME\n" + QByteArray(64 * 48, char(i * 10)) + QByteArray(64 * 48 / 2, char(128));
+    QVERIFY(fx_WriteFile(path("in.y4m"), stream));
+    SxMinihostRun const run = fx_RunMinihost({"record", "--start", "0:00.4", "--duration", "3f", "--quality",
+                                              "10", "--json", path("in.y4m"), path("out.h264")});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.json().value("given").toInt(), 3);
+    QCOMPARE(run.json().value("expected").toInt(), 3);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{3});
+    // The samples are of limited range: 16 is black, and a step of 10 comes out as some 11.6.
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(std::abs(fx_Luma(decoded[static_cast<size_t>(i)], 32, 24) -
+                         ((12 + i) * 10 - 16) * 255 / 219) < 4);
+}
+
+void tst_SourceArguments::partOfTheCameraEndsByItself_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("count");
+    QTest::newRow("start") << QStringList{"--start", "295f"} << 5;
+    QTest::newRow("duration") << QStringList{"--duration", "100ms"} << 3;
+    QTest::newRow("duration beyond the usual end") << QStringList{"--start", "10s", "--duration", "2f"} << 2;
+    QTest::newRow("start and frames") << QStringList{"--start", "9s", "--frames", "4"} << 4;
+}
+
+void tst_SourceArguments::partOfTheCameraEndsByItself()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, count);
+    SxMinihostRun const run = fx_RunMinihost(
+        QStringList{"record", "camera:", "--size", "64x48", "--json", path("out.h264")} + options);
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.json().value("given").toInt(), count);
+    QCOMPARE(run.json().value("expected").toInt(), count);
+}
+
+void tst_SourceArguments::startBehindTheEndRecordsNothing()
+{
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_QuarterFile()));
+    SxMinihostRun const run = fx_RunMinihost({"record", "--start", "1s", path("in.pgm"), path("out.h264")});
+    QCOMPARE(run.exitCode, 4);
+    QVERIFY2(run.err.contains("The last of the pictures is number 0, at 0.000 s: the start lies behind it."),
+             run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
 void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
 {
     QTest::addColumn<QString>("option");
@@ -102,12 +158,23 @@ void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
     QByteArray const rotate("--rotate takes 90, 180, 270 or auto, not '");
     for (QString const value : {"0x0", "31x32", "14x32", "-32x32", "32", "wide", "32x32 ", ""})
         QTest::addRow("scale %s", qPrintable(value)) << "scale" << value << scale + value.toUtf8() + "'";
-    QTest::newRow("scale beyond the level") << "scale" << "8000x6000"
-                                            << QByteArray("--scale 8000x6000 is more than level 5.2 allows");
+    QTest::newRow("scale beyond the level")
+        << "scale"
+        << "8000x6000" << QByteArray("--scale 8000x6000 is more than level 5.2 allows");
     for (QString const value : {"0x0+0+0", "32x32", "32x32+-1+0", "32x32-1-1", "1x0+0+0", "a", ""})
         QTest::addRow("crop %s", qPrintable(value)) << "crop" << value << crop + value.toUtf8() + "'";
     QTest::newRow("crop beyond the camera's picture")
-        << "crop" << "64x64+1+0" << QByteArray("The picture of camera: is 64 x 64; 64 x 64 from column 1");
+        << "crop"
+        << "64x64+1+0" << QByteArray("The picture of camera: is 64 x 64; 64 x 64 from column 1");
+    for (QString const option : {"start", "duration"}) {
+        for (QString const value : {"3", "-1s", "1:2", "1h", ""})
+            QTest::addRow("%s %s", qPrintable(option), qPrintable(value))
+                << option << value
+                << "--" + option.toUtf8() +
+                       " takes a time such as 1:02.5, 3s or 500ms, or pictures such as 100f";
+    }
+    QTest::newRow("duration 0s") << "duration"
+                                 << "0s" << QByteArray("--duration takes a time");
     for (QString const value : {"0", "45", "360", "-90", "left", ""})
         QTest::addRow("rotate %s", qPrintable(value)) << "rotate" << value << rotate + value.toUtf8() + "'";
 }
@@ -130,7 +197,8 @@ void tst_SourceArguments::cropBeyondThePictureRecordsNothing()
     SxMinihostRun const run =
         fx_RunMinihost({"record", "--crop", "32x32+0+20", path("in.pgm"), path("out.h264")});
     QCOMPARE(run.exitCode, 4);
-    QVERIFY2(run.err.contains("Picture 0 is 64 x 48; 32 x 32 from column 0 and row 20 on are not within it."), run.err);
+    QVERIFY2(run.err.contains("Picture 0 is 64 x 48; 32 x 32 from column 0 and row 20 on are not within it."),
+             run.err);
     QVERIFY(!QFile::exists(path("out.h264")));
 }
 
@@ -138,7 +206,8 @@ void tst_SourceArguments::helpShowsEveryOptionWithAnExample()
 {
     SxMinihostRun const run = fx_RunMinihost({"record", "--help"});
     QCOMPARE(run.exitCode, 0);
-    for (char const* text : {"--rotate R", "auto", "--crop WxH+X+Y", "640x480+0+120", "--scale WxH", "1280x720"})
+    for (char const* text : {"--rotate R", "auto", "--crop WxH+X+Y", "640x480+0+120", "--scale WxH",
+                             "1280x720", "--start T", "1:02.5", "500ms", "100f", "--duration T", "300f"})
         QVERIFY2(run.out.contains(text), text);
 }
 

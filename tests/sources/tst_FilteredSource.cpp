@@ -164,10 +164,11 @@ void tst_FilteredSource::samplesAreMovedUnchanged()
     for (int y = 0; y < kept.height(); ++y) {
         for (int x = 0; x < kept.width(); ++x) {
             QPoint const at = kept.topLeft() + QPoint(x, y); // in the turned picture
-            QPoint const from = rotation == 0     ? at
-                                : rotation == 90  ? QPoint(at.y(), size.height() - 1 - at.x())
-                                : rotation == 180 ? QPoint(size.width() - 1 - at.x(), size.height() - 1 - at.y())
-                                                  : QPoint(size.width() - 1 - at.y(), at.x());
+            QPoint const from = rotation == 0    ? at
+                                : rotation == 90 ? QPoint(at.y(), size.height() - 1 - at.x())
+                                : rotation == 180
+                                    ? QPoint(size.width() - 1 - at.x(), size.height() - 1 - at.y())
+                                    : QPoint(size.width() - 1 - at.y(), at.x());
             QCOMPARE(fx_Pixel(changed, x, y), fx_Pixel(pair.plain.get(), from.x(), from.y()));
         }
     }
@@ -200,8 +201,8 @@ void tst_FilteredSource::scaledPicturesKeepDepthAndColour_data()
     });
 }
 
-/// One colour everywhere stays that colour, but for what two conversions round: a 16-bit one that went through
-/// eight bits would be off by hundreds.
+/// One colour everywhere stays that colour, but for what two conversions round: a 16-bit one that went
+/// through eight bits would be off by hundreds.
 void tst_FilteredSource::scaledPicturesKeepDepthAndColour()
 {
     QFETCH(SxFormat, format);
@@ -212,7 +213,8 @@ void tst_FilteredSource::scaledPicturesKeepDepthAndColour()
     CxOwnedPicture plain;
     plainSource.next(plain.get());
     CxFilteredSource source(
-        std::make_unique<CxNoiseSource>(format, QVector<QSize>{QSize(47, 33)}, quint32(least), true), changes);
+        std::make_unique<CxNoiseSource>(format, QVector<QSize>{QSize(47, 33)}, quint32(least), true),
+        changes);
     CxOwnedPicture scaled;
     QVERIFY(source.next(scaled.get()) == IxPictureSource::Result::Picture);
     QCOMPARE(fx_Size(scaled.get()), changes.scale);
@@ -290,8 +292,9 @@ void tst_FilteredSource::cropBeyondThePictureIsAnError()
     changes.crop = part;
     SxPair pair;
     fx_Change(pair, {3, 8}, QSize(21, 17), changes);
-    QVERIFY2(pair.error.startsWith(rotation == 0 ? "Picture 0 is 21 x 17;" : "Picture 0 is 17 x 21 when turned;"),
-             qPrintable(pair.error));
+    QVERIFY2(
+        pair.error.startsWith(rotation == 0 ? "Picture 0 is 21 x 17;" : "Picture 0 is 17 x 21 when turned;"),
+        qPrintable(pair.error));
 }
 
 void tst_FilteredSource::sizesMayChangeOnTheWay()
