@@ -211,8 +211,8 @@ QString fx_CameraObstacle(SxRecordArguments const& parsed)
 bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error)
 {
     QCommandLineParser parser;
-    fx_AddOptions(parser, fx_RangeOptions() + fx_SourceOptions() + fx_PictureOptions() +
-                              fx_EncodingOptions() + fx_OutputOptions());
+    fx_AddOptions(parser, fx_PartOptions() + fx_SourceOptions() + fx_PictureOptions() + fx_EncodingOptions() +
+                              fx_OutputOptions());
     if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
     if (parsed.run.help)
@@ -246,7 +246,7 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     if (error.isEmpty())
         error = fx_TakeInputOptions(parser, parsed.input);
     if (error.isEmpty())
-        error = fx_TakeRangeOptions(parser, parsed.range);
+        error = fx_TakePartOptions(parser, parsed.part);
     if (error.isEmpty())
         error = fx_TakePictureOptions(parser, parsed.changes);
     if (error.isEmpty() && parsed.isCamera)
@@ -276,7 +276,7 @@ QString fx_RecordHelp()
                "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
                "\n"
                "What to record\n") +
-           fx_OptionsHelp(fx_RangeOptions() + fx_SourceOptions()) +
+           fx_OptionsHelp(fx_PartOptions() + fx_SourceOptions()) +
            QStringLiteral("What to do to each picture, in this order\n") +
            fx_OptionsHelp(fx_PictureOptions()) + QStringLiteral("How to encode\n") +
            fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +

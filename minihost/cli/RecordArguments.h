@@ -5,8 +5,8 @@
 #include "FFmpegSource.h"
 #include "Options.h"
 #include "PictureChanges.h"
-#include "PictureRange.h"
 #include "Recorder.h"
+#include "SourcePart.h"
 #include "TestCamera.h"
 
 /// A `record` command line, checked as far as it can be without opening anything.
@@ -18,7 +18,7 @@ struct SxRecordArguments
     SxRecordRequest request;
     int bits = 0; ///< 0: not given
     SxFFmpegOptions input;
-    SxPictureRange range;
+    SxSourcePart part;
     SxPictureChanges changes;
     bool overwrite = false;
     bool isStrict = false;

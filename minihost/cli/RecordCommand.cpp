@@ -170,8 +170,8 @@ std::unique_ptr<CxFilteredSource> fx_MakeSource(SxRecordArguments const& argumen
     else
         source = std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop,
                                                   arguments.input);
-    if (arguments.range.start || arguments.range.duration)
-        source = std::make_unique<CxRangedSource>(std::move(source), arguments.range, arguments.request.stop);
+    if (arguments.part.start || arguments.part.duration)
+        source = std::make_unique<CxPartOfSource>(std::move(source), arguments.part, arguments.request.stop);
     return std::make_unique<CxFilteredSource>(std::move(source), arguments.changes);
 }
 

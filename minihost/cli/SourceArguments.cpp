@@ -4,7 +4,7 @@
 
 static constexpr int kSmallestSide = 16; // one macroblock; what the encoder takes
 
-QVector<SxOption> fx_RangeOptions()
+QVector<SxOption> fx_PartOptions()
 {
     return {
         {"start", 0, "T",
@@ -44,10 +44,10 @@ static QString fx_TakeLength(QCommandLineParser const& parser, QString const& op
                               QStringLiteral("a time such as 1:02.5, 3s or 500ms, or pictures such as 100f"));
 }
 
-QString fx_TakeRangeOptions(QCommandLineParser const& parser, SxPictureRange& range)
+QString fx_TakePartOptions(QCommandLineParser const& parser, SxSourcePart& part)
 {
-    QString const complaint = fx_TakeLength(parser, QStringLiteral("start"), 0, range.start);
-    return complaint.isEmpty() ? fx_TakeLength(parser, QStringLiteral("duration"), 1, range.duration)
+    QString const complaint = fx_TakeLength(parser, QStringLiteral("start"), 0, part.start);
+    return complaint.isEmpty() ? fx_TakeLength(parser, QStringLiteral("duration"), 1, part.duration)
                                : complaint;
 }
 

@@ -4,13 +4,13 @@
 
 #include "Options.h"
 #include "PictureChanges.h"
-#include "PictureRange.h"
+#include "SourcePart.h"
 
 /// The options that say which part of a source is wanted, for parser and help.
-QVector<SxOption> fx_RangeOptions();
+QVector<SxOption> fx_PartOptions();
 
 /// Reads those of \p parser. \return one sentence when they make no sense, else empty.
-QString fx_TakeRangeOptions(QCommandLineParser const& parser, SxPictureRange& range);
+QString fx_TakePartOptions(QCommandLineParser const& parser, SxSourcePart& part);
 
 /// The options that change what comes from a source, for parser and help.
 QVector<SxOption> fx_PictureOptions();

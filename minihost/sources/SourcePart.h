@@ -19,7 +19,7 @@ struct SxPlayLength
 std::optional<SxPlayLength> fx_PlayLength(QString const& text);
 
 /// The part of a source that is wanted.
-struct SxPictureRange
+struct SxSourcePart
 {
     std::optional<SxPlayLength> start;    ///< it begins with the first picture at or behind this
     std::optional<SxPlayLength> duration; ///< and ends before the first picture that much later
@@ -27,17 +27,17 @@ struct SxPictureRange
 
 /// A part of another source, its times beginning at 0. What comes before is decoded and dropped: whatever the
 /// file's index says, no picture is missed or taken twice.
-class CxRangedSource : public IxPictureSource
+class CxPartOfSource : public IxPictureSource
 {
 public:
     /// \param stop  once set, next() returns End; may be null.
-    CxRangedSource(std::unique_ptr<IxPictureSource> source, SxPictureRange const& range,
+    CxPartOfSource(std::unique_ptr<IxPictureSource> source, SxSourcePart const& part,
                    std::atomic<bool> const* stop);
 
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error.isEmpty() ? m_source->errorText() : m_error; }
     int expectedPictures() const override;
-    bool hasEnd() const override { return m_range.duration.has_value() || m_source->hasEnd(); }
+    bool hasEnd() const override { return m_part.duration.has_value() || m_source->hasEnd(); }
     SxPictureRate rate() const override { return m_source->rate(); }
     int rotation() const override { return m_source->rotation(); }
     bool knowsSignificantBits() const override { return m_source->knowsSignificantBits(); }
@@ -50,7 +50,7 @@ private:
     double picturesUntil(qint64 microseconds) const;
 
     std::unique_ptr<IxPictureSource> m_source;
-    SxPictureRange m_range;
+    SxSourcePart m_part;
     std::atomic<bool> const* m_stop;
     qint64 m_dropped = 0;   ///< pictures before the start
     qint64 m_delivered = 0; ///< pictures

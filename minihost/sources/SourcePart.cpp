@@ -1,4 +1,4 @@
-#include "PictureRange.h"
+#include "SourcePart.h"
 
 #include <QRegularExpression>
 #include <cmath>
@@ -25,31 +25,33 @@ std::optional<SxPlayLength> fx_PlayLength(QString const& text)
         bool const hasHours = !match.captured(1).isEmpty();
         if (!match.hasMatch() || (hasHours && match.captured(2).toInt() > 59))
             return std::nullopt;
-        seconds = (match.captured(1).toInt() * 60 + match.captured(2).toInt()) * 60 + match.captured(3).toDouble();
+        seconds =
+            (match.captured(1).toInt() * 60 + match.captured(2).toInt()) * 60 + match.captured(3).toDouble();
     }
     return SxPlayLength{std::llround(seconds * kMicroseconds), false};
 }
 
-CxRangedSource::CxRangedSource(std::unique_ptr<IxPictureSource> source, SxPictureRange const& range,
+CxPartOfSource::CxPartOfSource(std::unique_ptr<IxPictureSource> source, SxSourcePart const& part,
                                std::atomic<bool> const* stop)
     : m_source(std::move(source))
-    , m_range(range)
+    , m_part(part)
     , m_stop(stop)
 {}
 
-/// The first picture of the range; drops those before it.
-IxPictureSource::Result CxRangedSource::toStart(SxPicBuf& picture)
+/// The first picture of the part; drops those before it.
+IxPictureSource::Result CxPartOfSource::toStart(SxPicBuf& picture)
 {
-    SxPlayLength const start = m_range.start.value_or(SxPlayLength{0, true});
+    SxPlayLength const start = m_part.start.value_or(SxPlayLength{0, true});
     quint64 last = 0;
     for (;; ++m_dropped) {
         Result const result = m_source->next(picture);
         if (m_stop && m_stop->load() && result != Result::Error)
             return Result::End;
         if (result == Result::End && m_dropped > 0) {
-            m_error = QStringLiteral("The last of the pictures is number %1, at %2 s: the start lies behind it.")
-                          .arg(m_dropped - 1)
-                          .arg(static_cast<double>(last) / kMicroseconds, 0, 'f', 3);
+            m_error =
+                QStringLiteral("The last of the pictures is number %1, at %2 s: the start lies behind it.")
+                    .arg(m_dropped - 1)
+                    .arg(static_cast<double>(last) / kMicroseconds, 0, 'f', 3);
             return Result::Error;
         }
         if (result != Result::Picture)
@@ -63,16 +65,16 @@ IxPictureSource::Result CxRangedSource::toStart(SxPicBuf& picture)
     return Result::Picture;
 }
 
-bool CxRangedSource::isAtEnd(SxPicBuf const& picture) const
+bool CxPartOfSource::isAtEnd(SxPicBuf const& picture) const
 {
-    return m_range.duration && !m_range.duration->isPictures &&
-           picture.timestamp >= m_begin + static_cast<quint64>(m_range.duration->value);
+    return m_part.duration && !m_part.duration->isPictures &&
+           picture.timestamp >= m_begin + static_cast<quint64>(m_part.duration->value);
 }
 
-IxPictureSource::Result CxRangedSource::next(SxPicBuf& picture)
+IxPictureSource::Result CxPartOfSource::next(SxPicBuf& picture)
 {
     bool const hasAll =
-        m_range.duration && m_range.duration->isPictures && m_delivered >= m_range.duration->value;
+        m_part.duration && m_part.duration->isPictures && m_delivered >= m_part.duration->value;
     if (m_hasEnded || hasAll)
         return Result::End;
     Result const result = m_delivered == 0 ? toStart(picture) : m_source->next(picture);
@@ -87,7 +89,7 @@ IxPictureSource::Result CxRangedSource::next(SxPicBuf& picture)
 }
 
 /// Pictures that come before that time, when they come steadily.
-double CxRangedSource::picturesUntil(qint64 microseconds) const
+double CxPartOfSource::picturesUntil(qint64 microseconds) const
 {
     SxPictureRate const rate = m_source->rate();
     double const perSecond = rate.isKnown() ? rate.perSecond() : kPicturesASecond;
@@ -95,22 +97,23 @@ double CxRangedSource::picturesUntil(qint64 microseconds) const
     return std::ceil(static_cast<double>(microseconds) * perSecond / kMicroseconds - 1e-3);
 }
 
-int CxRangedSource::expectedPictures() const
+int CxPartOfSource::expectedPictures() const
 {
-    SxPlayLength const start = m_range.start.value_or(SxPlayLength{0, true});
-    bool const isCounted = (start.isPictures || m_delivered > 0) && (!m_range.duration || m_range.duration->isPictures);
+    SxPlayLength const start = m_part.start.value_or(SxPlayLength{0, true});
+    bool const isCounted =
+        (start.isPictures || m_delivered > 0) && (!m_part.duration || m_part.duration->isPictures);
     if (m_source->rate().isAverage && !isCounted)
         return -1; // at no steady rate a time holds nobody knows how many
     double expected = m_source->expectedPictures();
-    double const before = m_delivered > 0       ? static_cast<double>(m_dropped)
+    double const before = m_delivered > 0    ? static_cast<double>(m_dropped)
                           : start.isPictures ? static_cast<double>(start.value)
                                              : picturesUntil(start.value);
     if (expected >= 0)
         expected = std::max(expected - before, 0.0);
-    if (m_range.duration) {
-        double const wanted = m_range.duration->isPictures
-                                  ? static_cast<double>(m_range.duration->value)
-                                  : picturesUntil(static_cast<qint64>(m_begin) + m_range.duration->value) -
+    if (m_part.duration) {
+        double const wanted = m_part.duration->isPictures
+                                  ? static_cast<double>(m_part.duration->value)
+                                  : picturesUntil(static_cast<qint64>(m_begin) + m_part.duration->value) -
                                         picturesUntil(static_cast<qint64>(m_begin));
         expected = expected < 0 ? wanted : std::min(expected, wanted);
     }

@@ -1,25 +1,25 @@
 #include <QtTest>
 
 #include "PictureFormat.h"
-#include "PictureRange.h"
+#include "SourcePart.h"
 
 /// Parts of a source: exactly the pictures that are asked for.
-class tst_PictureRange : public QObject
+class tst_SourcePart : public QObject
 {
     Q_OBJECT
 
 private slots:
     void lengthsAreTimesOrPictures_data();
     void lengthsAreTimesOrPictures();
-    void rangeHasExactlyItsPictures_data();
-    void rangeHasExactlyItsPictures();
+    void partHasExactlyItsPictures_data();
+    void partHasExactlyItsPictures();
     void unsteadyPicturesAreNotForetold();
     void startBehindTheEndIsAnError();
     void stopEndsTheWayToTheStart();
     void livePartHasAnEnd();
 };
 
-void tst_PictureRange::lengthsAreTimesOrPictures_data()
+void tst_SourcePart::lengthsAreTimesOrPictures_data()
 {
     QTest::addColumn<qint64>("value"); // -1: none
     QTest::addColumn<bool>("isPictures");
@@ -38,12 +38,13 @@ void tst_PictureRange::lengthsAreTimesOrPictures_data()
     time("10:59:59.999999", 39599999999);
     QTest::newRow("100f") << qint64{100} << true;
     QTest::newRow("0f") << qint64{0} << true;
-    for (char const* text : {"", "3", "2.5", "f", "s", "-1s", "+1s", "1 s", "1h", "1:2", "1:60", "1:60:00", "1:2:03",
-                             ":30", "1:", "1e3s", "0x10f", "1.5f", "9999999999f", "1:02:03:04", "100F", "½s"})
+    for (char const* text : {"",      "3",    "2.5",         "f",          "s",      "-1s", "+1s", "1 s",
+                             "1h",    "1:2",  "1:60",        "1:60:00",    "1:2:03", ":30", "1:",  "1e3s",
+                             "0x10f", "1.5f", "9999999999f", "1:02:03:04", "100F",   "½s"})
         QTest::newRow(text) << qint64{-1} << false;
 }
 
-void tst_PictureRange::lengthsAreTimesOrPictures()
+void tst_SourcePart::lengthsAreTimesOrPictures()
 {
     QFETCH(qint64, value);
     QFETCH(bool, isPictures);
@@ -94,7 +95,8 @@ static QVector<quint64> fx_SteadyTimes(SxPictureRate rate, int count)
 {
     QVector<quint64> times;
     for (quint64 i = 0; i < static_cast<quint64>(count); ++i)
-        times += (i * 1000000 * static_cast<quint64>(rate.denominator) + static_cast<quint64>(rate.numerator) / 2) /
+        times += (i * 1000000 * static_cast<quint64>(rate.denominator) +
+                  static_cast<quint64>(rate.numerator) / 2) /
                  static_cast<quint64>(rate.numerator);
     return times;
 }
@@ -107,15 +109,15 @@ static SxPictureRate fx_Rate(int numerator, int denominator = 1)
     return rate;
 }
 
-static SxPictureRange fx_Range(QString const& start, QString const& duration)
+static SxSourcePart fx_Part(QString const& start, QString const& duration)
 {
-    SxPictureRange range;
-    range.start = fx_PlayLength(start);
-    range.duration = fx_PlayLength(duration);
-    return range;
+    SxSourcePart part;
+    part.start = fx_PlayLength(start);
+    part.duration = fx_PlayLength(duration);
+    return part;
 }
 
-void tst_PictureRange::rangeHasExactlyItsPictures_data()
+void tst_SourcePart::partHasExactlyItsPictures_data()
 {
     QTest::addColumn<QString>("start");
     QTest::addColumn<QString>("duration");
@@ -123,7 +125,8 @@ void tst_PictureRange::rangeHasExactlyItsPictures_data()
     QTest::addColumn<int>("denominator");
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("count"); // of 60
-    auto const row = [](char const* start, char const* duration, int numerator, int denominator, int first, int count) {
+    auto const row = [](char const* start, char const* duration, int numerator, int denominator, int first,
+                        int count) {
         QTest::addRow("%s + %s at %d/%d", start, duration, numerator, denominator)
             << start << duration << numerator << denominator << first << count;
     };
@@ -144,7 +147,7 @@ void tst_PictureRange::rangeHasExactlyItsPictures_data()
     row("", "1f", 25, 1, 0, 1);
 }
 
-void tst_PictureRange::rangeHasExactlyItsPictures()
+void tst_SourcePart::partHasExactlyItsPictures()
 {
     QFETCH(QString, start);
     QFETCH(QString, duration);
@@ -154,7 +157,7 @@ void tst_PictureRange::rangeHasExactlyItsPictures()
     QFETCH(int, count);
     SxPictureRate const rate = fx_Rate(numerator, denominator);
     QVector<quint64> const times = fx_SteadyTimes(rate, 60);
-    CxRangedSource source(std::make_unique<CxTimedSource>(times, rate), fx_Range(start, duration), nullptr);
+    CxPartOfSource source(std::make_unique<CxTimedSource>(times, rate), fx_Part(start, duration), nullptr);
     QCOMPARE(source.expectedPictures(), count);
     CxOwnedPicture picture;
     for (int i = 0; i < count; ++i) {
@@ -167,12 +170,12 @@ void tst_PictureRange::rangeHasExactlyItsPictures()
         QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
 }
 
-void tst_PictureRange::unsteadyPicturesAreNotForetold()
+void tst_SourcePart::unsteadyPicturesAreNotForetold()
 {
     SxPictureRate rate = fx_Rate(10);
     rate.isAverage = true;
     QVector<quint64> const times{0, 1000, 2000, 500000, 600000, 1000000, 2000000};
-    CxRangedSource source(std::make_unique<CxTimedSource>(times, rate), fx_Range("1.5ms", "700ms"), nullptr);
+    CxPartOfSource source(std::make_unique<CxTimedSource>(times, rate), fx_Part("1.5ms", "700ms"), nullptr);
     QCOMPARE(source.expectedPictures(), -1);
     CxOwnedPicture picture;
     for (int i = 2; i < 5; ++i) {
@@ -183,36 +186,38 @@ void tst_PictureRange::unsteadyPicturesAreNotForetold()
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
 }
 
-void tst_PictureRange::startBehindTheEndIsAnError()
+void tst_SourcePart::startBehindTheEndIsAnError()
 {
     SxPictureRate const rate = fx_Rate(25);
-    CxRangedSource source(std::make_unique<CxTimedSource>(fx_SteadyTimes(rate, 60), rate), fx_Range("60f", "1s"),
-                          nullptr);
+    CxPartOfSource source(std::make_unique<CxTimedSource>(fx_SteadyTimes(rate, 60), rate),
+                          fx_Part("60f", "1s"), nullptr);
     CxOwnedPicture picture;
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Error);
-    QCOMPARE(source.errorText(), QString("The last of the pictures is number 59, at 2.360 s: the start lies behind it."));
+    QCOMPARE(source.errorText(),
+             QString("The last of the pictures is number 59, at 2.360 s: the start lies behind it."));
 }
 
-void tst_PictureRange::stopEndsTheWayToTheStart()
+void tst_SourcePart::stopEndsTheWayToTheStart()
 {
     std::atomic<bool> const stop{true};
     SxPictureRate const rate = fx_Rate(25);
-    CxRangedSource source(std::make_unique<CxTimedSource>(fx_SteadyTimes(rate, 60), rate), fx_Range("50f", ""), &stop);
+    CxPartOfSource source(std::make_unique<CxTimedSource>(fx_SteadyTimes(rate, 60), rate), fx_Part("50f", ""),
+                          &stop);
     CxOwnedPicture picture;
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::End);
 }
 
-void tst_PictureRange::livePartHasAnEnd()
+void tst_SourcePart::livePartHasAnEnd()
 {
     SxPictureRate const rate = fx_Rate(25);
     auto const live = [&] { return std::make_unique<CxTimedSource>(fx_SteadyTimes(rate, 60), rate, true); };
-    CxRangedSource const endless(live(), fx_Range("1s", ""), nullptr);
+    CxPartOfSource const endless(live(), fx_Part("1s", ""), nullptr);
     QVERIFY(!endless.hasEnd());
     QCOMPARE(endless.expectedPictures(), -1);
-    CxRangedSource const part(live(), fx_Range("1s", "2s"), nullptr);
+    CxPartOfSource const part(live(), fx_Part("1s", "2s"), nullptr);
     QVERIFY(part.hasEnd());
     QCOMPARE(part.expectedPictures(), 50);
 }
 
-QTEST_GUILESS_MAIN(tst_PictureRange)
-#include "tst_PictureRange.moc"
+QTEST_GUILESS_MAIN(tst_SourcePart)
+#include "tst_SourcePart.moc"
