@@ -127,7 +127,10 @@ QVector<SxOption> fx_OutputOptions()
 {
     QVector<SxOption> const own{
         {"overwrite", 0, nullptr, QStringLiteral("replace OUTPUT if it exists")},
-        {"strict", 0, nullptr, QStringLiteral("exit code 3 when the encoder skipped pictures")}};
+        {"strict", 0, nullptr, QStringLiteral("exit code 3 when the encoder skipped pictures")},
+        {"no-sidecar", 0, nullptr,
+         QStringLiteral("no OUTPUT.json, which notes rate, rotation and skipped pictures\n"
+                        "where they are not as a raw stream's are assumed to be")}};
     return own + fx_RunOptions(QStringLiteral("summary as JSON on standard output"));
 }
 
@@ -182,6 +185,9 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
         return QStringLiteral("Standard input (-) can be read only once.");
     if (!parsed.isCamera)
         parsed.sources = names;
+    parsed.request.sourceName = names.first();
+    if (names.size() > 1)
+        parsed.request.sourceName += QStringLiteral(" ... ") + names.last();
 
     for (char const* option : {"size", "seed", "format"}) {
         if (!parsed.isCamera && parser.isSet(QString::fromLatin1(option)))
@@ -241,6 +247,7 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     parsed.changes.isEven =
         true; // else the encoder's picture is a blurred one: all of it scaled by one pixel
     parsed.isStrict = parser.isSet(QStringLiteral("strict"));
+    parsed.request.keepsSidecar = !parser.isSet(QStringLiteral("no-sidecar"));
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
     error = fx_TakePositionals(parser, parsed);
     if (error.isEmpty())

@@ -9,6 +9,7 @@
 #include "FFmpegSource.h"
 #include "FilteredSource.h"
 #include "Interrupt.h"
+#include "NotedRecording.h"
 #include "ProgressLine.h"
 #include "QualityTrial.h"
 #include "RecordArguments.h"
@@ -101,6 +102,8 @@ public:
         if (!summary.level.isEmpty() && summary.level != asked)
             warn(QStringLiteral("OpenH264 made the recording level %1, not level %2 as asked.")
                      .arg(summary.level, asked));
+        if (!summary.sidecarError.isEmpty())
+            warn(summary.sidecarError);
         if (trial && !summary.skipped.isEmpty())
             Console::transient(QStringLiteral("Trying which quality keeps every picture..."));
         QString const advice = fx_SkipAdvice(m_request, summary, trial);
@@ -222,7 +225,7 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
 {
     std::unique_ptr<CxFilteredSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
-    SxRecordSummary summary = fx_Record(
+    SxRecordSummary summary = fx_RecordWithSidecar(
         *source, arguments.request, [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
     bool const isTried = fx_IsRepeatable(arguments) && summary.error.isEmpty() && !summary.wasStopped;
     CxQualityTrial trial([&arguments] { return fx_MakeSource(arguments); }, arguments.request, summary);

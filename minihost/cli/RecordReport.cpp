@@ -12,7 +12,7 @@
 
 static constexpr int kMostRanges = 8;
 
-static double fx_Seconds(SxRecordSummary const& summary) { return double(summary.coded) / kPicturesASecond; }
+static double fx_Seconds(SxRecordSummary const& summary) { return summary.coded / summary.rate.orAssumed(); }
 
 static double fx_MeanBitRate(SxRecordSummary const& summary)
 {
@@ -39,6 +39,20 @@ static int fx_Lost(SxRecordSummary const& summary)
     return summary.given - summary.coded - static_cast<int>(summary.skipped.size());
 }
 
+/// What the sidecar is there for.
+static QString fx_NotedText(SxRecordSummary const& summary)
+{
+    QStringList noted;
+    if (summary.rate.isKnown())
+        noted += QStringLiteral("the rate");
+    if (summary.rotation != 0)
+        noted += QStringLiteral("that the pictures are to be turned by %1 degrees").arg(summary.rotation);
+    if (!summary.skipped.isEmpty())
+        noted += QStringLiteral("the skipped pictures");
+    QString const last = noted.takeLast();
+    return noted.isEmpty() ? last : noted.join(QStringLiteral(", ")) + QStringLiteral(" and ") + last;
+}
+
 QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary)
 {
     QStringList lines;
@@ -54,10 +68,12 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
     if (int const lost = fx_Lost(summary); lost > 0)
         coded += QStringLiteral(", %1 lost").arg(lost);
     lines += coded;
-    lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4 pictures a second")
+    lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4")
                  .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
                  .arg(fx_Seconds(summary), 0, 'f', 1)
-                 .arg(kPicturesASecond);
+                 .arg(summary.rate.described());
+    if (!summary.sidecar.isEmpty())
+        lines += QStringLiteral("  %1 notes %2").arg(summary.sidecar, fx_NotedText(summary));
     lines += QStringLiteral("  took %1 s, %2 ms a picture, %3 of it for encoding")
                  .arg(static_cast<double>(summary.elapsedNs) / 1e9, 0, 'f', 1)
                  .arg(fx_MsPerPicture(summary.elapsedNs, summary.given), 0, 'f', 1)
@@ -90,6 +106,13 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         {QStringLiteral("bytes"), summary.bytes},
         {QStringLiteral("meanBitRate"), fx_MeanBitRate(summary)},
     };
+    if (summary.rate.isKnown()) {
+        json[QStringLiteral("fps")] = summary.rate.perSecond();
+        json[QStringLiteral("fpsIsAverage")] = summary.rate.isAverage;
+    }
+    json[QStringLiteral("rotation")] = summary.rotation;
+    if (!summary.sidecar.isEmpty())
+        json[QStringLiteral("sidecar")] = summary.sidecar;
     if (!summary.level.isEmpty())
         json[QStringLiteral("level")] = summary.level;
     if (summary.savedWidth != 0) {

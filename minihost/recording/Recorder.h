@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "EncoderOptions.h"
+#include "PictureRate.h"
 #include "SxPicBufInfo.h"
 
 class IxPictureSource;
@@ -18,6 +19,8 @@ struct SxRecordRequest
     QMap<QString, QVariant> saverOptions{
         {QStringLiteral("codec"), kFourCCH264}}; ///< as the saver's dialog part gives them
     int maxPictures = 0;                         ///< end after this many; 0: when the source ends
+    QString sourceName;                          ///< for the sidecar
+    bool keepsSidecar = true;                    ///< see fx_RecordWithSidecar()
     std::atomic<bool> const* stop = nullptr;     ///< set from anywhere to end after the current picture
 };
 
@@ -48,6 +51,10 @@ struct SxRecordSummary
     quint32 savedWidth = 0;       ///< size in the file; the encoder shrinks what is odd or too
     quint32 savedHeight = 0;      ///< large for its level
     QString level;                ///< at the end, as the file names it, which may be another than asked for
+    SxPictureRate rate;           ///< the source's; unknown when nothing tells it
+    int rotation = 0;             ///< degrees clockwise that make the pictures stand upright
+    QString sidecar;              ///< file that was written beside the recording; empty when none was needed
+    QString sidecarError;         ///< why one is missing, one sentence
     quint32 highestSample = 0; ///< of word pictures whose source does not know their significant bits; else 0
 };
 

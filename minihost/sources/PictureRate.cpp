@@ -18,6 +18,14 @@ QString SxPictureRate::exact() const
                             : QStringLiteral("%1/%2").arg(numerator).arg(denominator);
 }
 
+QString SxPictureRate::described() const
+{
+    if (!isKnown())
+        return QStringLiteral("%1 pictures a second (assumed)").arg(kPicturesASecond);
+    QString const rate = QStringLiteral("%1 pictures a second").arg(text());
+    return isAverage ? rate + QStringLiteral(" (average)") : rate;
+}
+
 bool fx_IsSane(SxPictureRate const& rate)
 {
     return rate.numerator > 0 && rate.denominator > 0 && rate.perSecond() >= kLeast &&

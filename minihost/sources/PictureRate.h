@@ -17,9 +17,11 @@ struct SxPictureRate
 
     bool isKnown() const { return numerator > 0; }
     double perSecond() const { return static_cast<double>(numerator) / denominator; }
+    double orAssumed() const { return isKnown() ? perSecond() : kPicturesASecond; }
 
-    QString text() const;  ///< for people, "29.97"
-    QString exact() const; ///< for fx_RateFromText(), "30000/1001"
+    QString text() const;      ///< for people, "29.97"
+    QString exact() const;     ///< for fx_RateFromText(), "30000/1001"
+    QString described() const; ///< "29.97 pictures a second", "30 pictures a second (assumed)" when unknown
 };
 
 /// True for what a camera or a person's patience can deliver: a picture in a quarter of an hour to 100000 a

@@ -27,6 +27,8 @@ public:
     QString errorText() const override { return m_live.m_source->errorText(); }
     int expectedPictures() const override { return m_live.m_source->expectedPictures(); }
     bool hasEnd() const override { return m_live.m_source->hasEnd(); }
+    SxPictureRate rate() const override { return m_live.m_source->rate(); }
+    int rotation() const override { return m_live.m_source->rotation(); }
     bool knowsSignificantBits() const override { return m_live.m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_live.m_source->takeWarnings(); }
     bool isDamaged() const override { return m_live.m_source->isDamaged(); }

@@ -44,7 +44,13 @@ void CxRecordControl::start(SxRecordChoice const& choice)
 {
     m_messages.dismiss();
     m_play.player().setPlaying(false);
-    m_job = std::make_unique<CxRecordJob>(choice.request);
+    SxRecordRequest request = choice.request;
+    request.sourceName = m_live.isOpen() ? m_live.name()
+                                         : QStringLiteral("%1, pictures %2-%3")
+                                               .arg(m_play.player().info().fileName)
+                                               .arg(choice.first)
+                                               .arg(choice.last);
+    m_job = std::make_unique<CxRecordJob>(request);
     connect(m_job.get(), &CxRecordJob::progressed, &m_bar, &CxRecordBar::showProgress);
     connect(m_job.get(), &CxRecordJob::finished, this, &CxRecordControl::finish);
     m_isRunning = true;
@@ -99,13 +105,15 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
     QString const level = CxRecordTexts::otherLevel(summary, encoder.level);
     // A recording's broken pictures are counted above.
     QString const damage = broken.isEmpty() ? CxRecordTexts::sourceDamage(summary) : QString();
-    for (QString const& text : {damage, skipped, shrunk, level}) {
+    for (QString const& text : {damage, skipped, shrunk, level, CxRecordTexts::notNoted(summary)}) {
         if (!text.isEmpty())
             parts.append(text);
     }
+    QStringList details{summary.error, summary.sidecarError};
+    details.removeAll(QString());
     bool const isWhole = !failed && !summary.isSourceDamaged && skipped.isEmpty();
     m_messages.showMessage(isWhole ? CxMessageBar::Kind::Information : CxMessageBar::Kind::Warning,
-                           parts.join(QLatin1Char(' ')), failed ? QStringList{summary.error} : QStringList());
+                           parts.join(QLatin1Char(' ')), details);
     if (summary.coded > 0)
         m_messages.offer(tr("&Open It"));
     emit runningChanged();

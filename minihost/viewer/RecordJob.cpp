@@ -2,6 +2,8 @@
 
 #include <QElapsedTimer>
 
+#include "NotedRecording.h"
+
 static constexpr qint64 kReportInterval = 100; // milliseconds; a person reads no faster
 
 CxRecordJob::CxRecordJob(SxRecordRequest const& request, QObject* parent)
@@ -38,7 +40,7 @@ SxRecordSummary CxRecordJob::record(IxPictureSource& source)
 {
     QElapsedTimer sinceReport;
     sinceReport.start();
-    return fx_Record(source, m_request, [&](SxRecordSummary const& soFar) {
+    return fx_RecordWithSidecar(source, m_request, [&](SxRecordSummary const& soFar) {
         if (sinceReport.elapsed() < kReportInterval && soFar.given > 1)
             return;
         sinceReport.restart();

@@ -32,6 +32,13 @@ QString CxRecordTexts::sourceDamage(SxRecordSummary const& summary)
                                    : QString();
 }
 
+QString CxRecordTexts::notNoted(SxRecordSummary const& summary)
+{
+    return summary.sidecarError.isEmpty()
+               ? QString()
+               : tr("Its own speed, rotation and skipped pictures could not be noted beside it.");
+}
+
 QString CxRecordTexts::shrunk(SxPicBufInfo const& input, quint32 width, quint32 height, int level)
 {
     if (width == input.width && height == input.height)

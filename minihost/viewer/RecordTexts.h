@@ -17,6 +17,9 @@ public:
     /// That the source was not whole; empty when nothing speaks against it.
     static QString sourceDamage(SxRecordSummary const& summary);
 
+    /// That what the file cannot hold is lost; empty when it is not.
+    static QString notNoted(SxRecordSummary const& summary);
+
     /// That pictures like \p input are saved with \p width x \p height pixels and why; empty when they are
     /// not.
     static QString shrunk(SxPicBufInfo const& input, quint32 width, quint32 height, int level);

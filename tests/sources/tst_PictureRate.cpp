@@ -7,11 +7,19 @@ class tst_PictureRate : public QObject
     Q_OBJECT
 
 private slots:
+    void descriptionsTellWhereARateIsFrom();
     void textsAreRead_data();
     void textsAreRead();
     void whatIsNoRateIsRefused_data();
     void whatIsNoRateIsRefused();
 };
+
+void tst_PictureRate::descriptionsTellWhereARateIsFrom()
+{
+    QCOMPARE(SxPictureRate().described(), QString("30 pictures a second (assumed)"));
+    QCOMPARE((SxPictureRate{30000, 1001}).described(), QString("29.97 pictures a second"));
+    QCOMPARE((SxPictureRate{12500, 1000, true}).described(), QString("12.5 pictures a second (average)"));
+}
 
 void tst_PictureRate::textsAreRead_data()
 {

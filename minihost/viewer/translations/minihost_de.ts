@@ -358,6 +358,10 @@
         <source>Picture %1 cannot be shown: the recording is damaged there, or of a kind that the decoder does not support.</source>
         <translation>Bild %1 lässt sich nicht zeigen: Die Aufnahme ist dort beschädigt oder von einer Art, die der Decoder nicht unterstützt.</translation>
     </message>
+    <message>
+        <source>The notes beside “%1” do not belong to it or are damaged, so its speed is assumed.</source>
+        <translation>Die Notizen neben „%1“ gehören nicht dazu oder sind beschädigt; die Geschwindigkeit ist deshalb angenommen.</translation>
+    </message>
 </context>
 <context>
     <name>CxRecordBar</name>
@@ -543,6 +547,10 @@
         <translation>Auch die höchste Qualität behält nicht alle; weniger Schlüsselbilder oder kleinere Bilder vielleicht.</translation>
     </message>
     <message>
+        <source>Its own speed, rotation and skipped pictures could not be noted beside it.</source>
+        <translation>Ihre eigene Geschwindigkeit, Drehung und ausgelassenen Bilder konnten nicht daneben notiert werden.</translation>
+    </message>
+    <message>
         <source>a recording&apos;s sides are even</source>
         <translation>die Seiten einer Aufnahme sind gerade</translation>
     </message>
@@ -634,6 +642,30 @@
             <numerusform>%n kaputtes Bild</numerusform>
             <numerusform>%n kaputte Bilder</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>%1 a second</source>
+        <translation>%1 je Sekunde</translation>
+    </message>
+    <message>
+        <source>%1 a second (assumed)</source>
+        <translation>%1 je Sekunde (angenommen)</translation>
+    </message>
+    <message>
+        <source>turn by %1°</source>
+        <translation>um %1° zu drehen</translation>
+    </message>
+    <message>
+        <source>At which rate the pictures are shown; nothing tells at which they were taken</source>
+        <translation>In welchem Takt die Bilder gezeigt werden; nichts sagt, in welchem sie aufgenommen wurden</translation>
+    </message>
+    <message>
+        <source>%1 skipped</source>
+        <translation>%1 ausgelassen</translation>
+    </message>
+    <message>
+        <source>At which rate the pictures were taken, how they are to be turned, and how many of them the encoder skipped, as noted when they were recorded</source>
+        <translation>In welchem Takt die Bilder aufgenommen wurden, wie sie zu drehen sind und wie viele der Encoder ausgelassen hat, wie bei der Aufnahme notiert</translation>
     </message>
 </context>
 <context>

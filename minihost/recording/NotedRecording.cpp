@@ -1,0 +1,59 @@
+#include "NotedRecording.h"
+
+#include <QFileInfo>
+#include <cmath>
+
+#include "IxPictureSource.h"
+#include "Sidecar.h"
+
+/// True when a player that assumes what everybody does shows the recording as it was.
+static bool fx_IsAsAssumed(SxRecordSummary const& summary)
+{
+    bool const isRateAssumed =
+        !summary.rate.isKnown() || std::abs(summary.rate.perSecond() - kPicturesASecond) < 0.001;
+    return isRateAssumed && summary.rotation == 0 && summary.skipped.isEmpty();
+}
+
+static SxSidecar fx_SidecarOf(SxRecordRequest const& request, SxRecordSummary const& summary)
+{
+    SxEncoderOptions const& encoder = request.encoder;
+    SxSidecar sidecar;
+    sidecar.rate = summary.rate;
+    sidecar.rotation = summary.rotation;
+    sidecar.source = request.sourceName;
+    sidecar.options = {
+        {QStringLiteral("quality"), encoder.quality},
+        {QStringLiteral("keyframe-rate"), encoder.keyFrameInterval},
+        {QStringLiteral("complexity"), fx_ComplexityNames().value(encoder.complexity)},
+        {QStringLiteral("profile"), fx_ProfileName(encoder.profile)},
+        {QStringLiteral("level"), fx_LevelName(encoder.level)},
+    };
+    sidecar.pictures = summary.given;
+    sidecar.skippedCount = static_cast<int>(summary.skipped.size());
+    sidecar.skipped = fx_RangesOf(summary.skipped);
+    sidecar.program = QStringLiteral("minihost " MINIHOST_VERSION);
+    return sidecar;
+}
+
+SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest const& request,
+                                     RecordProgress const& progress)
+{
+    QString const& output = request.outputFile;
+    SxRecordSummary summary = fx_Record(source, request, [&](SxRecordSummary const& soFar) {
+        if (soFar.given == 1 && QFileInfo(output).isFile())
+            fx_RemoveSidecar(output);
+        if (progress)
+            progress(soFar);
+    });
+    summary.rate = source.rate();
+    summary.rotation = source.rotation();
+    if (summary.given == 0 || !QFileInfo(output).isFile())
+        return summary;
+    if (summary.coded > 0 && request.keepsSidecar && !fx_IsAsAssumed(summary)) {
+        if (fx_WriteSidecar(output, fx_SidecarOf(request, summary), summary.sidecarError))
+            summary.sidecar = fx_SidecarName(output);
+    } else if (!fx_FindSidecar(output).sidecar) { // that of an untouched recording stays
+        fx_RemoveSidecar(output);
+    }
+    return summary;
+}

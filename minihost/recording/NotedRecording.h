@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Recorder.h"
+
+/// fx_Record(), and beside a regular file a sidecar where the recording differs from what everybody assumes
+/// of one: the source has another rate than kPicturesASecond, its pictures stand turned, or some were
+/// skipped.
+///
+/// A sidecar of what the recording replaces goes as soon as that is gone. What the request's sidecar option
+/// forbids, or the disk, changes nothing of the recording.
+SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest const& request,
+                                     RecordProgress const& progress = {});
