@@ -139,15 +139,29 @@ QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
         .arg(exported.size.height());
 }
 
-QString fx_Json(SxExportArguments const& arguments, IxExportSink const& sink, CxFeeder const& feeder)
+/// What was exported, with the time at which the recording shows it.
+QJsonArray fx_ExportedJson(CxRecordingReader const& recording, IxExportSink const& sink)
+{
+    QJsonArray timed;
+    for (QJsonValue const& exported : sink.exportedJson()) {
+        QJsonObject entry = exported.toObject();
+        entry[QStringLiteral("seconds")] = entry.value(QStringLiteral("frame")).toInt() / recording.fps();
+        timed.append(entry);
+    }
+    return timed;
+}
+
+QString fx_Json(CxRecordingReader const& recording, IxExportSink const& sink, CxFeeder const& feeder)
 {
     QJsonArray leftOut;
     for (int const frame : feeder.leftOut())
         leftOut.append(frame);
     QString const& error = feeder.error();
     QJsonObject const json{
-        {QStringLiteral("file"), arguments.common.file()},
-        {QStringLiteral("exported"), sink.exportedJson()},
+        {QStringLiteral("file"), recording.fileName()},
+        {QStringLiteral("fps"), recording.fps()},
+        {QStringLiteral("fpsIsAssumed"), !recording.rate().isKnown()},
+        {QStringLiteral("exported"), fx_ExportedJson(recording, sink)},
         {QStringLiteral("leftOut"), leftOut},
         {QStringLiteral("error"), error.isEmpty() ? QJsonValue() : QJsonValue(error)},
     };
@@ -169,7 +183,9 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
         return fx_WrongUsage(QStringLiteral("export"),
                              QStringLiteral("'%1' needs a place for the frame number, as in frame_%05d.png.")
                                  .arg(arguments.request.output));
-    std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(arguments.request, *frames, error);
+    SxExportRequest request = arguments.request;
+    request.rate = recording.rate();
+    std::unique_ptr<IxExportSink> const sink = fx_MakeExportSink(request, *frames, error);
     if (!sink)
         return fx_Failed(error, kOutputFailed);
 
@@ -179,7 +195,7 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     if (outcome == Outcome::ReaderGone)
         return kDone; // "| head" has seen enough
     if (arguments.common.run.json)
-        Console::data(fx_Json(arguments, *sink, feeder));
+        Console::data(fx_Json(recording, *sink, feeder));
     if (outcome == Outcome::Interrupted)
         return fx_Interrupted(feeder.error());
     if (outcome != Outcome::Done)

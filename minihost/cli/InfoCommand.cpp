@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr int kMostRanges = 8; // of picture numbers in a line
+
 /// What `info` tells of a recording.
 struct SxRecordingInfo
 {
@@ -46,7 +48,7 @@ QString fx_Help()
            fx_OptionsHelp(fx_Options()) +
            QStringLiteral("\n"
                           "A raw stream carries no frame rate: durations and bit rates assume %1 pictures a\n"
-                          "second.\n")
+                          "second, unless FILE.json, which record writes, notes the source's.\n")
                .arg(kPicturesASecond) +
            fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed});
 }
@@ -65,7 +67,7 @@ void fx_ReadIndex(CxRecordingReader const& recording, SxRecordingInfo& info)
                             [](SxCodedFrame const& a, SxCodedFrame const& b) { return a.size < b.size; });
     info.smallest = static_cast<int>(smallest - frames.begin());
     info.largest = static_cast<int>(largest - frames.begin());
-    info.seconds = recording.frameCount() / recording.assumedFps();
+    info.seconds = recording.frameCount() / recording.fps();
     info.meanBitRate = static_cast<double>(recording.fileBytes()) * 8 / info.seconds;
 }
 
@@ -97,23 +99,42 @@ QString fx_PictureSizeText(SxStreamKind const& kind)
                            : QStringLiteral("%1 x %2").arg(kind.width).arg(kind.height);
 }
 
+/// What is known beyond the stream; a newline before each line.
+QString fx_SidecarLines(std::optional<SxSidecar> const& sidecar)
+{
+    if (!sidecar)
+        return QString();
+    QString lines = QStringLiteral("\n  recorded from %1 by %2").arg(sidecar->source, sidecar->program);
+    if (sidecar->rotation != 0)
+        lines += QStringLiteral("\n  to be turned by %1 degrees clockwise").arg(sidecar->rotation);
+    if (sidecar->skippedCount > 0)
+        lines += QStringLiteral("\n  %1 of the source's %2 skipped")
+                     .arg(sidecar->skippedCount)
+                     .arg(fx_Count(sidecar->pictures, "picture"));
+    if (!sidecar->skipped.isEmpty())
+        lines += QStringLiteral(": ") + fx_RangesText(sidecar->skipped, kMostRanges);
+    return lines;
+}
+
 QString fx_Text(CxRecordingReader const& recording, SxRecordingInfo const& info)
 {
     return QStringList{
-        QStringLiteral("%1: H.264%2, %3")
-            .arg(recording.fileName(), fx_ProfileText(info.kind), fx_PictureSizeText(info.kind)),
-        QStringLiteral("  %1, %2%3")
-            .arg(fx_Count(recording.frameCount(), "frame"),
-                 fx_Count(recording.keyFrames().size(), "key frame"), fx_SpacingText(info)),
-        QStringLiteral("  plays %1 s at %2 pictures a second (assumed)")
-            .arg(info.seconds, 0, 'f', 1)
-            .arg(recording.assumedFps()),
-        QStringLiteral("  %1, %2 on average")
-            .arg(fx_ReadableSize(recording.fileBytes()), fx_ReadableBitRate(info.meanBitRate)),
-        QStringLiteral("  largest: %1, smallest: %2")
-            .arg(fx_FrameSizeText(recording, info.largest), fx_FrameSizeText(recording, info.smallest)),
-    }
-        .join(QLatin1Char('\n'));
+               QStringLiteral("%1: H.264%2, %3")
+                   .arg(recording.fileName(), fx_ProfileText(info.kind), fx_PictureSizeText(info.kind)),
+               QStringLiteral("  %1, %2%3")
+                   .arg(fx_Count(recording.frameCount(), "frame"),
+                        fx_Count(recording.keyFrames().size(), "key frame"), fx_SpacingText(info)),
+               QStringLiteral("  plays %1 s at %2")
+                   .arg(info.seconds, 0, 'f', 1)
+                   .arg(recording.rate().described()),
+               QStringLiteral("  %1, %2 on average")
+                   .arg(fx_ReadableSize(recording.fileBytes()), fx_ReadableBitRate(info.meanBitRate)),
+               QStringLiteral("  largest: %1, smallest: %2")
+                   .arg(fx_FrameSizeText(recording, info.largest),
+                        fx_FrameSizeText(recording, info.smallest)),
+           }
+               .join(QLatin1Char('\n')) +
+           fx_SidecarLines(recording.sidecar().sidecar);
 }
 
 QString fx_FrameLines(CxRecordingReader const& recording)
@@ -152,6 +173,23 @@ QJsonObject fx_KindJson(QString const& fileName, SxStreamKind const& kind)
             {QStringLiteral("height"), fx_OrNull(kind.height != 0, kind.height)}};
 }
 
+QJsonValue fx_SidecarJson(std::optional<SxSidecar> const& sidecar)
+{
+    if (!sidecar)
+        return QJsonValue();
+    return QJsonObject{
+        {QStringLiteral("rate"), fx_OrNull(sidecar->rate.isKnown(), sidecar->rate.exact())},
+        {QStringLiteral("rateIsAverage"), sidecar->rate.isAverage},
+        {QStringLiteral("rotation"), sidecar->rotation},
+        {QStringLiteral("source"), sidecar->source},
+        {QStringLiteral("options"), sidecar->options},
+        {QStringLiteral("pictures"), sidecar->pictures},
+        {QStringLiteral("skippedCount"), sidecar->skippedCount},
+        {QStringLiteral("skipped"), fx_RangesText(sidecar->skipped, 0)},
+        {QStringLiteral("program"), sidecar->program},
+    };
+}
+
 QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info, bool withFrames)
 {
     QJsonObject json = fx_KindJson(recording.fileName(), info.kind);
@@ -161,8 +199,9 @@ QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info,
         {QStringLiteral("smallestKeyFrameSpacing"),
          fx_OrNull(info.smallestSpacing != 0, info.smallestSpacing)},
         {QStringLiteral("largestKeyFrameSpacing"), fx_OrNull(info.largestSpacing != 0, info.largestSpacing)},
-        {QStringLiteral("fps"), recording.assumedFps()},
-        {QStringLiteral("fpsIsAssumed"), true},
+        {QStringLiteral("fps"), recording.fps()},
+        {QStringLiteral("fpsIsAssumed"), !recording.rate().isKnown()},
+        {QStringLiteral("sidecar"), fx_SidecarJson(recording.sidecar().sidecar)},
         {QStringLiteral("seconds"), info.seconds},
         {QStringLiteral("bytes"), recording.fileBytes()},
         {QStringLiteral("meanBitRate"), info.meanBitRate},

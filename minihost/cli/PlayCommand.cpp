@@ -61,5 +61,7 @@ int fx_RunOnRecording(SxPlayArguments const& arguments,
     CxRecordingReader recording; // its objects go before the plug-in finishes
     if (!recording.open(arguments.file(), error))
         return fx_Failed(error, fx_RefusalCode(arguments.file()));
+    if (!recording.sidecar().warning.isEmpty())
+        Console::warning(recording.sidecar().warning);
     return work(recording);
 }

@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include "ExitCode.h"
+#include "PictureRate.h"
 #include "VanishedPictures.h"
 
 /// Frames that cannot be decoded, one behind the other, for one cause.
@@ -25,7 +26,7 @@ struct SxFindings
 
     int frames = 0;
     qint64 fileBytes = 0;
-    double fps = 0;         ///< as the loader assumes
+    SxPictureRate rate;     ///< unknown when no sidecar tells it
     QVector<int> keyFrames; ///< ascending
     int decoded = 0;        ///< frames
     int failed = 0;

@@ -77,7 +77,7 @@ void fx_Introduce(CxRecordingReader const& recording)
     fx_Say(QStringLiteral("recording %1 %2 %3")
                .arg(recording.frameCount())
                .arg(recording.fileBytes())
-               .arg(recording.assumedFps()));
+               .arg(recording.rate().exact()));
     QStringList keys;
     for (int const key : recording.keyFrames())
         keys += QString::number(key);

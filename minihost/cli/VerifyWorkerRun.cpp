@@ -77,7 +77,7 @@ void CxWorkerRun::take(QString const& line)
             return; // the first worker's numbers stand, should the file have changed
         m_findings.frames = values.value(0).toInt();
         m_findings.fileBytes = values.value(1).toLongLong();
-        m_findings.fps = values.value(2).toDouble();
+        m_findings.rate = fx_RateFromText(values.value(2)).value_or(SxPictureRate());
     } else if (word == QLatin1String("keys") && m_findings.keyFrames.isEmpty()) {
         for (QString const& key : rest.split(QLatin1Char(',')))
             m_findings.keyFrames += key.toInt();

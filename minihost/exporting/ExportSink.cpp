@@ -87,7 +87,7 @@ class CxStreamSink : public IxExportSink
 {
 public:
     explicit CxStreamSink(SxExportRequest const& request)
-        : m_stream(request.stream)
+        : m_stream(request.stream, request.rate)
         , m_fileName(request.output == QLatin1String("-") ? QString() : request.output)
         , m_file(m_fileName)
     {}

@@ -181,10 +181,11 @@ std::optional<QByteArray> CxPictureStream::next(SxPicBuf const& picture)
     QByteArray header;
     if (m_format == Format::Y4m) {
         if (!m_hasBegun)
-            header = QStringLiteral("YUV4MPEG2 W%1 H%2 F%3:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
+            header = QStringLiteral("YUV4MPEG2 W%1 H%2 F%3:%4 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
                          .arg(picture.width)
                          .arg(picture.height)
-                         .arg(kPicturesASecond)
+                         .arg(m_rate.numerator)
+                         .arg(m_rate.denominator)
                          .toLatin1();
         header += "FRAME\n";
     }

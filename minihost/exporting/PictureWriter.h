@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "FFmpegHandles.h"
+#include "PictureRate.h"
 #include "SxPicBuf.h"
 
 /// Host pictures as the bytes of picture files. Takes RGB32 pictures (8 bits, blue, green, red and a
@@ -39,7 +40,7 @@ class CxPictureStream
 {
 public:
     enum class Format {
-        Y4m,   ///< YUV4MPEG2, 8-bit 4:2:0, ITU-R BT.601 with video range, kPicturesASecond
+        Y4m,   ///< YUV4MPEG2, 8-bit 4:2:0, ITU-R BT.601 with video range
         Bgra,  ///< rows of blue, green, red, 255; nothing between rows or pictures
         Rgb24, ///< rows of red, green, blue; nothing between rows or pictures
     };
@@ -47,8 +48,10 @@ public:
     static QStringList formatNames(); ///< "y4m", "bgra", "rgb24"
     static std::optional<Format> formatFromName(QString const& name);
 
-    explicit CxPictureStream(Format format)
+    /// \param rate  for the stream's header; kPicturesASecond when unknown.
+    explicit CxPictureStream(Format format, SxPictureRate const& rate = {})
         : m_format(format)
+        , m_rate(rate.isKnown() ? rate : SxPictureRate{kPicturesASecond})
     {}
 
     /// The bytes of the next picture, the stream's header before the first. All must have one size.
@@ -57,6 +60,7 @@ public:
 
 private:
     Format m_format;
+    SxPictureRate m_rate;
     ScalerPtr m_scaler;
     QByteArray m_bytes; ///< of the last picture: fresh memory for each would cost more than filling it
     bool m_hasBegun = false;

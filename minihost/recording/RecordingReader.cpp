@@ -119,6 +119,7 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
     }
 
     m_fileBytes = QFileInfo(fileName).size();
+    m_sidecar = fx_FindSidecar(fileName);
     m_fps = m_loader.as->loadedFps();
     m_accessor->keyFrames(m_keyFrames);
     int const count = m_loader.as->sequenceSize();

@@ -10,6 +10,7 @@
 #include "IxImageDataLoader.h"
 #include "IxVideoAccessor.h"
 #include "PluginHost.h"
+#include "Sidecar.h"
 
 /// Where a coded frame lies in its file.
 struct SxCodedFrame
@@ -45,8 +46,15 @@ public:
     /// Bytes of the file when it was opened; more than the frames' sum when its end belongs to none.
     qint64 fileBytes() const { return m_fileBytes; }
 
-    /// Pictures a second: the loader's assumption, since the stream does not carry a rate.
-    double assumedFps() const { return m_fps; }
+    /// What is known of it beyond the stream, and why no more is.
+    SxFoundSidecar const& sidecar() const { return m_sidecar; }
+
+    /// The sidecar's rate; unknown when none tells it.
+    SxPictureRate rate() const { return m_sidecar.sidecar ? m_sidecar.sidecar->rate : SxPictureRate(); }
+
+    /// Pictures a second: the sidecar's, else the loader's assumption, since the stream does not carry a
+    /// rate.
+    double fps() const { return rate().isKnown() ? rate().perSecond() : m_fps; }
 
     /// Frame \p frame decoded, as RGB32. Null, with \p error the cause as half a sentence ("the decoder
     /// failed with ..."), when that fails.
@@ -70,7 +78,8 @@ private:
     std::vector<SxCodedFrame> m_frames;
     QList<int> m_keyFrames;
     qint64 m_fileBytes = 0;
-    double m_fps = 0;
+    SxFoundSidecar m_sidecar;
+    double m_fps = 0; ///< that the loader assumes
     int m_lastFailed = -1;
     int m_failedInARow = 0; ///< up to that frame, in its group
     QString m_lastCause;

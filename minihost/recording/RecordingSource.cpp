@@ -15,6 +15,12 @@ CxRecordingSource::CxRecordingSource(std::unique_ptr<CxRecordingReader> recordin
     , m_next(first)
 {}
 
+int CxRecordingSource::rotation() const
+{
+    auto const& sidecar = m_recording->sidecar().sidecar;
+    return sidecar ? sidecar->rotation : 0;
+}
+
 IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
 {
     if (!m_isOpen && !m_recording->open(m_fileName, m_error))
@@ -47,7 +53,7 @@ IxPictureSource::Result CxRecordingSource::next(SxPicBuf& picture)
     for (size_t y = 0; y < source.height; ++y)
         std::memcpy(picture.data + y * picture.pitch, source.data + y * source.pitch,
                     std::min(picture.pitch, source.pitch));
-    double const fps = m_recording->assumedFps();
+    double const fps = m_recording->fps();
     picture.timestamp = static_cast<quint64>((m_next - m_first) * (fps > 0.0 ? 1e6 / fps : 0.0));
     ++m_next;
     return Result::Picture;

@@ -25,6 +25,8 @@ public:
     Result next(SxPicBuf& picture) override;
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_last - m_first + 1; }
+    SxPictureRate rate() const override { return m_recording->rate(); }
+    int rotation() const override;
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
     bool isDamaged() const override { return !m_broken.isEmpty(); }

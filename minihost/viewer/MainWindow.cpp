@@ -131,6 +131,7 @@ void CxMainWindow::connectActions()
 void CxMainWindow::connectControls()
 {
     connect(&m_play, &CxPlayControl::opened, this, &CxMainWindow::takeOpened);
+    connect(&m_play, &CxPlayControl::opened, m_status, &CxStatusBar::showNotes);
     connect(&m_play, &CxPlayControl::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_live, &CxLiveControl::begun, this, &CxMainWindow::takeLive);
     connect(&m_live, &CxLiveControl::openFailed, this, &CxMainWindow::takeOpenFailure);

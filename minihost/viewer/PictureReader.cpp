@@ -92,7 +92,8 @@ void CxPictureReader::openFile(std::unique_ptr<CxRecordingReader> recording, QSt
     m_recording = std::move(recording);
     if (!m_recording)
         return;
-    m_info = {fileName, m_recording->frameCount(), m_recording->assumedFps(), m_recording->keyFrames()};
+    m_info = {fileName, m_recording->frameCount(), m_recording->fps(), m_recording->keyFrames(),
+              m_recording->sidecar()};
     emit opened(m_info);
 }
 

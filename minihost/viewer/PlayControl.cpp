@@ -89,6 +89,12 @@ void CxPlayControl::takeOpened(SxOpenedRecording const& info)
     m_isAnyShown = false;
     m_transport.setRecording(info);
     emit opened(info);
+    if (!info.sidecar.warning.isEmpty())
+        m_messages.showMessage(
+            CxMessageBar::Kind::Warning,
+            tr("The notes beside “%1” do not belong to it or are damaged, so its speed is assumed.")
+                .arg(QFileInfo(info.fileName).fileName()),
+            {info.sidecar.warning});
 }
 
 /// Why the plug-in took what lies in the file for no recording.

@@ -13,6 +13,7 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
     , m_zoom(new QLabel(this))
     , m_rate(new QLabel(this))
     , m_broken(new QLabel(this))
+    , m_notes(new QLabel(this))
 {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // its texts may not widen the window
     m_pixel->setObjectName(QStringLiteral("pixel"));
@@ -20,6 +21,7 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
     m_zoom->setObjectName(QStringLiteral("zoom"));
     m_rate->setObjectName(QStringLiteral("rate"));
     m_broken->setObjectName(QStringLiteral("broken"));
+    m_notes->setObjectName(QStringLiteral("notes"));
     m_broken->setToolTip(tr("Pictures found broken so far; the timeline marks them red"));
     m_pixel->setToolTip(tr("Place and value of the pixel under the mouse"));
     m_format->setToolTip(tr("Size of the picture"));
@@ -27,7 +29,7 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
     m_rate->setToolTip(tr("Pictures really shown each second"));
     m_pixel->setMinimumWidth(1); // gives way to the texts beside it
     addWidget(m_pixel, 1);
-    for (QLabel* const label : {m_broken, m_rate, m_format, m_zoom})
+    for (QLabel* const label : {m_broken, m_rate, m_notes, m_format, m_zoom})
         addPermanentWidget(label);
 
     connect(&view, &CxPictureView::pixelPointed, this, &CxStatusBar::showPixel);
@@ -37,7 +39,7 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
 
 void CxStatusBar::clearTexts()
 {
-    for (QLabel* const label : {m_pixel, m_format, m_zoom, m_rate, m_broken})
+    for (QLabel* const label : {m_pixel, m_format, m_zoom, m_rate, m_broken, m_notes})
         label->clear();
 }
 
@@ -51,6 +53,23 @@ void CxStatusBar::showRate(double picturesPerSecond)
 void CxStatusBar::showBroken(int pictures)
 {
     m_broken->setText(tr("%n broken picture(s)", nullptr, pictures));
+}
+
+void CxStatusBar::showNotes(SxOpenedRecording const& recording)
+{
+    std::optional<SxSidecar> const& sidecar = recording.sidecar.sidecar;
+    bool const isNoted = sidecar && sidecar->rate.isKnown();
+    QStringList notes{(isNoted ? tr("%1 a second") : tr("%1 a second (assumed)"))
+                          .arg(locale().toString(recording.fps, 'g', 5))};
+    if (sidecar && sidecar->rotation != 0)
+        notes.append(tr("turn by %1°").arg(sidecar->rotation));
+    if (sidecar && sidecar->skippedCount > 0)
+        notes.append(tr("%1 skipped").arg(sidecar->skippedCount));
+    m_notes->setText(notes.join(QStringLiteral(", ")));
+    m_notes->setToolTip(
+        sidecar ? tr("At which rate the pictures were taken, how they are to be turned, and how many of them "
+                     "the encoder skipped, as noted when they were recorded")
+                : tr("At which rate the pictures are shown; nothing tells at which they were taken"));
 }
 
 void CxStatusBar::showPixel(QPoint const& position)

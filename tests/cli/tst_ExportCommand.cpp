@@ -10,6 +10,7 @@
 #include "PictureFormat.h"
 #include "support/ConversionOracle.h"
 #include "support/FFmpegDecoder.h"
+#include "support/NotedCopy.h"
 #include "support/PictureFiles.h"
 #include "support/RecordedCamera.h"
 
@@ -37,6 +38,7 @@ private slots:
     void streamToAFileIsThatOfThePipe_data();
     void streamToAFileIsThatOfThePipe();
     void y4mStreamIsReadByOthers();
+    void timesAreThoseOfTheNotedRate();
     void closedPipeEndsQuietly_data();
     void closedPipeEndsQuietly();
     void fullOutputIsAnError();
@@ -277,6 +279,25 @@ void tst_ExportCommand::streamToAFileIsThatOfThePipe()
     SxMinihostRun const replaced = run(asked + QStringList{"-o", file, "--overwrite", "--json"});
     QCOMPARE(replaced.exitCode, 0);
     QCOMPARE(replaced.json()["exported"].toArray().size(), 3);
+}
+
+void tst_ExportCommand::timesAreThoseOfTheNotedRate()
+{
+    SxSidecar sidecar = fx_ExampleSidecar();
+    sidecar.rate = {30000, 1001};
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("noted.h264"), sidecar));
+    SxMinihostRun const piped = run({"export", "noted.h264", "--frames", "0", "-o", "-"});
+    QVERIFY2(piped.out.startsWith("YUV4MPEG2 W320 H240 F30000:1001 "), piped.out.left(80));
+
+    QStringList const options{"--frames", "15", "--hash", "md5", "--json"};
+    QJsonObject const noted = run(QStringList{"export", "noted.h264"} + options).json();
+    QCOMPARE(noted.value("fps").toDouble(), 30000.0 / 1001);
+    QCOMPARE(noted.value("fpsIsAssumed").toBool(true), false);
+    QCOMPARE(noted.value("exported").toArray()[0].toObject().value("seconds").toDouble(),
+             15 * 1001.0 / 30000);
+    QJsonObject const assumed = run(QStringList{"export", m_recording} + options).json();
+    QCOMPARE(assumed.value("fpsIsAssumed").toBool(), true);
+    QCOMPARE(assumed.value("exported").toArray()[0].toObject().value("seconds").toDouble(), 0.5);
 }
 
 void tst_ExportCommand::y4mStreamIsReadByOthers()

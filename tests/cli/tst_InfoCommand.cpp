@@ -1,6 +1,7 @@
 #include <QJsonArray>
 #include <QtTest>
 
+#include "support/NotedCopy.h"
 #include "support/RecordedCamera.h"
 
 /// The info command as its user meets it: the built program, real recordings.
@@ -13,6 +14,8 @@ private slots:
     void init() { makeFolder(); }
 
     void infoTellsWhatIsThere();
+    void infoTellsWhatTheSidecarNotes();
+    void sidecarOfAnotherRecordingIsIgnoredWithAWarning();
     void infoListsTheFrames();
     void oneFrameHasNoKeyFrameSpacing();
     void infoWarnsOfUndecodableFrame();
@@ -45,6 +48,42 @@ void tst_InfoCommand::infoTellsWhatIsThere()
     QCOMPARE(json.value("bytes").toInt(), m_bytes.size());
     QCOMPARE(json.value("meanBitRate").toDouble(), static_cast<double>(m_bytes.size()) * 8.0);
     QVERIFY(!json.contains("frameList"));
+}
+
+void tst_InfoCommand::infoTellsWhatTheSidecarNotes()
+{
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("noted.h264")));
+    SxMinihostRun const text = run({"info", "noted.h264"});
+    QCOMPARE(text.exitCode, 0);
+    QCOMPARE(text.err, QByteArray());
+    for (char const* part :
+         {"  plays 1.2 s at 25 pictures a second\n", "  recorded from phone.mp4 by minihost 1\n",
+          "  to be turned by 90 degrees clockwise\n", "  4 of the source's 34 pictures skipped: 3-5, 7\n"})
+        QVERIFY2(text.out.contains(part), text.out);
+    QVERIFY2(!text.out.contains("assumed"), text.out);
+
+    QJsonObject const json = run({"info", "--json", "noted.h264"}).json();
+    QCOMPARE(json.value("fps").toDouble(), 25.0);
+    QCOMPARE(json.value("fpsIsAssumed").toBool(true), false);
+    QCOMPARE(json.value("seconds").toDouble(), 1.2);
+    QJsonObject const sidecar = json.value("sidecar").toObject();
+    QCOMPARE(sidecar.value("rate").toString(), QString("25"));
+    QCOMPARE(sidecar.value("rotation").toInt(), 90);
+    QCOMPARE(sidecar.value("skipped").toString(), QString("3-5, 7"));
+    QCOMPARE(sidecar.value("options").toObject(), fx_ExampleSidecar().options);
+}
+
+void tst_InfoCommand::sidecarOfAnotherRecordingIsIgnoredWithAWarning()
+{
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("noted.h264")));
+    QVERIFY(fx_WriteFile(path("noted.h264"), m_bytes + m_bytes));
+    SxMinihostRun const text = run({"info", "noted.h264"});
+    QCOMPARE(text.exitCode, 0);
+    QCOMPARE(text.err, QByteArray("warning: noted.h264.json is ignored: it describes another recording.\n"));
+    QVERIFY2(text.out.contains("at 30 pictures a second (assumed)\n"), text.out);
+    QJsonObject const json = run({"info", "--json", "noted.h264"}).json();
+    QVERIFY(json.value("sidecar").isNull());
+    QVERIFY(json.value("fpsIsAssumed").toBool());
 }
 
 void tst_InfoCommand::infoListsTheFrames()

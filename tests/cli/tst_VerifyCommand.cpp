@@ -4,6 +4,7 @@
 #include <QtTest>
 #include <csignal>
 
+#include "support/NotedCopy.h"
 #include "support/RecordedCamera.h"
 
 /// The verify command as its user meets it: the built program, sound and damaged recordings.
@@ -16,6 +17,7 @@ private slots:
     void init() { makeFolder(); }
 
     void verifyPassesSoundRecording();
+    void verifyTellsTheLengthAtTheNotedRate();
     void verifyFindsCutOffFrame();
     void verifyFindsDamagedFrame();
     void verifyFindsBytesOfNoFrame();
@@ -74,6 +76,14 @@ QByteArray tst_VerifyCommand::damagedAt(QVector<int> const& frames) const
             damaged[i] = static_cast<char>(0x10 + i * 37 % 0x60);
     }
     return damaged;
+}
+
+void tst_VerifyCommand::verifyTellsTheLengthAtTheNotedRate()
+{
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("noted.h264")));
+    SxMinihostRun const verified = run({"verify", "noted.h264"});
+    QCOMPARE(verified.err,
+             QByteArray("noted.h264: all 30 frames decode, plays 1.2 s at 25 pictures a second.\n"));
 }
 
 void tst_VerifyCommand::verifyPassesSoundRecording()

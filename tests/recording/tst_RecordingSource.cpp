@@ -3,6 +3,7 @@
 #include "PictureFormat.h"
 #include "RecordingSource.h"
 #include "support/FakeLoader.h"
+#include "support/NotedCopy.h"
 #include "support/ViewerFixture.h"
 
 class tst_RecordingSource : public QObject
@@ -13,6 +14,7 @@ private slots:
     void initTestCase();
 
     void givesPartOfRecording();
+    void givesOnWhatTheSidecarNotes();
     void endsAtBrokenPicture();
     void leavesOutBrokenPictures();
     void recordingThatIsNotThereIsTold();
@@ -44,6 +46,19 @@ void tst_RecordingSource::givesPartOfRecording()
         QCOMPARE(pixels.timestamp, static_cast<quint64>((number - 7) * 1e6 / 30.0));
     }
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::End);
+}
+
+void tst_RecordingSource::givesOnWhatTheSidecarNotes()
+{
+    QString const copy = m_fixture->path(QStringLiteral("noted.h264"));
+    QVERIFY(fx_CopyWithSidecar(m_recording, copy));
+    CxRecordingSource source(std::make_unique<CxRecordingReader>(), copy, 7, 9);
+    CxOwnedPicture picture;
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
+    QCOMPARE(source.rate().text(), QString("25"));
+    QCOMPARE(source.rotation(), 90);
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Picture);
+    QCOMPARE(picture.get().timestamp, quint64{40000});
 }
 
 void tst_RecordingSource::endsAtBrokenPicture()

@@ -8,7 +8,9 @@
 #include <QTest>
 #include <QToolButton>
 
+#include "support/FileBytes.h"
 #include "support/Mouse.h"
+#include "support/NotedCopy.h"
 #include "support/ViewerWindow.h"
 
 /// Steps from the middle on until a picture is broken; its number, or -1 when none is.
@@ -45,6 +47,8 @@ private slots:
     void saysWhyFileDoesNotOpen_data();
     void saysWhyFileDoesNotOpen();
     void failedOpenKeepsWhatWasOpen();
+    void timesAreThoseOfTheNotedRate();
+    void sidecarOfAnotherRecordingIsToldOf();
     void damagedPictureIsNamedAndNotShown();
     void playsPastDamagedPictures();
     void messageOfAnotherKindStays();
@@ -245,6 +249,30 @@ void tst_PlayControl::saysWhyFileDoesNotOpen()
     QTest::mouseClick(viewer.child<QToolButton>("messageClose"), Qt::LeftButton);
     QVERIFY(!viewer.bar->isVisible());
     QVERIFY(viewer.open(m_recording)); // nothing is left of it
+}
+
+void tst_PlayControl::timesAreThoseOfTheNotedRate()
+{
+    QString const noted = m_fixture->path(QStringLiteral("noted.h264"));
+    QVERIFY(fx_CopyWithSidecar(m_recording, noted));
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(noted));
+    QVERIFY(viewer.bar->text().isEmpty());
+    viewer.window.player().seek(5);
+    QTRY_COMPARE(viewer.text("time"), QStringLiteral("0:00:00.200")); // at 25 pictures a second
+}
+
+void tst_PlayControl::sidecarOfAnotherRecordingIsToldOf()
+{
+    QString const noted = m_fixture->path(QStringLiteral("other.h264"));
+    QVERIFY(fx_CopyWithSidecar(m_recording, noted));
+    QVERIFY(fx_WriteFile(noted, fx_FileBytes(m_recording).repeated(2)));
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(noted));
+    QVERIFY2(viewer.bar->text().contains(QStringLiteral("its speed is assumed")),
+             qPrintable(viewer.bar->text()));
+    viewer.window.player().seek(6);
+    QTRY_COMPARE(viewer.text("time"), QStringLiteral("0:00:00.200")); // at 30 pictures a second
 }
 
 void tst_PlayControl::failedOpenKeepsWhatWasOpen()

@@ -9,6 +9,8 @@
 
 #include "CodecOptions.h"
 #include "RecordBar.h"
+#include "support/FileBytes.h"
+#include "support/NotedCopy.h"
 #include "support/RecordDialogUser.h"
 #include "support/ViewerWindow.h"
 
@@ -32,6 +34,8 @@ private slots:
     void cleanup();
 
     void savesPartOfRecording();
+    void notesTheRateOfALiveSource();
+    void carriesTheNotesOfARecordingOver();
     void leavesOutBrokenPictures();
     void endsAtBrokenPictureWhenAsked();
     void warnsOfSkippedPictures();
@@ -100,6 +104,41 @@ void tst_RecordControl::savesPartOfRecording()
         QVERIFY(same < difference(saved, CxViewerFixture::decoded(m_recording, number + 6)));
         QVERIFY(same < difference(saved, CxViewerFixture::decoded(m_recording, number + 8)));
     }
+}
+
+void tst_RecordControl::notesTheRateOfALiveSource()
+{
+    QString const source = m_fixture->path(QStringLiteral("source.y4m"));
+    QByteArray const picture = "FRAME\n" + QByteArray(64 * 48 * 3 / 2, char(128));
+    QVERIFY(fx_WriteFile(source, "YUV4MPEG2 W64 H48 F50:1\n" + picture.repeated(40)));
+    m_viewer->window.openNamed(source);
+    QTRY_VERIFY(!m_viewer->view->picture().image.isNull());
+    SxRecordChoice choice;
+    choice.request.outputFile = m_fixture->path(QStringLiteral("live.h264"));
+    m_viewer->window.startRecording(choice);
+    QTRY_VERIFY(!m_viewer->bar->text().isEmpty());
+    SxFoundSidecar const found = fx_FindSidecar(choice.request.outputFile);
+    QVERIFY2(found.sidecar, qPrintable(found.warning));
+    QCOMPARE(found.sidecar->rate.text(), QString("50"));
+    QCOMPARE(found.sidecar->source, QString("source.y4m"));
+}
+
+void tst_RecordControl::carriesTheNotesOfARecordingOver()
+{
+    QString const noted = m_fixture->path(QStringLiteral("noted.h264"));
+    QVERIFY(fx_CopyWithSidecar(m_recording, noted));
+    QVERIFY(m_viewer->open(noted));
+    SxRecordChoice choice;
+    choice.request.outputFile = m_fixture->path(QStringLiteral("of.h264"));
+    choice.first = 3;
+    choice.last = 5;
+    m_viewer->window.startRecording(choice);
+    QTRY_VERIFY(m_viewer->bar->text().contains(QStringLiteral("saved")));
+    SxFoundSidecar const found = fx_FindSidecar(choice.request.outputFile);
+    QVERIFY2(found.sidecar, qPrintable(found.warning));
+    QCOMPARE(found.sidecar->rate.text(), QString("25"));
+    QCOMPARE(found.sidecar->rotation, 90);
+    QCOMPARE(found.sidecar->source, noted + QString(", pictures 3-5"));
 }
 
 void tst_RecordControl::leavesOutBrokenPictures()

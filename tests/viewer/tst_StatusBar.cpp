@@ -3,6 +3,7 @@
 #include <QTest>
 
 #include "support/Mouse.h"
+#include "support/NotedCopy.h"
 #include "support/ViewerWindow.h"
 
 class tst_StatusBar : public QObject
@@ -15,6 +16,7 @@ private slots:
 
     void showsPixelUnderMouse();
     void showsAllBitsOfGreyWords();
+    void showsWhatTheSidecarNotes();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -74,6 +76,19 @@ void tst_StatusBar::showsAllBitsOfGreyWords()
     QTRY_COMPARE(viewer.text("pixel"),
                  QStringLiteral("(%1, %2): grey %3").arg(pixel.x()).arg(pixel.y()).arg(sample));
     QCOMPARE(qGray(viewer.view->picture().image.pixel(pixel)), sample >> 4);
+}
+
+void tst_StatusBar::showsWhatTheSidecarNotes()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    QCOMPARE(viewer.text("notes"), QStringLiteral("30 a second (assumed)"));
+    QString const noted = m_fixture->path(QStringLiteral("noted.h264"));
+    QVERIFY(fx_CopyWithSidecar(m_recording, noted));
+    QVERIFY(viewer.open(noted));
+    QCOMPARE(viewer.text("notes"), QStringLiteral("25 a second, turn by 90°, 4 skipped"));
+    viewer.openCamera();
+    QTRY_VERIFY(viewer.text("notes").isEmpty());
 }
 
 QTEST_MAIN(tst_StatusBar)
