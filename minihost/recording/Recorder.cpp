@@ -44,6 +44,7 @@ private:
     bool openOutput();
     bool tryEncoder();
     bool nextPicture();
+    bool isMemoryToBlame();
     bool saveOne();
     bool passOn();
     void finish();
@@ -126,6 +127,16 @@ QString CxRecording::outputError(QStringList const& messages, QString const& cau
     return QStringLiteral("%1: %2").arg(m_request.outputFile, what);
 }
 
+/// Decoders take missing memory for damage in what they read.
+bool CxRecording::isMemoryToBlame()
+{
+    if (!m_source.isDamaged() || !fx_IsMemoryShort(kMemoryToRead))
+        return false;
+    m_source.takeWarnings(); // they blame the source
+    fail(QStringLiteral("There is not enough memory to read pictures."));
+    return true;
+}
+
 /// Fetches the next picture; false at the end, when stopped and on errors.
 bool CxRecording::nextPicture()
 {
@@ -133,7 +144,10 @@ bool CxRecording::nextPicture()
         noteEnd();
         return false;
     }
-    switch (m_source.next(m_picture.get())) {
+    IxPictureSource::Result const result = m_source.next(m_picture.get());
+    if (isMemoryToBlame())
+        return false;
+    switch (result) {
     case IxPictureSource::Result::Picture:
         break;
     case IxPictureSource::Result::End:
