@@ -1,0 +1,72 @@
+#include "CodedUnits.h"
+
+static constexpr int kPrefix = 3; // 00 00 01
+
+/// Where the next 00 00 01 begins; the end of the bytes when there is none.
+static int fx_NextPrefix(QByteArray const& bytes, int from)
+{
+    auto const found = bytes.indexOf(QByteArray::fromRawData("\0\0\1", kPrefix), from);
+    return static_cast<int>(found < 0 ? bytes.size() : found);
+}
+
+QVector<SxCodedUnit> fx_UnitsOf(QByteArray const& frame)
+{
+    QVector<SxCodedUnit> units;
+    int const size = static_cast<int>(frame.size());
+    int prefix = fx_NextPrefix(frame, 0);
+    while (prefix < size) {
+        int const next = fx_NextPrefix(frame, prefix + kPrefix);
+        auto const beginOf = [&frame](int at) { return at > 0 && frame[at - 1] == 0 ? at - 1 : at; };
+        SxCodedUnit unit;
+        unit.begin = beginOf(prefix);
+        unit.end = next < size ? beginOf(next) : size;
+        int last = next;
+        while (last > prefix + kPrefix && frame[last - 1] == 0)
+            --last;
+        unit.bytes = frame.mid(prefix + kPrefix, last - prefix - kPrefix);
+        units.append(unit);
+        prefix = next;
+    }
+    return units;
+}
+
+QByteArray fx_WithStartCode(QByteArray const& unit) { return QByteArray("\0\0\0\1", 4) + unit; }
+
+QByteArray fx_PayloadBits(QByteArray const& unit)
+{
+    QByteArray bits;
+    int zeros = 0;
+    for (int i = 1; i < unit.size(); ++i) {
+        int const byte = static_cast<uchar>(unit[i]);
+        if (zeros >= 2 && byte == 3) {
+            zeros = 0;
+            continue;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        for (int bit = 7; bit >= 0; --bit)
+            bits.append(static_cast<char>(byte >> bit & 1));
+    }
+    bits.truncate(static_cast<int>(bits.lastIndexOf('\1')));
+    return bits;
+}
+
+QByteArray fx_UnitOf(char header, QByteArray const& bits)
+{
+    QByteArray all = bits + '\1';
+    while (all.size() % 8 != 0)
+        all.append('\0');
+    QByteArray unit(1, header);
+    int zeros = 0;
+    for (int i = 0; i < all.size(); i += 8) {
+        int byte = 0;
+        for (int bit = 0; bit < 8; ++bit)
+            byte = byte << 1 | all[i + bit];
+        if (zeros >= 2 && byte <= 3) {
+            unit.append('\3');
+            zeros = 0;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        unit.append(static_cast<char>(byte));
+    }
+    return unit;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QVector>
+
+/// One unit of a frame with start codes (ITU-T H.264, 7.3.1 and annex B).
+struct SxCodedUnit
+{
+    static constexpr int kSlice = 1; // nal_unit_type
+    static constexpr int kIdrSlice = 5;
+    static constexpr int kSps = 7;
+    static constexpr int kPps = 8;
+
+    int begin = 0; ///< bytes from the start of the frame, of its start code
+    int end = 0;   ///< where the next begins
+    QByteArray bytes; ///< from its header byte on, without zeros behind it
+
+    int type() const { return bytes.isEmpty() ? 0 : bytes[0] & 0x1F; }
+    bool isSlice() const { return type() >= kSlice && type() <= kIdrSlice; }
+};
+
+/// The units of a frame, in order. They lie back to back; what comes before the first belongs to none.
+QVector<SxCodedUnit> fx_UnitsOf(QByteArray const& frame);
+
+/// A unit with the longer of the two start codes before it, which sets of parameters need.
+QByteArray fx_WithStartCode(QByteArray const& unit);
+
+/// The bits of a unit's payload, one a byte, without what keeps start codes out of it (7.4.1) and without the
+/// stop bit and what follows (7.3.2.11).
+QByteArray fx_PayloadBits(QByteArray const& unit);
+
+/// The unit of that header byte and those bits.
+QByteArray fx_UnitOf(char header, QByteArray const& bits);
