@@ -50,6 +50,14 @@ bool CxOutputFile::write(QByteArray const& bytes, QString& error)
     return isWritten;
 }
 
+QString CxOutputFile::nameForWriters(QString& error)
+{
+    if (m_file || open())
+        return QStringLiteral("/proc/self/fd/%1").arg(m_file->handle());
+    error = complaint();
+    return QString();
+}
+
 bool CxOutputFile::finish(QString& error)
 {
     auto* const file = qobject_cast<QSaveFile*>(m_file.get());

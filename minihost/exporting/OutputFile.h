@@ -29,6 +29,10 @@ public:
     bool write(QByteArray const& bytes, QString& error); ///< opens it, too
     bool finish(QString& error);
 
+    /// A name under which a library writes into the file by itself, opened and closed as often as it likes
+    /// before finish(); empty, with \p error as above, when the file cannot be opened.
+    QString nameForWriters(QString& error);
+
 private:
     bool open();
     QString complaint() const;

@@ -1,0 +1,212 @@
+#include "Remuxer.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <memory>
+
+#include "ContainerWriter.h"
+#include "H264Syntax.h"
+#include "ParameterSets.h"
+#include "RecordingReader.h"
+
+namespace {
+
+/// One recording on its way from its first frame to the whole output.
+class CxRemuxing
+{
+public:
+    CxRemuxing(CxRecordingReader& recording, SxRemuxRequest const& request, SxRemuxSummary& summary)
+        : m_recording(recording)
+        , m_request(request)
+        , m_summary(summary)
+        , m_sets(request.description)
+        , m_raw(request.output)
+    {}
+
+    void run(std::function<void(SxRemuxSummary const&)> const& progress);
+
+private:
+    bool chooseFrames();
+    bool isKey(int frame) const { return m_recording.frames()[static_cast<size_t>(frame)].isKey; }
+    bool isEndCutOff();
+    bool gatherSets();
+    bool read(int frame, QByteArray& bytes);
+    bool begin();
+    bool add(int frame);
+    bool finish();
+    bool fail(QString const& sentence, RemuxFailure failure);
+    bool isStopped() const { return m_request.stop && m_request.stop->load(); }
+    bool isWritten(bool result, QString const& error);
+
+    CxRecordingReader& m_recording;
+    SxRemuxRequest const& m_request;
+    SxRemuxSummary& m_summary;
+    CxParameterSets m_sets;
+    std::unique_ptr<CxContainerWriter> m_container; ///< null for a raw stream
+    CxOutputFile m_raw;
+};
+
+bool CxRemuxing::fail(QString const& sentence, RemuxFailure failure)
+{
+    m_summary.error = sentence;
+    m_summary.failure = failure;
+    return false;
+}
+
+/// What a writer returned; its silence is an interruption.
+bool CxRemuxing::isWritten(bool result, QString const& error)
+{
+    if (result)
+        return true;
+    return error.isEmpty() ? fail(QStringLiteral("%1: interrupted after %2 of %3 pictures; nothing was written.")
+                                      .arg(m_request.output)
+                                      .arg(m_summary.pictures)
+                                      .arg(m_summary.last - m_summary.first + 1),
+                                  RemuxFailure::Interrupted)
+                           : fail(error, RemuxFailure::Output);
+}
+
+/// A recording that was killed mostly ends within a picture.
+bool CxRemuxing::isEndCutOff()
+{
+    int const last = m_recording.frameCount() - 1;
+    if (m_summary.last != last)
+        return false;
+    // Behind another that does not decode it would fail even if it is whole.
+    QString cause;
+    bool const isAlone = isKey(last) || m_recording.picture(last - 1, cause);
+    return isAlone && !m_recording.picture(last, cause);
+}
+
+/// Where decoding begins and what there is to decode.
+bool CxRemuxing::chooseFrames()
+{
+    QList<int> const& keys = m_recording.keyFrames();
+    auto const behind = std::upper_bound(keys.begin(), keys.end(), m_request.first);
+    if (keys.isEmpty() || (behind == keys.begin() && keys.first() > m_request.last))
+        return fail(QStringLiteral("%1: there is no key frame to begin with; 'minihost verify' says more.")
+                        .arg(m_recording.fileName()),
+                    RemuxFailure::Input);
+    m_summary.first = behind == keys.begin() ? keys.first() : *(behind - 1);
+    m_summary.leftOutAtFront = behind == keys.begin() ? keys.first() - m_request.first : 0;
+    m_summary.last = m_request.last;
+    m_summary.isEndCutOff = isEndCutOff();
+    if (m_summary.isEndCutOff)
+        --m_summary.last;
+    if (m_summary.last < m_summary.first)
+        return fail(QStringLiteral("%1: its only picture is cut off.").arg(m_recording.fileName()),
+                    RemuxFailure::Input);
+    return true;
+}
+
+bool CxRemuxing::read(int frame, QByteArray& bytes)
+{
+    bytes = m_recording.codedFrame(frame);
+    if (!bytes.isEmpty())
+        return true;
+    return fail(QStringLiteral("%1: frame %2 cannot be read.").arg(m_recording.fileName()).arg(frame),
+                RemuxFailure::Input);
+}
+
+bool CxRemuxing::gatherSets()
+{
+    for (int const key : m_recording.keyFrames()) {
+        if (key < m_summary.first || key > m_summary.last)
+            continue;
+        QByteArray bytes;
+        if (isStopped())
+            return isWritten(false, QString());
+        if (!read(key, bytes))
+            return false;
+        if (m_summary.size.isEmpty()) {
+            for (SxCodedUnit const& unit : fx_UnitsOf(bytes)) {
+                auto const* const data = reinterpret_cast<uchar const*>(unit.bytes.constData());
+                if (auto const sps = unit.type() != SxCodedUnit::kSps
+                                         ? std::nullopt
+                                         : fx_ReadH264Sps(data, static_cast<size_t>(unit.bytes.size())))
+                    m_summary.size = QSize(sps->width, sps->height);
+            }
+        }
+        m_sets.take(bytes);
+    }
+    m_summary.hasSetsInStream = !m_sets.isCommon();
+    if (m_sets.beforeStream().isEmpty() || m_summary.size.isEmpty())
+        return fail(QStringLiteral("%1: its parameter sets are damaged; 'minihost verify' says more.")
+                        .arg(m_recording.fileName()),
+                    RemuxFailure::Input);
+    return true;
+}
+
+bool CxRemuxing::begin()
+{
+    std::optional<ContainerKind> const kind = fx_ContainerKindOf(m_request.output);
+    if (!kind)
+        return true;
+    m_container = std::make_unique<CxContainerWriter>(m_request.output, m_request.stop);
+    SxTrack const track{*kind, m_summary.size, m_sets.beforeStream(), m_summary.hasSetsInStream,
+                        m_request.description};
+    QString error;
+    bool const result = m_container->begin(track, error);
+    return isWritten(result, error);
+}
+
+bool CxRemuxing::add(int frame)
+{
+    QByteArray bytes;
+    if (!read(frame, bytes))
+        return false;
+    int slices = 0;
+    bool hasIdr = false;
+    for (SxCodedUnit const& unit : fx_UnitsOf(bytes)) {
+        slices += unit.isSlice() ? 1 : 0;
+        hasIdr = hasIdr || unit.type() == SxCodedUnit::kIdrSlice;
+    }
+    if (slices != 1 || hasIdr != isKey(frame))
+        m_summary.damaged.append(frame);
+    QByteArray const picture = m_sets.described(bytes, !m_container || m_summary.hasSetsInStream);
+    QString error;
+    bool const result = m_container ? m_container->add(picture, hasIdr, error) : m_raw.write(picture, error);
+    if (!isWritten(result, error))
+        return false;
+    ++m_summary.pictures;
+    m_summary.keyFrames += hasIdr ? 1 : 0;
+    m_summary.bytes += picture.size();
+    return true;
+}
+
+bool CxRemuxing::finish()
+{
+    QString error;
+    bool const result = m_container ? m_container->finish(error) : m_raw.finish(error);
+    if (!isWritten(result, error))
+        return false;
+    m_summary.bytes = QFileInfo(m_request.output).size();
+    return true;
+}
+
+void CxRemuxing::run(std::function<void(SxRemuxSummary const&)> const& progress)
+{
+    if (!chooseFrames() || !gatherSets() || !begin())
+        return;
+    for (int frame = m_summary.first; frame <= m_summary.last; ++frame) {
+        if (isStopped()) {
+            isWritten(false, QString());
+            return;
+        }
+        if (!add(frame))
+            return;
+        if (progress)
+            progress(m_summary);
+    }
+    finish();
+}
+
+} // namespace
+
+SxRemuxSummary fx_Remux(CxRecordingReader& recording, SxRemuxRequest const& request,
+                        std::function<void(SxRemuxSummary const&)> const& progress)
+{
+    SxRemuxSummary summary;
+    CxRemuxing(recording, request, summary).run(progress);
+    return summary;
+}
