@@ -6,6 +6,7 @@
 int fx_RunRecord(QStringList const& arguments);
 int fx_RunInfo(QStringList const& arguments);
 int fx_RunExport(QStringList const& arguments);
+int fx_RunRemux(QStringList const& arguments);
 int fx_RunVerify(QStringList const& arguments);
 int fx_RunPlugins(QStringList const& arguments);
 

@@ -23,6 +23,7 @@ static constexpr SxCommand kCommands[] = {
     {"record", "pictures into a raw H.264 file", fx_RunRecord},
     {"info", "what a recording holds: size, frames, duration, bit rate", fx_RunInfo},
     {"export", "frames of a recording as pictures, a contact sheet, a stream, hashes", fx_RunExport},
+    {"remux", "a recording as MP4, MOV or Matroska for other programs, nothing coded again", fx_RunRemux},
     {"view", "a window to watch, play and record in", fx_RunView},
     {"verify", "decode recordings and report what cannot be decoded", fx_RunVerify},
     {"plugins", "which plug-ins are found, and what they provide", fx_RunPlugins},

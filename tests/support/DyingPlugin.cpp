@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <csignal>
 #include <unistd.h>
+#include <utility>
 
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
@@ -40,7 +41,8 @@ void fx_Crash()
 } // namespace
 
 /// "Opens" a file that says in words what is to happen: "frames 20", "crash 7", "hang 9", "fail 3", "crash
-/// open". With "chain" a frame does to those behind it what it does itself, up to the next key frame.
+/// open", "raise 2" for a signal with the first picture. With "chain" a frame does to those behind it what it
+/// does itself, up to the next key frame.
 class CxDyingLoader : public QObject, public IxImageDataLoader, public IxVideoAccessor
 {
     Q_OBJECT
@@ -64,6 +66,8 @@ public:
                 m_crashes.append(words[i + 1].toInt());
             else if (words[i] == "hang")
                 m_hangs.append(words[i + 1].toInt());
+            else if (words[i] == "raise")
+                m_signal = words[i + 1].toInt();
             else if (words[i] == "fail")
                 m_failures.append(words[i + 1].toInt());
         }
@@ -72,6 +76,8 @@ public:
     int sequenceSize() override { return m_count; }
     IxChainData* loadedData(int index) override
     {
+        if (m_signal != 0)
+            std::raise(std::exchange(m_signal, 0));
         for (int frame = m_chains ? index / kGroup * kGroup : index; frame <= index; ++frame) {
             if (m_crashes.contains(frame))
                 fx_Crash();
@@ -109,6 +115,7 @@ public:
 private:
     QString m_fileName;
     int m_count = 0;
+    int m_signal = 0;
     bool m_chains = false;
     QList<int> m_crashes;
     QList<int> m_hangs;

@@ -1,0 +1,98 @@
+#include "RemuxArguments.h"
+
+#include <QFileInfo>
+
+#include "ContainerWriter.h"
+#include "PictureRate.h"
+
+extern "C" {
+#include <libavutil/parseutils.h>
+}
+
+namespace {
+
+constexpr double kSlowest = 0.01; // pictures a second
+constexpr double kFastest = 1000;
+
+QVector<SxOption> fx_Options()
+{
+    QVector<SxOption> const own{
+        {"fps", 0, "N",
+         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (%1)").arg(kPicturesASecond)},
+        {"frames", 0, "A-B",
+         QStringLiteral("only these, counted from 0; 100- goes to the end. Begins at the key\n"
+                        "frame at or before A, since nothing is coded again")},
+        {"overwrite", 0, nullptr, QStringLiteral("replace OUT if it exists, once the new one is whole")},
+    };
+    return own + fx_RunOptions(QStringLiteral("what was written as JSON on standard output"));
+}
+
+std::optional<AVRational> fx_RateOf(QString const& text)
+{
+    AVRational rate = {0, 1};
+    bool const isNumber = !text.isEmpty() && text[0].isDigit();
+    if (!isNumber || av_parse_video_rate(&rate, text.toUtf8().constData()) < 0 || av_q2d(rate) < kSlowest ||
+        av_q2d(rate) > kFastest)
+        return std::nullopt;
+    return rate;
+}
+
+QString fx_TakeFiles(SxRemuxArguments& parsed)
+{
+    QStringList& files = parsed.common.files;
+    if (files.size() < 2)
+        return QStringLiteral("'%1' alone is not enough: a recording and an output are needed.").arg(files[0]);
+    if (files.size() > 2)
+        return QStringLiteral("One recording and one output: '%1' is one too many.").arg(files[2]);
+    parsed.output = files.takeLast();
+    QString const suffix = QFileInfo(parsed.output).suffix();
+    bool const isRaw = suffix == QLatin1String("h264") || suffix == QLatin1String("264");
+    if (!isRaw && !fx_ContainerKindOf(parsed.output))
+        return QStringLiteral("'%1' cannot be the output: its name must end in .mp4, .mov, .mkv or .h264.")
+            .arg(parsed.output);
+    return QString();
+}
+
+} // namespace
+
+bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& parsed, QString& error)
+{
+    QCommandLineParser parser;
+    fx_AddOptions(parser, fx_Options());
+    if (!fx_ParseSeveralPlayArguments(parser, arguments, parsed.common, error))
+        return false;
+    if (parsed.common.run.help)
+        return true;
+    QString const fps = QStringLiteral("fps");
+    parsed.rate = fx_RateOf(parser.value(fps));
+    if (parser.isSet(fps) && !parsed.rate)
+        error = QStringLiteral("--fps takes pictures a second, as 25, 12.5 or 30000/1001, not '%1'.")
+                    .arg(parser.value(fps));
+    if (error.isEmpty() && parser.isSet(QStringLiteral("frames")))
+        parsed.frames = CxFrameSelection::parse(parser.value(QStringLiteral("frames")), error);
+    if (error.isEmpty())
+        error = fx_TakeFiles(parsed);
+    parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    return error.isEmpty();
+}
+
+QString fx_RemuxHelp()
+{
+    return QStringLiteral(
+               "Hands a recording on to other programs: the coded pictures unchanged, in a container\n"
+               "with their rate and colours, which a raw stream does not say.\n"
+               "\n"
+               "  minihost remux test.h264 test.mp4                   for players and browsers\n"
+               "  minihost remux --fps 25 test.h264 test.mkv          at the rate of the camera\n"
+               "  minihost remux --frames 100-250 test.h264 part.mov  a part of it\n"
+               "  minihost remux test.h264 described.h264             a raw stream that says it itself\n"
+               "\n"
+               "Usage: minihost remux [options] IN.h264 OUT.mp4|.mov|.mkv|.h264\n"
+               "\n") +
+           fx_OptionsHelp(fx_Options()) +
+           QStringLiteral("\n"
+                          "A recording that is damaged is handed on as far as it goes, and the exit code is 4;\n"
+                          "minihost verify says what is wrong. OUT appears when it is whole.\n") +
+           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed, kNoSuchFrame,
+                             kInterrupted});
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QStringList>
+#include <optional>
+
+#include "FrameSelection.h"
+#include "PlayCommand.h"
+#include "StreamDescription.h"
+
+/// A `remux` command line, checked as far as it can be without opening anything.
+struct SxRemuxArguments
+{
+    SxPlayArguments common; ///< its file is the recording
+    QString output;
+    std::optional<AVRational> rate;         ///< pictures a second, when given
+    std::optional<CxFrameSelection> frames; ///< when given
+    bool overwrite = false;
+};
+
+/// Reads the arguments after "remux". \return false, with \p error one sentence, when they make no sense.
+bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& parsed, QString& error);
+
+QString fx_RemuxHelp();

@@ -1,0 +1,68 @@
+#include "RemuxReport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "Readable.h"
+
+static constexpr int kMostRanges = 8; // of frame numbers in a sentence
+
+QString fx_RemuxText(SxRemuxRequest const& request, SxRemuxSummary const& summary)
+{
+    double const rate = av_q2d(request.description.rate);
+    return QStringList{
+        QStringLiteral("%1: %2 of %3 x %4, frames %5-%6 of the recording, coded as they were")
+            .arg(request.output, fx_Count(summary.pictures, "picture"))
+            .arg(summary.size.width())
+            .arg(summary.size.height())
+            .arg(summary.first)
+            .arg(summary.last),
+        QStringLiteral("  %1, plays %2 s at %3 pictures a second")
+            .arg(fx_ReadableSize(summary.bytes))
+            .arg(summary.pictures / rate, 0, 'f', 1)
+            .arg(rate),
+    }
+        .join(QLatin1Char('\n'));
+}
+
+QStringList fx_RemuxWarnings(QString const& recording, SxRemuxSummary const& summary)
+{
+    QStringList warnings;
+    if (summary.leftOutAtFront > 0)
+        warnings += QStringLiteral("%1: %2 before the first key frame cannot be decoded and were left out.")
+                        .arg(recording, fx_Count(summary.leftOutAtFront, "frame"));
+    if (summary.isEndCutOff)
+        warnings += QStringLiteral("%1: its last picture is cut off and was left out.").arg(recording);
+    if (!summary.damaged.isEmpty())
+        warnings +=
+            QStringLiteral("%1: damaged at frames %2, handed on as they are; 'minihost verify' says more.")
+                .arg(recording, fx_ReadableRanges(summary.damaged, kMostRanges));
+    return warnings;
+}
+
+QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary)
+{
+    QJsonArray damaged;
+    for (int const frame : summary.damaged)
+        damaged.append(frame);
+    AVRational const rate = request.description.rate;
+    QJsonObject const json{
+        {QStringLiteral("file"), recording},
+        {QStringLiteral("output"), request.output},
+        {QStringLiteral("pictures"), summary.pictures},
+        {QStringLiteral("keyFrames"), summary.keyFrames},
+        {QStringLiteral("firstFrame"), summary.first},
+        {QStringLiteral("lastFrame"), summary.last},
+        {QStringLiteral("width"), summary.size.width()},
+        {QStringLiteral("height"), summary.size.height()},
+        {QStringLiteral("fps"), av_q2d(rate)},
+        {QStringLiteral("rate"), QStringLiteral("%1/%2").arg(rate.num).arg(rate.den)},
+        {QStringLiteral("bytes"), summary.bytes},
+        {QStringLiteral("leftOutAtFront"), summary.leftOutAtFront},
+        {QStringLiteral("endCutOff"), summary.isEndCutOff},
+        {QStringLiteral("damagedFrames"), damaged},
+        {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},
+    };
+    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
+}

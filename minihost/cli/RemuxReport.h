@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "Remuxer.h"
+
+/// What was handed on, several lines without a newline at the end.
+QString fx_RemuxText(SxRemuxRequest const& request, SxRemuxSummary const& summary);
+
+/// A sentence for each way in which the recording was not whole.
+QStringList fx_RemuxWarnings(QString const& recording, SxRemuxSummary const& summary);
+
+/// The same for programs, one JSON object.
+QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary);
