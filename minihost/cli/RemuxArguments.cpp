@@ -3,22 +3,13 @@
 #include <QFileInfo>
 
 #include "ContainerWriter.h"
-#include "PictureRate.h"
-
-extern "C" {
-#include <libavutil/parseutils.h>
-}
 
 namespace {
-
-constexpr double kSlowest = 0.01; // pictures a second
-constexpr double kFastest = 1000;
 
 QVector<SxOption> fx_Options()
 {
     QVector<SxOption> const own{
-        {"fps", 0, "N",
-         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (%1)").arg(kPicturesASecond)},
+        {"fps", 0, "N", QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (%1)").arg(kPicturesASecond)},
         {"frames", 0, "A-B",
          QStringLiteral("only these, counted from 0; 100- goes to the end. Begins at the key\n"
                         "frame at or before A, since nothing is coded again")},
@@ -27,21 +18,12 @@ QVector<SxOption> fx_Options()
     return own + fx_RunOptions(QStringLiteral("what was written as JSON on standard output"));
 }
 
-std::optional<AVRational> fx_RateOf(QString const& text)
-{
-    AVRational rate = {0, 1};
-    bool const isNumber = !text.isEmpty() && text[0].isDigit();
-    if (!isNumber || av_parse_video_rate(&rate, text.toUtf8().constData()) < 0 || av_q2d(rate) < kSlowest ||
-        av_q2d(rate) > kFastest)
-        return std::nullopt;
-    return rate;
-}
-
 QString fx_TakeFiles(SxRemuxArguments& parsed)
 {
     QStringList& files = parsed.common.files;
     if (files.size() < 2)
-        return QStringLiteral("'%1' alone is not enough: a recording and an output are needed.").arg(files[0]);
+        return QStringLiteral("'%1' alone is not enough: a recording and an output are needed.")
+            .arg(files[0]);
     if (files.size() > 2)
         return QStringLiteral("One recording and one output: '%1' is one too many.").arg(files[2]);
     parsed.output = files.takeLast();
@@ -64,7 +46,7 @@ bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& pars
     if (parsed.common.run.help)
         return true;
     QString const fps = QStringLiteral("fps");
-    parsed.rate = fx_RateOf(parser.value(fps));
+    parsed.rate = fx_RateFromText(parser.value(fps));
     if (parser.isSet(fps) && !parsed.rate)
         error = QStringLiteral("--fps takes pictures a second, as 25, 12.5 or 30000/1001, not '%1'.")
                     .arg(parser.value(fps));
@@ -90,9 +72,10 @@ QString fx_RemuxHelp()
                "Usage: minihost remux [options] IN.h264 OUT.mp4|.mov|.mkv|.h264\n"
                "\n") +
            fx_OptionsHelp(fx_Options()) +
-           QStringLiteral("\n"
-                          "A recording that is damaged is handed on as far as it goes, and the exit code is 4;\n"
-                          "minihost verify says what is wrong. OUT appears when it is whole.\n") +
-           fx_ExitCodesHelp({kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed, kNoSuchFrame,
-                             kInterrupted});
+           QStringLiteral(
+               "\n"
+               "A recording that is damaged is handed on as far as it goes, and the exit code is 4;\n"
+               "minihost verify says what is wrong. OUT appears when it is whole.\n") +
+           fx_ExitCodesHelp(
+               {kDone, kFailed, kWrongUsage, kBadInput, kOutputFailed, kNoSuchFrame, kInterrupted});
 }

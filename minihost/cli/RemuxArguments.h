@@ -4,15 +4,15 @@
 #include <optional>
 
 #include "FrameSelection.h"
+#include "PictureRate.h"
 #include "PlayCommand.h"
-#include "StreamDescription.h"
 
 /// A `remux` command line, checked as far as it can be without opening anything.
 struct SxRemuxArguments
 {
     SxPlayArguments common; ///< its file is the recording
     QString output;
-    std::optional<AVRational> rate;         ///< pictures a second, when given
+    std::optional<SxPictureRate> rate;      ///< when given
     std::optional<CxFrameSelection> frames; ///< when given
     bool overwrite = false;
 };

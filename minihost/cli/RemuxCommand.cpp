@@ -69,7 +69,8 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
     SxRemuxRequest request;
     request.output = arguments.output;
     request.stop = &fx_CatchInterrupts();
-    request.description.rate = arguments.rate.value_or(request.description.rate);
+    if (arguments.rate)
+        request.description.rate = fx_Rational(*arguments.rate);
     ExitCode code = kDone;
     QString const error = fx_ChooseFrames(recording, arguments, request, code);
     if (!error.isEmpty())

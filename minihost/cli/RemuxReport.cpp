@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "PictureRanges.h"
 #include "Readable.h"
 
 static constexpr int kMostRanges = 8; // of frame numbers in a sentence

@@ -11,8 +11,8 @@ struct SxCodedUnit
     static constexpr int kSps = 7;
     static constexpr int kPps = 8;
 
-    int begin = 0; ///< bytes from the start of the frame, of its start code
-    int end = 0;   ///< where the next begins
+    int begin = 0;    ///< bytes from the start of the frame, of its start code
+    int end = 0;      ///< where the next begins
     QByteArray bytes; ///< from its header byte on, without zeros behind it
 
     int type() const { return bytes.isEmpty() ? 0 : bytes[0] & 0x1F; }

@@ -133,7 +133,8 @@ bool CxContainerWriter::begin(SxTrack const& track, QString& error)
     QByteArray const name = m_file.nameForWriters(error).toUtf8();
     if (name.isEmpty())
         return false;
-    int result = avformat_alloc_output_context2(&m_format, nullptr, fx_MuxerName(track.kind), name.constData());
+    int result =
+        avformat_alloc_output_context2(&m_format, nullptr, fx_MuxerName(track.kind), name.constData());
     if (result < 0)
         return isWritten(result, error);
     m_format->flags |= AVFMT_FLAG_BITEXACT; // one recording gives one file

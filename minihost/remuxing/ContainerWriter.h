@@ -19,17 +19,17 @@ std::optional<ContainerKind> fx_ContainerKindOf(QString const& fileName);
 struct SxTrack
 {
     ContainerKind kind = ContainerKind::Mp4;
-    QSize size;              ///< of the pictures, in pixels
-    QByteArray parameterSets; ///< with start codes
+    QSize size;                   ///< of the pictures, in pixels
+    QByteArray parameterSets;     ///< with start codes
     bool hasSetsInStream = false; ///< and further ones come with the pictures
     SxStreamDescription description;
 };
 
-/// Writes coded pictures into a container, one at a time, each shown as long as the others. The file appears when
-/// it is whole: with its index in front (MP4, MOV) or cues behind (Matroska).
+/// Writes coded pictures into a container, one at a time, each shown as long as the others. The file appears
+/// when it is whole: with its index in front (MP4, MOV) or cues behind (Matroska).
 ///
-/// Every operation returns false with \p error one sentence when it fails, but an empty one when \p stop was set,
-/// which also ends the work on the index.
+/// Every operation returns false with \p error one sentence when it fails, but an empty one when \p stop was
+/// set, which also ends the work on the index.
 class CxContainerWriter
 {
 public:

@@ -2,9 +2,10 @@
 
 namespace {
 
-constexpr int kBeforeSpsId = 24;   // bits: profile_idc, the constraint flags, level_idc (ITU-T H.264, 7.3.2.1.1)
-constexpr int kMostPps = 255;      // in the box that MP4 and Matroska share (ISO/IEC 14496-15, 5.3.3.1)
-constexpr quint32 kIdLimit = 256;  // of picture parameter sets (7.4.2.2)
+constexpr int kBeforeSpsId =
+    24;                       // bits: profile_idc, the constraint flags, level_idc (ITU-T H.264, 7.3.2.1.1)
+constexpr int kMostPps = 255; // in the box that MP4 and Matroska share (ISO/IEC 14496-15, 5.3.3.1)
+constexpr quint32 kIdLimit = 256; // of picture parameter sets (7.4.2.2)
 
 /// An Exp-Golomb number (9.1) at \p at, which moves behind it; nothing when there is none.
 std::optional<quint32> fx_TakeNumber(QByteArray const& bits, int& at)

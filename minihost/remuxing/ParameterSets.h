@@ -25,15 +25,15 @@ public:
 
     bool isEmpty() const { return m_sps.isEmpty(); }
 
-    /// False when they contradict each other, as where a recording was put together of several: then each stays
-    /// with its key frame.
+    /// False when they contradict each other, as where a recording was put together of several: then each
+    /// stays with its key frame.
     bool isCommon() const { return m_isCommon; }
 
     /// With start codes: all of them, or the first key frame's when they are not common.
     QByteArray beforeStream() const;
 
-    /// The frame with its sets described, and left out when \p withSets is false. What is not a set stays byte for
-    /// byte.
+    /// The frame with its sets described, and left out when \p withSets is false. What is not a set stays
+    /// byte for byte.
     QByteArray described(QByteArray const& frame, bool withSets);
 
 private:
@@ -42,8 +42,8 @@ private:
 
     SxStreamDescription m_description;
     QHash<QByteArray, std::optional<QByteArray>> m_described; ///< by the set as it came
-    QByteArray m_first;             ///< the first key frame's sets, with start codes
-    QByteArray m_sps;               ///< with id 0
+    QByteArray m_first;              ///< the first key frame's sets, with start codes
+    QByteArray m_sps;                ///< with id 0
     QMap<quint32, QByteArray> m_pps; ///< by their ids, naming that one
     bool m_isCommon = true;
 };

@@ -58,12 +58,13 @@ bool CxRemuxing::isWritten(bool result, QString const& error)
 {
     if (result)
         return true;
-    return error.isEmpty() ? fail(QStringLiteral("%1: interrupted after %2 of %3 pictures; nothing was written.")
-                                      .arg(m_request.output)
-                                      .arg(m_summary.pictures)
-                                      .arg(m_summary.last - m_summary.first + 1),
-                                  RemuxFailure::Interrupted)
-                           : fail(error, RemuxFailure::Output);
+    return error.isEmpty()
+               ? fail(QStringLiteral("%1: interrupted after %2 of %3 pictures; nothing was written.")
+                          .arg(m_request.output)
+                          .arg(m_summary.pictures)
+                          .arg(m_summary.last - m_summary.first + 1),
+                      RemuxFailure::Interrupted)
+               : fail(error, RemuxFailure::Output);
 }
 
 /// A recording that was killed mostly ends within a picture.

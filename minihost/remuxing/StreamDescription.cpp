@@ -1,5 +1,6 @@
 #include "StreamDescription.h"
 
+#include <climits>
 #include <cstring>
 
 #include "CodedUnits.h"
@@ -20,8 +21,8 @@ using FilterPtr = std::unique_ptr<AVBSFContext, SxFilterDeleter>;
 
 bool fx_Set(AVBSFContext& filter, SxStreamDescription const& description)
 {
-    // Two ticks a picture, one for each field that it might have (E.2.1). fixed_frame_rate_flag stays what it is:
-    // with it FFmpeg writes no set of OpenH264's.
+    // Two ticks a picture, one for each field that it might have (E.2.1). fixed_frame_rate_flag stays what it
+    // is: with it FFmpeg writes no set of OpenH264's.
     AVRational const ticks = {2 * description.rate.num, description.rate.den};
     void* const options = filter.priv_data;
     return av_opt_set_int(options, "video_full_range_flag", 1, 0) >= 0 &&
@@ -43,6 +44,13 @@ bool fx_SetExtradata(AVCodecParameters& stream, QByteArray const& bytes)
 }
 
 } // namespace
+
+AVRational fx_Rational(SxPictureRate const& rate)
+{
+    AVRational rational = {0, 1};
+    av_reduce(&rational.num, &rational.den, rate.numerator, rate.denominator, INT_MAX);
+    return rational;
+}
 
 std::optional<QByteArray> fx_DescribeSps(QByteArray const& sps, SxStreamDescription const& description)
 {

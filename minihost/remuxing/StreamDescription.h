@@ -4,12 +4,13 @@
 #include <optional>
 
 #include "FFmpegHandles.h"
+#include "PictureRate.h"
 
 /// How the pictures of a recording are to be shown, which its stream does not say.
 struct SxStreamDescription
 {
-    AVRational rate = {30, 1}; ///< pictures a second
-    int rotation = 0;          ///< degrees clockwise by which they are to be turned: 0, 90, 180 or 270
+    AVRational rate = {kPicturesASecond, 1}; ///< pictures a second
+    int rotation = 0; ///< degrees clockwise by which they are to be turned: 0, 90, 180 or 270
 
     // What the encoder's conversion makes of the host's pictures, whatever they are.
     static constexpr AVColorRange kRange = AVCOL_RANGE_JPEG;
@@ -17,6 +18,8 @@ struct SxStreamDescription
     static constexpr AVColorPrimaries kPrimaries = AVCOL_PRI_BT709;
     static constexpr AVColorTransferCharacteristic kTransfer = AVCOL_TRC_IEC61966_2_1; // sRGB
 };
+
+AVRational fx_Rational(SxPictureRate const& rate); ///< in lowest terms
 
 /// The sequence parameter set \p sps, from its header byte on, with rate and colours in its VUI (ITU-T H.264,
 /// E.2.1); nothing when it makes no sense. What comes before the VUI stays bit for bit.

@@ -80,7 +80,8 @@ int tst_RemuxCommand::offset(int frame) const
 QByteArray tst_RemuxCommand::codedFrames(int first, int count) const
 {
     int const begin = offset(first);
-    return m_bytes.mid(begin, (first + count == kFrames ? int(m_bytes.size()) : offset(first + count)) - begin);
+    return m_bytes.mid(begin,
+                       (first + count == kFrames ? int(m_bytes.size()) : offset(first + count)) - begin);
 }
 
 void tst_RemuxCommand::picturesStayAndAreDescribed_data()
@@ -152,9 +153,11 @@ void tst_RemuxCommand::indexIsAtTheFront()
 
 void tst_RemuxCommand::parameterSetsStandOnceBeforeThePictures()
 {
-    // More groups than a container has room for sequence sets, and pictures' sets beyond the ids that there are.
+    // More groups than a container has room for sequence sets, and pictures' sets beyond the ids that there
+    // are.
     QByteArray const size("64x48");
-    QCOMPARE(run({"record", "camera:", "l.h264", "--size", size, "--frames", "60", "--keyframe-rate", "1"}).exitCode,
+    QCOMPARE(run({"record", "camera:", "l.h264", "--size", size, "--frames", "60", "--keyframe-rate", "1"})
+                 .exitCode,
              0);
     QCOMPARE(run({"remux", "l.h264", "l.mp4"}).exitCode, 0);
     QList<QByteArray> const hashes = fx_DecodedHashes(path("l.h264"));
@@ -179,7 +182,8 @@ void tst_RemuxCommand::defaultReadingHasTheRightColours_data()
     QTest::addColumn<QString>("name");
     for (char const* name : {"o.mp4", "o.mov", "o.mkv", "o.h264"})
         QTest::addRow("320x240 %s", name) << "320x240" << name;
-    QTest::newRow("1280x720 o.mp4") << "1280x720" << "o.mp4"; // where others would guess BT.709
+    QTest::newRow("1280x720 o.mp4") << "1280x720"
+                                    << "o.mp4"; // where others would guess BT.709
 }
 
 static std::vector<std::uint8_t> fx_Vector(QByteArray const& bytes)
@@ -213,9 +217,11 @@ void tst_RemuxCommand::defaultReadingHasTheRightColours()
     QFETCH(QString, size);
     QFETCH(QString, name);
     QStringList const sides = size.split('x');
-    QCOMPARE(run({"record", "camera:", "c.h264", "--size", size, "--frames", "1", "--quality", "10"}).exitCode, 0);
+    QCOMPARE(
+        run({"record", "camera:", "c.h264", "--size", size, "--frames", "1", "--quality", "10"}).exitCode, 0);
     QCOMPARE(run({"remux", "c.h264", name}).exitCode, 0);
-    SxMinihostRun const exported = run({"export", "c.h264", "--frames", "all", "-o", "-", "--stream", "rgb24"});
+    SxMinihostRun const exported =
+        run({"export", "c.h264", "--frames", "all", "-o", "-", "--stream", "rgb24"});
     std::vector<std::uint8_t> const camera = fx_Vector(fx_CameraRgb(sides[0].toInt(), sides[1].toInt(), 1));
     double const correct = fx_Psnr(camera, fx_Vector(exported.out));
     double const others = fx_Psnr(camera, fx_Vector(fx_DefaultRgb(path(name))));
@@ -245,10 +251,14 @@ void tst_RemuxCommand::rateIsTheOneGiven_data()
 {
     QTest::addColumn<QString>("fps");
     QTest::addColumn<QString>("rate");
-    QTest::newRow("whole") << "25" << "25/1";
-    QTest::newRow("half") << "12.5" << "25/2";
-    QTest::newRow("fraction") << "30000/1001" << "30000/1001";
-    QTest::newRow("slow") << "0.5" << "1/2";
+    QTest::newRow("whole") << "25"
+                           << "25/1";
+    QTest::newRow("half") << "12.5"
+                          << "25/2";
+    QTest::newRow("fraction") << "30000/1001"
+                              << "30000/1001";
+    QTest::newRow("slow") << "0.5"
+                          << "1/2";
 }
 
 void tst_RemuxCommand::rateIsTheOneGiven()
@@ -274,12 +284,17 @@ void tst_RemuxCommand::partBeginsAtAKeyFrame_data()
     QTest::addColumn<int>("last");
     QTest::addColumn<QString>("told");
     for (char const* name : {"o.mp4", "o.h264"}) {
-        QTest::addRow("within a group, %s", name) << "7-12" << name << 5 << 12 << "begins at frame 5, the key frame before 7";
-        QTest::addRow("at a key frame, %s", name) << "10-14" << name << 10 << 14 << "frames 10-14 of the recording";
+        QTest::addRow("within a group, %s", name)
+            << "7-12" << name << 5 << 12 << "begins at frame 5, the key frame before 7";
+        QTest::addRow("at a key frame, %s", name)
+            << "10-14" << name << 10 << 14 << "frames 10-14 of the recording";
     }
-    QTest::newRow("to the end") << "27-" << "o.mp4" << 25 << 29 << "begins at frame 25, the key frame before 27";
-    QTest::newRow("one") << "5" << "o.mp4" << 5 << 5 << "1 picture of 320 x 240";
-    QTest::newRow("all") << "all" << "o.mp4" << 0 << 29 << "30 pictures";
+    QTest::newRow("to the end") << "27-"
+                                << "o.mp4" << 25 << 29 << "begins at frame 25, the key frame before 27";
+    QTest::newRow("one") << "5"
+                         << "o.mp4" << 5 << 5 << "1 picture of 320 x 240";
+    QTest::newRow("all") << "all"
+                         << "o.mp4" << 0 << 29 << "30 pictures";
 }
 
 void tst_RemuxCommand::partBeginsAtAKeyFrame()
@@ -305,7 +320,8 @@ void tst_RemuxCommand::onePictureIsEnough()
 
 void tst_RemuxCommand::jsonTellsWhatWasWritten()
 {
-    SxMinihostRun const remuxed = run({"remux", "--json", "-q", "--frames", "7-12", "--fps", "12.5", m_recording, "o.mp4"});
+    SxMinihostRun const remuxed =
+        run({"remux", "--json", "-q", "--frames", "7-12", "--fps", "12.5", m_recording, "o.mp4"});
     QCOMPARE(remuxed.exitCode, 0);
     QCOMPARE(remuxed.err, QByteArray());
     QJsonObject const json = remuxed.json();
@@ -324,7 +340,8 @@ void tst_RemuxCommand::missingFrontIsLeftOut()
     write("late.h264", codedFrames(2, 10));
     SxMinihostRun const remuxed = run({"remux", "late.h264", "late.mp4"});
     QCOMPARE(remuxed.exitCode, 4);
-    QVERIFY2(remuxed.err.contains("late.h264: 3 frames before the first key frame cannot be decoded and were left out."),
+    QVERIFY2(remuxed.err.contains(
+                 "late.h264: 3 frames before the first key frame cannot be decoded and were left out."),
              remuxed.err);
     QCOMPARE(fx_DecodedHashes(path("late.mp4")), fx_DecodedHashes(m_recording).mid(5, 7));
 }
@@ -352,7 +369,8 @@ void tst_RemuxCommand::damagedFramesAreNamed()
     write("hurt.h264", bytes);
     SxMinihostRun const remuxed = run({"remux", "hurt.h264", "hurt.mp4"});
     QCOMPARE(remuxed.exitCode, 4);
-    QVERIFY2(remuxed.err.contains("hurt.h264: damaged at frames 6, handed on as they are; 'minihost verify' says more."),
+    QVERIFY2(remuxed.err.contains(
+                 "hurt.h264: damaged at frames 6, handed on as they are; 'minihost verify' says more."),
              remuxed.err);
     QVERIFY(QFile::exists(path("hurt.mp4")));
 }
@@ -388,11 +406,15 @@ void tst_RemuxCommand::outputThatIsInTheWayIsNamed()
     write("old.mp4", "precious");
     QVERIFY(QDir(m_folder->path()).mkdir("folder.mp4"));
     QCOMPARE(mkfifo(path("pipe.mkv").toLocal8Bit().constData(), 0600), 0);
-    struct SxCase { char const* output; char const* said; };
-    for (SxCase const& one : {SxCase{"old.mp4", "the file exists; --overwrite replaces it."},
-                              SxCase{"folder.mp4", "this is a folder."},
-                              SxCase{"pipe.mkv", "this is no regular file"},
-                              SxCase{"none/o.mp4", "there is no folder"}}) {
+    struct SxCase
+    {
+        char const* output;
+        char const* said;
+    };
+    for (SxCase const& one :
+         {SxCase{"old.mp4", "the file exists; --overwrite replaces it."},
+          SxCase{"folder.mp4", "this is a folder."}, SxCase{"pipe.mkv", "this is no regular file"},
+          SxCase{"none/o.mp4", "there is no folder"}}) {
         SxMinihostRun const refused = run({"remux", m_recording, one.output});
         QCOMPARE(refused.exitCode, 5);
         QVERIFY2(refused.err.contains(one.said), refused.err);
@@ -426,8 +448,9 @@ void tst_RemuxCommand::fullDiskLeavesTheOldFileAsItWas()
     QFETCH(QString, name);
     write(name, "precious");
     // A limit of a few kilobytes stands for a disk that fills up on the way.
-    SxMinihostRun const failed = fx_RunMinihostInShell("trap '' XFSZ; ulimit -f 40; exec \"$@\"",
-                                                       {"remux", "--overwrite", m_recording, name}, m_folder->path());
+    SxMinihostRun const failed =
+        fx_RunMinihostInShell("trap '' XFSZ; ulimit -f 40; exec \"$@\"",
+                              {"remux", "--overwrite", m_recording, name}, m_folder->path());
     QCOMPARE(failed.exitCode, 5);
     QCOMPARE(failed.err, "error: " + name.toUtf8() + ": File too large.\n");
     QCOMPARE(fx_FileBytes(path(name)), QByteArray("precious"));
@@ -449,7 +472,8 @@ void tst_RemuxCommand::interruptionLeavesTheOldFileAsItWas()
     SxMinihostRun const stopped =
         run({"remux", "--plugin-path", DYING_PLUGIN, "--overwrite", "in.h264", "o.mp4"});
     QCOMPARE(stopped.exitCode, 128 + signal);
-    QCOMPARE(stopped.err, QByteArray("error: o.mp4: interrupted after 0 of 10 pictures; nothing was written.\n"));
+    QCOMPARE(stopped.err,
+             QByteArray("error: o.mp4: interrupted after 0 of 10 pictures; nothing was written.\n"));
     QCOMPARE(fx_FileBytes(path("o.mp4")), QByteArray("precious"));
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), (QStringList{"in.h264", "o.mp4"}));
 }
@@ -459,16 +483,23 @@ void tst_RemuxCommand::wrongUsageIsExplained_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("sentence");
     QTest::newRow("nothing") << QStringList{} << "No recording is given.";
-    QTest::newRow("no output") << QStringList{"in.h264"} << "'in.h264' alone is not enough: a recording and an output are needed.";
+    QTest::newRow("no output") << QStringList{"in.h264"}
+                               << "'in.h264' alone is not enough: a recording and an output are needed.";
     QTest::newRow("two outputs") << QStringList{"in.h264", "a.mp4", "b.mp4"} << "'b.mp4' is one too many.";
-    QTest::newRow("unknown container") << QStringList{"in.h264", "o.avi"} << "its name must end in .mp4, .mov, .mkv or .h264.";
-    QTest::newRow("rate that is none") << QStringList{"in.h264", "o.mp4", "--fps", "fast"} << "--fps takes pictures a second, as 25, 12.5 or 30000/1001, not 'fast'.";
+    QTest::newRow("unknown container")
+        << QStringList{"in.h264", "o.avi"} << "its name must end in .mp4, .mov, .mkv or .h264.";
+    QTest::newRow("rate that is none")
+        << QStringList{"in.h264", "o.mp4", "--fps", "fast"}
+        << "--fps takes pictures a second, as 25, 12.5 or 30000/1001, not 'fast'.";
     QTest::newRow("no rate at all") << QStringList{"in.h264", "o.mp4", "--fps", "0"} << "--fps takes";
     QTest::newRow("name of a rate") << QStringList{"in.h264", "o.mp4", "--fps", "ntsc"} << "--fps takes";
-    QTest::newRow("too fast") << QStringList{"in.h264", "o.mp4", "--fps", "1001"} << "--fps takes";
-    QTest::newRow("frames that are none") << QStringList{"in.h264", "o.mp4", "--frames", "some"} << "--frames takes numbers";
-    QTest::newRow("several ranges") << QStringList{"in.h264", "o.mp4", "--frames", "0-3,7"} << "--frames takes one range here, as 100-250 or 100-.";
-    QTest::newRow("backwards") << QStringList{"in.h264", "o.mp4", "--frames", "7-5"} << "--frames takes one range here";
+    QTest::newRow("too fast") << QStringList{"in.h264", "o.mp4", "--fps", "100001"} << "--fps takes";
+    QTest::newRow("frames that are none")
+        << QStringList{"in.h264", "o.mp4", "--frames", "some"} << "--frames takes numbers";
+    QTest::newRow("several ranges") << QStringList{"in.h264", "o.mp4", "--frames", "0-3,7"}
+                                    << "--frames takes one range here, as 100-250 or 100-.";
+    QTest::newRow("backwards") << QStringList{"in.h264", "o.mp4", "--frames", "7-5"}
+                               << "--frames takes one range here";
 }
 
 void tst_RemuxCommand::wrongUsageIsExplained()

@@ -62,7 +62,11 @@ void tst_ParameterSets::describedSetIsTheOldOneUpToItsVui()
     QCOMPARE(after[vui], '\1');
 
     QByteArray expected; // aspect ratio, overscan: none
-    for (char const bit : QByteArray("00" "1" "101" "1" "1")) // format unspecified, full range, described
+    for (char const bit : QByteArray("00"
+                                     "1"
+                                     "101"
+                                     "1"
+                                     "1")) // format unspecified, full range, described
         expected += static_cast<char>(bit - '0');
     QCOMPARE(after.mid(vui + 1, 8), expected);
     auto const number = [&after](int at, int bits) {
@@ -121,7 +125,8 @@ void tst_ParameterSets::contradictionsStayWithTheirKeyFrames()
     QVERIFY(sets.take(fx_KeyFrame(fx_Sps(0), fx_Pps(0, 0))));
     QVERIFY(sets.take(second));
     QVERIFY(!sets.isCommon());
-    QByteArray const first = fx_WithStartCode(*fx_DescribeSps(fx_Sps(0), {})) + fx_WithStartCode(fx_Pps(0, 0));
+    QByteArray const first =
+        fx_WithStartCode(*fx_DescribeSps(fx_Sps(0), {})) + fx_WithStartCode(fx_Pps(0, 0));
     QCOMPARE(sets.beforeStream(), first);
 }
 

@@ -73,9 +73,8 @@ void tst_Remuxer::stoppedWorkLeavesNoFile()
     std::atomic<bool> stop{false};
     SxRemuxRequest stopped = request(name);
     stopped.stop = &stop;
-    SxRemuxSummary const summary = fx_Remux(*m_recording, stopped, [&](SxRemuxSummary const& soFar) {
-        stop = soFar.pictures == picture;
-    });
+    SxRemuxSummary const summary = fx_Remux(
+        *m_recording, stopped, [&](SxRemuxSummary const& soFar) { stop = soFar.pictures == picture; });
     QCOMPARE(summary.failure, RemuxFailure::Interrupted);
     QCOMPARE(summary.error, QStringLiteral("%1: interrupted after %2 of %3 pictures; nothing was written.")
                                 .arg(path(name))

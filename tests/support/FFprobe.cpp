@@ -20,8 +20,7 @@ static QByteArray fx_OutputOf(QString const& program, QStringList const& argumen
 
 static QJsonArray fx_Probed(QString const& fileName, QString const& what)
 {
-    QByteArray const json =
-        fx_OutputOf("ffprobe", {"-v", "error", "-show_" + what, "-of", "json", fileName});
+    QByteArray const json = fx_OutputOf("ffprobe", {"-v", "error", "-show_" + what, "-of", "json", fileName});
     return QJsonDocument::fromJson(json).object().value(what).toArray();
 }
 
