@@ -9,11 +9,14 @@ namespace {
 QVector<SxOption> fx_Options()
 {
     QVector<SxOption> const own{
-        {"fps", 0, "N", QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (%1)").arg(kPicturesASecond)},
+        {"fps", 0, "N",
+         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (what IN.json says, or %1)")
+             .arg(kPicturesASecond)},
         {"frames", 0, "A-B",
          QStringLiteral("only these, counted from 0; 100- goes to the end. Begins at the key\n"
                         "frame at or before A, since nothing is coded again")},
         {"overwrite", 0, nullptr, QStringLiteral("replace OUT if it exists, once the new one is whole")},
+        {"remove-input", 0, nullptr, QStringLiteral("remove IN once OUT is whole and on the disk")},
     };
     return own + fx_RunOptions(QStringLiteral("what was written as JSON on standard output"));
 }
@@ -55,6 +58,9 @@ bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& pars
     if (error.isEmpty())
         error = fx_TakeFiles(parsed);
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    parsed.removesInput = parser.isSet(QStringLiteral("remove-input"));
+    if (error.isEmpty() && parsed.removesInput && parsed.frames)
+        error = QStringLiteral("--remove-input is for whole recordings, so --frames has no place.");
     return error.isEmpty();
 }
 

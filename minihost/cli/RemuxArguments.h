@@ -15,6 +15,7 @@ struct SxRemuxArguments
     std::optional<SxPictureRate> rate;      ///< when given
     std::optional<CxFrameSelection> frames; ///< when given
     bool overwrite = false;
+    bool removesInput = false;
 };
 
 /// Reads the arguments after "remux". \return false, with \p error one sentence, when they make no sense.

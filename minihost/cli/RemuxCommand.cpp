@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "ContainerWriter.h"
 #include "ExitCode.h"
 #include "ExportRequest.h"
 #include "Interrupt.h"
@@ -9,6 +10,8 @@
 #include "ProgressLine.h"
 #include "RemuxArguments.h"
 #include "RemuxReport.h"
+#include "Sidecar.h"
+#include "UnfinishedRecording.h"
 
 namespace {
 
@@ -20,10 +23,25 @@ QString fx_OutputObstacle(SxRemuxArguments const& arguments)
     request.overwrite = arguments.overwrite;
     QString const obstacle = fx_Obstacle(arguments.output, request);
     QFileInfo const output(arguments.output);
+    QString const& input = arguments.common.file();
+    if (obstacle.isEmpty() && arguments.removesInput && fx_IsBeingRecorded(input))
+        return QStringLiteral("%1: a recording is being written to it, so it cannot be removed.").arg(input);
     if (obstacle.isEmpty() && output.exists() && !output.isFile())
         return QStringLiteral("%1: this is no regular file, and an index can be put into no other.")
             .arg(arguments.output);
     return obstacle;
+}
+
+/// What the user says of the recording, or else what stands beside it.
+SxStreamDescription fx_DescriptionFor(SxRemuxArguments const& arguments)
+{
+    std::optional<SxSidecar> const sidecar = fx_FindSidecar(arguments.common.file()).sidecar;
+    SxStreamDescription description;
+    SxPictureRate const rate = arguments.rate.value_or(sidecar ? sidecar->rate : SxPictureRate());
+    if (rate.isKnown())
+        description.rate = fx_Rational(rate);
+    description.rotation = sidecar ? sidecar->rotation : 0;
+    return description;
 }
 
 /// Decides which frames are wanted; one sentence when they are no range of the recording.
@@ -50,6 +68,18 @@ QString fx_ChooseFrames(CxRecordingReader const& recording, SxRemuxArguments con
     return QString();
 }
 
+/// With the output on the disk.
+int fx_RemoveInput(SxRemuxArguments const& arguments, SxRemuxSummary const& summary, int code)
+{
+    QString const& input = arguments.common.file();
+    QString error;
+    if (summary.leftOutAtFront > 0 || !summary.damaged.isEmpty())
+        Console::warning(QStringLiteral("%1: it stays, since it is damaged.").arg(input));
+    else if (!fx_RemoveHandedOn(input, arguments.output, error))
+        return fx_Failed(error);
+    return code;
+}
+
 int fx_ExitCodeOf(SxRemuxSummary const& summary)
 {
     switch (summary.failure) {
@@ -64,13 +94,38 @@ int fx_ExitCodeOf(SxRemuxSummary const& summary)
     return summary.isInputDamaged() ? kBadInput : kDone; // what was good is written
 }
 
+/// A raw stream holds no rotation, and its loader reads no rate: they are noted beside it, as `record` does.
+void fx_NoteBeside(SxRemuxArguments const& arguments, SxRemuxRequest const& request,
+                   SxRemuxSummary const& summary)
+{
+    QString error = fx_RotationWarning(request, summary);
+    if (!fx_ContainerKindOf(request.output)) {
+        std::optional<SxSidecar> const found = fx_FindSidecar(arguments.common.file()).sidecar;
+        SxSidecar sidecar = found.value_or(SxSidecar());
+        sidecar.rate = arguments.rate.value_or(sidecar.rate);
+        if (!found)
+            sidecar.program = QStringLiteral("minihost " MINIHOST_VERSION);
+        if (!found || arguments.frames) { // whose numbers are others
+            sidecar.pictures = summary.pictures;
+            sidecar.skippedCount = 0;
+            sidecar.skipped.clear();
+        }
+        error.clear();
+        if (sidecar.rate.isKnown() || sidecar.rotation != 0 || sidecar.skippedCount > 0)
+            fx_WriteSidecar(request.output, sidecar, error);
+        else
+            fx_RemoveSidecar(request.output);
+    }
+    if (!error.isEmpty())
+        Console::warning(error);
+}
+
 int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
 {
     SxRemuxRequest request;
     request.output = arguments.output;
     request.stop = &fx_CatchInterrupts();
-    if (arguments.rate)
-        request.description.rate = fx_Rational(*arguments.rate);
+    request.description = fx_DescriptionFor(arguments);
     ExitCode code = kDone;
     QString const error = fx_ChooseFrames(recording, arguments, request, code);
     if (!error.isEmpty())
@@ -84,6 +139,7 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
     if (summary.failure == RemuxFailure::None) {
         for (QString const& warning : fx_RemuxWarnings(recording.fileName(), summary))
             Console::warning(warning);
+        fx_NoteBeside(arguments, request, summary);
         if (summary.first < request.first)
             Console::message(QStringLiteral("%1: begins at frame %2, the key frame before %3.")
                                  .arg(request.output)
@@ -97,7 +153,10 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
         return fx_Interrupted(summary.error);
     if (!summary.error.isEmpty())
         Console::error(summary.error);
-    return fx_ExitCodeOf(summary);
+    int const ended = fx_ExitCodeOf(summary);
+    return arguments.removesInput && summary.failure == RemuxFailure::None
+               ? fx_RemoveInput(arguments, summary, ended)
+               : ended;
 }
 
 } // namespace

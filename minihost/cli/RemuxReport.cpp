@@ -42,6 +42,15 @@ QStringList fx_RemuxWarnings(QString const& recording, SxRemuxSummary const& sum
     return warnings;
 }
 
+QString fx_RotationWarning(SxRemuxRequest const& request, SxRemuxSummary const& summary)
+{
+    if (request.description.rotation == 0 || summary.hasRotation)
+        return QString();
+    return QStringLiteral("%1: its pictures are to be turned by %2 degrees clockwise, which it does not say.")
+        .arg(request.output)
+        .arg(request.description.rotation);
+}
+
 QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary)
 {
     QJsonArray damaged;
@@ -59,6 +68,7 @@ QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, Sx
         {QStringLiteral("height"), summary.size.height()},
         {QStringLiteral("fps"), av_q2d(rate)},
         {QStringLiteral("rate"), QStringLiteral("%1/%2").arg(rate.num).arg(rate.den)},
+        {QStringLiteral("rotation"), request.description.rotation},
         {QStringLiteral("bytes"), summary.bytes},
         {QStringLiteral("leftOutAtFront"), summary.leftOutAtFront},
         {QStringLiteral("endCutOff"), summary.isEndCutOff},

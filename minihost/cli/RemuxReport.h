@@ -11,5 +11,8 @@ QString fx_RemuxText(SxRemuxRequest const& request, SxRemuxSummary const& summar
 /// A sentence for each way in which the recording was not whole.
 QStringList fx_RemuxWarnings(QString const& recording, SxRemuxSummary const& summary);
 
-/// The same for programs, one JSON object.
+/// A sentence when the output does not say how its pictures are to be turned; else empty.
+QString fx_RotationWarning(SxRemuxRequest const& request, SxRemuxSummary const& summary);
+
+/// What was handed on for programs, one JSON object.
 QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary);

@@ -1,11 +1,11 @@
 #include "StreamKind.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <algorithm>
 
 #include "H264Evidence.h"
 #include "ProfileAndLevel.h"
+#include "ShellWord.h"
 #include "UnitScan.h"
 
 using Codec = SxStreamKind::Codec;
@@ -180,22 +180,12 @@ QString fx_ForeignStreamText(SxStreamKind const& kind)
 }
 
 /// As a word for a shell.
-static QString fx_Quoted(QString const& fileName)
-{
-    static QRegularExpression const kPlain(QStringLiteral("^[\\w./+:@%-]+$"),
-                                           QRegularExpression::UseUnicodePropertiesOption);
-    if (kPlain.match(fileName).hasMatch())
-        return fileName;
-    QString name = fileName;
-    return QLatin1Char('\'') + name.replace(QLatin1Char('\''), QStringLiteral("'\\''")) + QLatin1Char('\'');
-}
-
 QString fx_CommandToRecord(QString const& fileName)
 {
-    return QStringLiteral("minihost record %1 out.h264").arg(fx_Quoted(fileName));
+    return QStringLiteral("minihost record %1 out.h264").arg(fx_ShellWord(fileName));
 }
 
 QString fx_CommandToCutFront(QString const& fileName, qint64 bytes)
 {
-    return QStringLiteral("tail -c +%1 %2 > out.h264").arg(bytes + 1).arg(fx_Quoted(fileName));
+    return QStringLiteral("tail -c +%1 %2 > out.h264").arg(bytes + 1).arg(fx_ShellWord(fileName));
 }

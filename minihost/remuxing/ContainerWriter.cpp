@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <cstring>
 
+#include "StreamFacts.h"
+
 extern "C" {
 #include <libavutil/display.h>
 #include <libavutil/mem.h>
@@ -34,7 +36,7 @@ int fx_IsStopped(void* stop)
 /// Room for the stream's display matrix; null without memory.
 uint8_t* fx_NewDisplayMatrix(AVStream& stream)
 {
-#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 30, 100) // FFmpeg 6.1
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102) // FFmpeg 6.1
     AVCodecParameters& parameters = *stream.codecpar;
     AVPacketSideData* const data =
         av_packet_side_data_new(&parameters.coded_side_data, &parameters.nb_coded_side_data,
@@ -53,7 +55,7 @@ bool fx_SetRotation(AVStream& stream, int rotation)
     if (!data)
         return false;
     int32_t matrix[9];
-    av_display_rotation_set(matrix, rotation);
+    av_display_rotation_set(matrix, rotation); // clockwise; av_display_rotation_get() is not
     std::memcpy(data, matrix, kMatrixBytes);
     return true;
 }
@@ -130,17 +132,18 @@ bool CxContainerWriter::makeStream(SxTrack const& track)
 
 bool CxContainerWriter::begin(SxTrack const& track, QString& error)
 {
-    QByteArray const name = m_file.nameForWriters(error).toUtf8();
-    if (name.isEmpty())
+    m_name = m_file.nameForWriters(error).toUtf8();
+    if (m_name.isEmpty())
         return false;
+    m_rotation = track.description.rotation;
     int result =
-        avformat_alloc_output_context2(&m_format, nullptr, fx_MuxerName(track.kind), name.constData());
+        avformat_alloc_output_context2(&m_format, nullptr, fx_MuxerName(track.kind), m_name.constData());
     if (result < 0)
         return isWritten(result, error);
     m_format->flags |= AVFMT_FLAG_BITEXACT; // one recording gives one file
     AVIOInterruptCB const interrupt = {fx_IsStopped, const_cast<std::atomic<bool>*>(m_stop)};
     m_format->interrupt_callback = interrupt;
-    result = avio_open2(&m_format->pb, name.constData(), AVIO_FLAG_WRITE, &interrupt, nullptr);
+    result = avio_open2(&m_format->pb, m_name.constData(), AVIO_FLAG_WRITE, &interrupt, nullptr);
     if (result >= 0 && !makeStream(track))
         result = AVERROR(ENOMEM);
     if (result < 0)
@@ -174,10 +177,23 @@ bool CxContainerWriter::add(QByteArray const& picture, bool isKey, QString& erro
     return isWritten(av_write_frame(m_format, packet.get()), error);
 }
 
+/// Matroska's writer keeps none before FFmpeg 7, and says nothing.
+int CxContainerWriter::writtenRotation() const
+{
+    AVFormatContext* input = nullptr;
+    if (avformat_open_input(&input, m_name.constData(), nullptr, nullptr) < 0)
+        return 0;
+    FormatContextPtr const opened(input);
+    return input->nb_streams == 0 ? 0 : fx_StreamFacts(*input->streams[0], RateOrigin::Stream).rotation;
+}
+
 bool CxContainerWriter::finish(QString& error)
 {
     if (!isWritten(av_write_trailer(m_format), error))
         return false;
     int const result = avio_closep(&m_format->pb);
-    return isWritten(result, error) && m_file.finish(error);
+    if (!isWritten(result, error))
+        return false;
+    m_hasRotation = m_rotation == 0 || writtenRotation() == m_rotation;
+    return m_file.finish(error);
 }

@@ -42,14 +42,21 @@ public:
     bool add(QByteArray const& picture, bool isKey, QString& error); ///< with start codes
     bool finish(QString& error);
 
+    /// After finish(): false when this FFmpeg's container of that kind has lost the rotation.
+    bool hasRotation() const { return m_hasRotation; }
+
 private:
     bool makeStream(SxTrack const& track);
     bool isWritten(int result, QString& error) const;
+    int writtenRotation() const;
 
     QString m_fileName;
     std::atomic<bool> const* m_stop; ///< may be null
     CxOutputFile m_file;
+    QByteArray m_name; ///< of the file, for FFmpeg
     AVFormatContext* m_format = nullptr;
     AVRational m_pictureTime = {1, 30}; ///< seconds that a picture is shown
+    int m_rotation = 0;                 ///< degrees clockwise
+    bool m_hasRotation = true;
     qint64 m_pictures = 0;
 };

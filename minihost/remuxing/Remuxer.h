@@ -37,6 +37,7 @@ struct SxRemuxSummary
     bool isEndCutOff = false;     ///< the recording's last picture is not whole and was left out
     QVector<int> damaged;         ///< frames that were taken but are not what an encoder writes, ascending
     bool hasSetsInStream = false; ///< no one set of parameters serves all pictures
+    bool hasRotation = true;      ///< false: what the request says of it could not be written
     QSize size;                   ///< of the pictures, in pixels
     qint64 bytes = 0;             ///< of pictures so far; in the end of the output
 

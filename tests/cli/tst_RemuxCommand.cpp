@@ -1,9 +1,12 @@
 #include <QDir>
+#include <QJsonArray>
 #include <QtTest>
 #include <csignal>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include "PictureFormat.h"
+#include "Sidecar.h"
 #include "TestCamera.h"
 #include "support/FFmpegDecoder.h"
 #include "support/FFprobe.h"
@@ -28,6 +31,11 @@ private slots:
     void rawStreamOpensAsBefore();
     void rateIsTheOneGiven_data();
     void rateIsTheOneGiven();
+    void sidecarSaysRateAndRotation();
+    void rawStreamIsNotedBeside();
+    void removedInputIsWholeInTheOutput();
+    void damagedInputIsNotRemoved();
+    void inputThatIsBeingRecordedIsNotRemoved();
     void partBeginsAtAKeyFrame_data();
     void partBeginsAtAKeyFrame();
     void onePictureIsEnough();
@@ -276,6 +284,97 @@ void tst_RemuxCommand::rateIsTheOneGiven()
     QVERIFY(qAbs(stream.value("duration").toString().toDouble() - seconds) < 1e-3);
 }
 
+void tst_RemuxCommand::sidecarSaysRateAndRotation()
+{
+    write("in.h264", m_bytes);
+    SxSidecar sidecar;
+    sidecar.rate = {25, 1};
+    sidecar.rotation = 90;
+    QString error;
+    QVERIFY2(fx_WriteSidecar(path("in.h264"), sidecar, error), qPrintable(error));
+    for (char const* name : {"o.mp4", "o.mov"}) {
+        SxMinihostRun const remuxed = run({"remux", "in.h264", name});
+        QVERIFY2(remuxed.exitCode == 0 && !remuxed.err.contains("warning"), remuxed.err);
+        QJsonObject const stream = fx_ProbedStream(path(name));
+        QCOMPARE(stream.value("r_frame_rate").toString(), QString("25/1"));
+        QJsonObject const matrix = stream.value("side_data_list").toArray()[0].toObject();
+        QCOMPARE(matrix.value("rotation").toInt(), -90); // ffprobe counts against the clock
+    }
+    // The container holds the rotation, or the user is told.
+    SxMinihostRun const matroska = run({"remux", "in.h264", "o.mkv"});
+    QCOMPARE(matroska.exitCode, 0);
+    bool const isKept = !fx_ProbedStream(path("o.mkv")).value("side_data_list").toArray().isEmpty();
+    QVERIFY2(isKept !=
+                 matroska.err.contains("are to be turned by 90 degrees clockwise, which it does not say."),
+             matroska.err);
+    QCOMPARE(run({"remux", "--fps", "50", "in.h264", "f.mp4"}).exitCode, 0);
+    QCOMPARE(fx_ProbedStream(path("f.mp4")).value("r_frame_rate").toString(), QString("50/1"));
+}
+
+void tst_RemuxCommand::rawStreamIsNotedBeside()
+{
+    write("in.h264", m_bytes);
+    QCOMPARE(run({"remux", "in.h264", "plain.h264"}).exitCode, 0);
+    QVERIFY(!QFile::exists(path("plain.h264.json")));
+    SxSidecar sidecar;
+    sidecar.rotation = 270;
+    sidecar.pictures = 33;
+    sidecar.skippedCount = 3;
+    sidecar.skipped = {{7, 9}};
+    QString error;
+    QVERIFY2(fx_WriteSidecar(path("in.h264"), sidecar, error), qPrintable(error));
+    SxMinihostRun const remuxed = run({"remux", "--fps", "25", "in.h264", "whole.h264"});
+    QVERIFY2(remuxed.exitCode == 0 && !remuxed.err.contains("warning"), remuxed.err);
+    QCOMPARE(run({"remux", "--frames", "0-9", "in.h264", "part.h264"}).exitCode, 0);
+    std::optional<SxSidecar> const whole = fx_FindSidecar(path("whole.h264")).sidecar;
+    std::optional<SxSidecar> const part = fx_FindSidecar(path("part.h264")).sidecar;
+    QVERIFY(whole && part);
+    QCOMPARE(whole->rate.exact(), QString("25"));
+    QCOMPARE(whole->rotation, 270);
+    QCOMPARE(whole->skippedCount, 3);
+    QVERIFY(!part->rate.isKnown());
+    QCOMPARE(part->rotation, 270);
+    QCOMPARE(part->pictures, 10);
+    QCOMPARE(part->skippedCount, 0);
+}
+
+void tst_RemuxCommand::removedInputIsWholeInTheOutput()
+{
+    write("in.h264", m_bytes);
+    SxMinihostRun const moved = run({"remux", "--remove-input", "in.h264", "o.mp4"});
+    QVERIFY2(moved.exitCode == 0, moved.err);
+    QVERIFY(!QFile::exists(path("in.h264")));
+    QCOMPARE(fx_DecodedHashes(path("o.mp4")), fx_DecodedHashes(m_recording));
+
+    // What is cut off is no picture: it is not kept for that.
+    write("cut.h264", m_bytes.left(offset(13) + 300));
+    QCOMPARE(run({"remux", "--remove-input", "cut.h264", "cut.mp4"}).exitCode, 4);
+    QVERIFY(!QFile::exists(path("cut.h264")));
+    QCOMPARE(fx_DecodedHashes(path("cut.mp4")).size(), 13);
+}
+
+void tst_RemuxCommand::damagedInputIsNotRemoved()
+{
+    write("late.h264", codedFrames(2, 10));
+    SxMinihostRun const remuxed = run({"remux", "--remove-input", "late.h264", "late.mp4"});
+    QCOMPARE(remuxed.exitCode, 4);
+    QVERIFY2(remuxed.err.contains("late.h264: it stays, since it is damaged."), remuxed.err);
+    QVERIFY(QFile::exists(path("late.h264")) && QFile::exists(path("late.mp4")));
+}
+
+void tst_RemuxCommand::inputThatIsBeingRecordedIsNotRemoved()
+{
+    write("in.h264", m_bytes);
+    QFile recorder(path("in.h264"));
+    QVERIFY(recorder.open(QIODevice::ReadWrite));
+    QCOMPARE(flock(recorder.handle(), LOCK_EX), 0);
+    SxMinihostRun const refused = run({"remux", "--remove-input", "in.h264", "o.mp4"});
+    QCOMPARE(refused.exitCode, 5);
+    QVERIFY2(refused.err.contains("in.h264: a recording is being written to it"), refused.err);
+    QCOMPARE(fx_FileBytes(path("in.h264")), m_bytes);
+    QCOMPARE(run({"remux", "in.h264", "o.mp4"}).exitCode, 0); // what is there so far
+}
+
 void tst_RemuxCommand::partBeginsAtAKeyFrame_data()
 {
     QTest::addColumn<QString>("frames");
@@ -496,6 +595,9 @@ void tst_RemuxCommand::wrongUsageIsExplained_data()
     QTest::newRow("too fast") << QStringList{"in.h264", "o.mp4", "--fps", "100001"} << "--fps takes";
     QTest::newRow("frames that are none")
         << QStringList{"in.h264", "o.mp4", "--frames", "some"} << "--frames takes numbers";
+    QTest::newRow("part of what is removed")
+        << QStringList{"in.h264", "o.mp4", "--frames", "0-9", "--remove-input"}
+        << "--remove-input is for whole recordings, so --frames has no place.";
     QTest::newRow("several ranges") << QStringList{"in.h264", "o.mp4", "--frames", "0-3,7"}
                                     << "--frames takes one range here, as 100-250 or 100-.";
     QTest::newRow("backwards") << QStringList{"in.h264", "o.mp4", "--frames", "7-5"}
