@@ -11,6 +11,7 @@
 #include "PlayCommand.h"
 #include "Readable.h"
 #include "StreamKind.h"
+#include "UnfinishedRecording.h"
 
 namespace {
 
@@ -137,6 +138,18 @@ QString fx_Text(CxRecordingReader const& recording, SxRecordingInfo const& info)
            fx_SidecarLines(recording.sidecar().sidecar);
 }
 
+/// Of a file that is only on the way to a container; a newline before it.
+QString fx_UnfinishedLine(QString const& fileName)
+{
+    QString const container = fx_ContainerOf(fileName);
+    if (container.isEmpty())
+        return QString();
+    return fx_IsBeingRecorded(fileName)
+               ? QStringLiteral("\n  a recording to %1 that goes on").arg(container)
+               : QStringLiteral("\n  a recording to %1 that was not finished; '%2' finishes it")
+                     .arg(container, fx_CommandToFinish(fileName));
+}
+
 QString fx_FrameLines(CxRecordingReader const& recording)
 {
     QString lines = QStringLiteral("\n   frame        offset      size");
@@ -227,7 +240,8 @@ int fx_Tell(CxRecordingReader& recording, SxStreamKind const& kind, bool asJson,
     if (asJson)
         Console::data(fx_Json(recording, info, withFrames));
     else
-        Console::data(fx_Text(recording, info) + (withFrames ? fx_FrameLines(recording) : QString()));
+        Console::data(fx_Text(recording, info) + fx_UnfinishedLine(recording.fileName()) +
+                      (withFrames ? fx_FrameLines(recording) : QString()));
     return kDone;
 }
 
@@ -272,6 +286,9 @@ int fx_RunInfo(QStringList const& arguments)
         Console::data(fx_Help());
         return kDone;
     }
+    QString const unfinished = fx_UnfinishedText(parsed.file());
+    if (!unfinished.isEmpty() && !QFileInfo::exists(parsed.file()))
+        return fx_Failed(unfinished, kBadInput);
     SxStreamKind const kind = fx_StreamKindOf(parsed.file());
     if (kind.isForeign)
         return fx_TellForeign(parsed.file(), kind, parsed.run.json);

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include "ContainerWriter.h"
 #include "ExitCode.h"
 #include "SameFile.h"
 #include "SourceArguments.h"
@@ -166,10 +167,12 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
     // The last argument is going to be written: a forgotten output must not cost a picture.
     QFileInfo const output(parsed.request.outputFile);
     bool const isDevice = output.exists() && !output.isFile() && !output.isDir();
-    if (!isDevice && output.suffix() != QLatin1String("h264") && output.suffix() != QLatin1String("264"))
+    if (!isDevice && output.suffix() != QLatin1String("h264") && output.suffix() != QLatin1String("264") &&
+        !fx_ContainerKindOf(parsed.request.outputFile))
         return fx_IsStandardOutput(parsed.request.outputFile)
                    ? QStringLiteral("Standard output is a file here: name that file as the output.")
-                   : QStringLiteral("'%1' cannot be the output: its name must end in .h264.")
+                   : QStringLiteral(
+                         "'%1' cannot be the output: its name must end in .h264, .mp4, .mov or .mkv.")
                          .arg(parsed.request.outputFile);
 
     if (parsed.run.json && fx_IsStandardOutput(parsed.request.outputFile))
@@ -272,12 +275,13 @@ QString fx_RecordHelp()
                "  minihost record --rotate auto phone.mp4 phone.h264    upright, as it was taken\n"
                "  minihost record --crop 640x480+0+120 --scale 320x240 clip.mp4 part.h264\n"
                "  minihost record --start 1:02.5 --duration 10s clip.mkv part.h264\n"
+               "  minihost record clip.mp4 clip.mkv                     into a container, as remux makes it\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
                "  ... | minihost record --input-format rawvideo --input-option video_size=1920x1080 \\\n"
                "            --input-option pixel_format=bgra - raw.h264  raw pictures\n"
                "\n"
-               "Usage: minihost record [options] SOURCE... OUTPUT.h264\n"
+               "Usage: minihost record [options] SOURCE... OUTPUT.h264|.mp4|.mov|.mkv\n"
                "\n"
                "SOURCE is camera:, picture files (PNG, JPEG, BMP, PNM, TIFF with 8 or 16 bits), a\n"
                "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"

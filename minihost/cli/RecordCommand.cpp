@@ -4,6 +4,7 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "ContainerRecording.h"
 #include "EncoderTrial.h"
 #include "ExitCode.h"
 #include "FFmpegSource.h"
@@ -49,6 +50,9 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     QFileInfo const info(output);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(output);
+    QString const unfinished = fx_ContainerObstacle(output);
+    if (!unfinished.isEmpty())
+        return unfinished;
     bool const isList =
         QStringList{QStringLiteral("concat"), QStringLiteral("dash"), QStringLiteral("hls")}.contains(
             arguments.input.format);
@@ -225,8 +229,10 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
 {
     std::unique_ptr<CxFilteredSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
-    SxRecordSummary summary = fx_RecordWithSidecar(
-        *source, arguments.request, [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
+    SxRecordSummary summary =
+        fx_RecordWithSidecar(*source, fx_RawRequest(arguments.request),
+                             [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
+    fx_PutIntoContainer(arguments.request, *source, summary);
     bool const isTried = fx_IsRepeatable(arguments) && summary.error.isEmpty() && !summary.wasStopped;
     CxQualityTrial trial([&arguments] { return fx_MakeSource(arguments); }, arguments.request, summary);
     watcher.onEnd(summary, isTried ? &trial : nullptr);

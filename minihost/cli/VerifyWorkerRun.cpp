@@ -139,9 +139,9 @@ void CxWorkerRun::run(SxWorkerOrder const& order)
     else
         worker.setStandardErrorFile(QProcess::nullDevice()); // what there is to tell comes over its output
     worker.start(QCoreApplication::applicationFilePath(),
-                 {QStringLiteral("verify"), QStringLiteral("--worker"), QString::number(order.first), QString::number(order.end),
-                  m_options.verbose ? QStringLiteral("1") : QStringLiteral("0"), m_options.pluginPath,
-                  m_findings.file},
+                 {QStringLiteral("verify"), QStringLiteral("--worker"), QString::number(order.first),
+                  QString::number(order.end), m_options.verbose ? QStringLiteral("1") : QStringLiteral("0"),
+                  m_options.pluginPath, m_findings.file},
                  QIODevice::ReadOnly);
     if (!worker.waitForStarted()) {
         noteNoStart(worker.errorString());

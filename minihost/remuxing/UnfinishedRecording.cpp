@@ -48,7 +48,8 @@ QString fx_RawFileOf(QString const& container) { return container + kEnding; }
 
 QString fx_ContainerOf(QString const& rawFile)
 {
-    QString const container = rawFile.endsWith(kEnding) ? rawFile.left(rawFile.size() - kEnding.size()) : QString();
+    QString const container =
+        rawFile.endsWith(kEnding) ? rawFile.left(rawFile.size() - kEnding.size()) : QString();
     return fx_ContainerKindOf(container) ? container : QString();
 }
 
@@ -68,7 +69,8 @@ QString fx_UnfinishedText(QString const& container)
     QFileInfo const info(raw);
     if (!fx_ContainerKindOf(container) || !info.isFile() || info.size() == 0 || fx_IsBeingRecorded(raw))
         return QString();
-    return QStringLiteral("%1: a recording was not finished, what there is of it lies in %2; '%3' finishes it.")
+    return QStringLiteral(
+               "%1: a recording was not finished, what there is of it lies in %2; '%3' finishes it.")
         .arg(container, raw, fx_CommandToFinish(raw));
 }
 

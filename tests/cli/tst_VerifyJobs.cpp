@@ -38,8 +38,8 @@ void tst_VerifyJobs::initTestCase()
     makeRecording();
     QTemporaryDir folder;
     QString const name = folder.filePath("long.h264");
-    SxMinihostRun const recorded = fx_RunMinihost(
-        {"record", "camera:", name, "--frames", "480", "--size", "96x64", "--quality", "10"});
+    SxMinihostRun const recorded =
+        fx_RunMinihost({"record", "camera:", name, "--frames", "480", "--size", "96x64", "--quality", "10"});
     QVERIFY2(recorded.exitCode == 0, recorded.err);
     m_long = fx_FileBytes(name);
 }
@@ -111,13 +111,13 @@ void tst_VerifyJobs::hangInALaterShareIsReported()
 {
     QVERIFY(fx_WriteFile(path("c.h264"), QByteArray("frames 600 hang 409").leftJustified(6000, ' ')));
     QVERIFY(qputenv("MINIHOST_VERIFY_PATIENCE_MS", "1000"));
-    SxMinihostRun const verified =
-        run({"verify", "--jobs", "2", "--plugin-path", DYING_PLUGIN, "c.h264"});
+    SxMinihostRun const verified = run({"verify", "--jobs", "2", "--plugin-path", DYING_PLUGIN, "c.h264"});
     QVERIFY(qunsetenv("MINIHOST_VERIFY_PATIENCE_MS"));
     QCOMPARE(verified.exitCode, 4);
-    QVERIFY2(verified.err.contains("frame 409 at byte 4090 (10 bytes) cannot be decoded: the decoder did not come "
-                                   "back within 1 s."),
-             verified.err);
+    QVERIFY2(
+        verified.err.contains("frame 409 at byte 4090 (10 bytes) cannot be decoded: the decoder did not come "
+                              "back within 1 s."),
+        verified.err);
 }
 
 void tst_VerifyJobs::otherNumbersAreWrongUsage_data()
@@ -130,7 +130,8 @@ void tst_VerifyJobs::otherNumbersAreWrongUsage_data()
 void tst_VerifyJobs::otherNumbersAreWrongUsage()
 {
     QFETCH(QString, jobs);
-    checkRefused({"verify", m_recording, "--jobs=" + jobs}, "--jobs takes a number from 1 to 256, not '" + jobs + "'.");
+    checkRefused({"verify", m_recording, "--jobs=" + jobs},
+                 "--jobs takes a number from 1 to 256, not '" + jobs + "'.");
 }
 
 QTEST_GUILESS_MAIN(tst_VerifyJobs)

@@ -41,12 +41,18 @@ void tst_UnfinishedRecording::rawFileStandsForItsContainer_data()
 {
     QTest::addColumn<QString>("raw");
     QTest::addColumn<QString>("container");
-    QTest::newRow("MP4") << "a/b.mp4.h264" << "a/b.mp4";
-    QTest::newRow("MOV") << "b.MOV.h264" << "b.MOV";
-    QTest::newRow("Matroska") << "b.c.mkv.h264" << "b.c.mkv";
-    QTest::newRow("a recording") << "b.h264" << "";
-    QTest::newRow("a container") << "b.mp4" << "";
-    QTest::newRow("nothing") << "" << "";
+    QTest::newRow("MP4") << "a/b.mp4.h264"
+                         << "a/b.mp4";
+    QTest::newRow("MOV") << "b.MOV.h264"
+                         << "b.MOV";
+    QTest::newRow("Matroska") << "b.c.mkv.h264"
+                              << "b.c.mkv";
+    QTest::newRow("a recording") << "b.h264"
+                                 << "";
+    QTest::newRow("a container") << "b.mp4"
+                                 << "";
+    QTest::newRow("nothing") << ""
+                             << "";
 }
 
 void tst_UnfinishedRecording::rawFileStandsForItsContainer()
@@ -96,8 +102,9 @@ void tst_UnfinishedRecording::handedOnRecordingGoesOnlyWithItsOutputThere()
     write("b.h264");
     QString error;
     QVERIFY(!fx_RemoveHandedOn(path("b.h264"), path("b.mp4"), error));
-    QCOMPARE(error, QStringLiteral("%1: it stays, since %2 may not be on the disk: No such file or directory.")
-                        .arg(path("b.h264"), path("b.mp4")));
+    QCOMPARE(error,
+             QStringLiteral("%1: it stays, since %2 may not be on the disk: No such file or directory.")
+                 .arg(path("b.h264"), path("b.mp4")));
     QVERIFY(QFile::exists(path("b.h264")));
     write("b.mp4");
     {
