@@ -6,9 +6,9 @@
 
 QString fx_LicenceNotice(CxPlugin const& plugin)
 {
-    QString const given = plugin.copyrightNotice();
+    QString given = plugin.copyrightNotice();
     bool const mayBeBytes =
-        std::all_of(given.begin(), given.end(), [](QChar letter) { return letter.unicode() < 0x100; });
+        std::all_of(given.cbegin(), given.cend(), [](QChar letter) { return letter.unicode() < 0x100; });
     if (!mayBeBytes)
         return given;
     QByteArray const bytes = given.toLatin1();
