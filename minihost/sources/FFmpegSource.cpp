@@ -166,8 +166,7 @@ bool CxFFmpegSource::openInput()
     expect(stream);
     SxStreamFacts const facts = fx_StreamFacts(stream, m_rateOrigin);
     m_rate.beginInput(facts.rate, facts.hasClock);
-    if (m_delivered == 0)
-        m_rotation = facts.rotation;
+    m_inputRotation = facts.rotation;
     return true;
 }
 
@@ -334,6 +333,7 @@ IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
         fail(QStringLiteral("its pixel format cannot be converted"));
         return Result::Error;
     }
+    m_rotation = fx_FrameRotation(*m_frame, m_inputRotation);
     fx_RestorePnmWords(picture, m_maxval);
     applyBits(picture);
     picture.timestamp = timestampOf(*m_frame);

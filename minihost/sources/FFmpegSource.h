@@ -98,7 +98,8 @@ private:
     int m_expected = -1;
     RateOrigin m_rateOrigin = RateOrigin::Stream; ///< of the open input
     CxRateMeter m_rate;
-    int m_rotation = 0; ///< of the first input
+    int m_inputRotation = 0; ///< of the open input
+    int m_rotation = 0;      ///< of the last picture
     QString m_error;
     QStringList m_warnings;
     bool m_saidBitsIgnored = false;

@@ -39,8 +39,8 @@ public:
     /// unsteadily; unknown for pictures without a clock.
     virtual SxPictureRate rate() const { return {}; }
 
-    /// Degrees clockwise, 0, 90, 180 or 270, by which the pictures that come are still to be turned to stand
-    /// upright. Known once the first has come.
+    /// Degrees clockwise, 0, 90, 180 or 270, by which the picture that came last is still to be turned to
+    /// stand upright. All of a video's are alike.
     virtual int rotation() const { return 0; }
 
     /// True when the source itself says how many bits of a word sample count; false when 16 is only

@@ -24,9 +24,8 @@ static int32_t const* fx_DisplayMatrix(AVStream const& stream)
 #endif
 }
 
-static int fx_Rotation(AVStream const& stream)
+static int fx_Rotation(int32_t const* matrix)
 {
-    int32_t const* const matrix = fx_DisplayMatrix(stream);
     double const counterclockwise = matrix ? av_display_rotation_get(matrix) : 0.0;
     if (std::isnan(counterclockwise))
         return 0;
@@ -37,7 +36,7 @@ static int fx_Rotation(AVStream const& stream)
 SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin)
 {
     SxStreamFacts facts;
-    facts.rotation = fx_Rotation(stream);
+    facts.rotation = fx_Rotation(fx_DisplayMatrix(stream));
     facts.hasClock = origin == RateOrigin::Stream;
     bool const hasAverage = stream.avg_frame_rate.num > 0 && stream.avg_frame_rate.den > 0;
     bool const isNamedOnly = origin == RateOrigin::User && !hasAverage;
@@ -48,4 +47,11 @@ SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin)
     if (fx_IsSane(rate) && !isOffered)
         facts.rate = rate;
     return facts;
+}
+
+int fx_FrameRotation(AVFrame const& frame, int ofStream)
+{
+    AVFrameSideData const* const data = av_frame_get_side_data(&frame, AV_FRAME_DATA_DISPLAYMATRIX);
+    bool const isWhole = data && static_cast<size_t>(data->size) >= 9 * sizeof(int32_t);
+    return isWhole ? fx_Rotation(reinterpret_cast<int32_t const*>(data->data)) : ofStream;
 }

@@ -19,3 +19,7 @@ struct SxStreamFacts
 };
 
 SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin);
+
+/// The same rotation for one picture: what it says itself, as cameras write it into each JPEG, else \p
+/// ofStream.
+int fx_FrameRotation(AVFrame const& frame, int ofStream);

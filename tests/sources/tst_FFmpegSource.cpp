@@ -27,6 +27,7 @@ private slots:
     void rateIsThatOfTheVideo();
     void rotationIsThatOfTheVideo_data();
     void rotationIsThatOfTheVideo();
+    void rotationIsThatOfEachPicture();
     void rawPicturesAreCopied_data();
     void rawPicturesAreCopied();
     void errorNamesTheFile();
@@ -434,6 +435,32 @@ void tst_FFmpegSource::rotationIsThatOfTheVideo()
     CxFFmpegSource source({path("turned.mp4")}, 0, nullptr);
     fx_ReadAll(source);
     QTEST(source.rotation(), "rotation");
+}
+
+/// A JPEG that says its orientation in numbers of Exif; 0: says nothing.
+static QByteArray fx_OrientedJpeg(char orientation)
+{
+    QByteArray jpeg = fx_Jpeg();
+    // A segment with an entry of a TIFF directory: tag 0x0112, one word.
+    QByteArray const segment = QByteArray::fromHex("ffe1002245786966000049492a00080000000100120103000100"
+                                                   "0000") +
+                               orientation + QByteArray(7, '\0');
+    return orientation == 0 ? jpeg : jpeg.insert(2, segment);
+}
+
+void tst_FFmpegSource::rotationIsThatOfEachPicture()
+{
+    QStringList files;
+    for (char const orientation : {char(6), char(0), char(3), char(8), char(1)}) {
+        files += path(QStringLiteral("%1.jpg").arg(int(orientation)));
+        QVERIFY(fx_WriteFile(files.last(), fx_OrientedJpeg(orientation)));
+    }
+    CxFFmpegSource source(files, 0, nullptr);
+    CxOwnedPicture picture;
+    for (int const rotation : {90, 0, 180, 270, 0}) {
+        QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+        QCOMPARE(source.rotation(), rotation);
+    }
 }
 
 void tst_FFmpegSource::inputsWithoutAPictureAreLeftOutAndNamed_data()
