@@ -271,6 +271,7 @@ QString fx_RecordHelp()
                "\n"
                "  minihost record camera: test.h264                     the built-in test camera\n"
                "  minihost record --quality 8 shots/*.png shots.h264    pictures, in this order\n"
+               "  minihost record shots/ shots.h264                     those of a folder\n"
                "  minihost record clip.mp4 clip.h264                    any video\n"
                "  minihost record --rotate auto phone.mp4 phone.h264    upright, as it was taken\n"
                "  minihost record --crop 640x480+0+120 --scale 320x240 clip.mp4 part.h264\n"
@@ -284,7 +285,8 @@ QString fx_RecordHelp()
                "Usage: minihost record [options] SOURCE... OUTPUT.h264|.mp4|.mov|.mkv\n"
                "\n"
                "SOURCE is camera:, picture files (PNG, JPEG, BMP, PNM, TIFF with 8 or 16 bits), a\n"
-               "video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
+               "folder of them or a pattern for their names (shot_%05d.png), shot_2 before shot_10,\n"
+               "a video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
                "\n"
                "What to record\n") +
            fx_OptionsHelp(fx_PartOptions() + fx_SourceOptions()) +

@@ -12,7 +12,8 @@
 /// A `record` command line, checked as far as it can be without opening anything.
 struct SxRecordArguments
 {
-    QStringList sources; ///< without the output; empty for the test camera
+    QStringList sources;  ///< without the output; empty for the test camera
+    QStringList warnings; ///< about these, still to be told
     bool isCamera = false;
     SxTestCameraOptions camera;
     SxRecordRequest request;

@@ -11,12 +11,15 @@
 #include "FilteredSource.h"
 #include "Interrupt.h"
 #include "NotedRecording.h"
+#include "PictureRate.h"
+#include "PictureSizes.h"
 #include "ProgressLine.h"
 #include "QualityTrial.h"
 #include "RecordArguments.h"
 #include "RecordReport.h"
 #include "SameFile.h"
 #include "Session.h"
+#include "SourceFiles.h"
 #include "SourceNotes.h"
 
 namespace {
@@ -24,19 +27,38 @@ namespace {
 constexpr int kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
 constexpr int kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
 
-/// What stands in the way of reading the sources, one sentence; empty when nothing is known to.
-QString fx_SourceObstacle(SxRecordArguments const& arguments)
+/// Finds the files that the sources stand for, and says what is to be said of them. \return what stands in
+/// the way of reading them, one sentence; empty when nothing is known to.
+QString fx_TakeSources(SxRecordArguments& arguments)
 {
-    for (QString const& source : arguments.sources) {
-        QFileInfo const info(source);
-        if (info.isDir())
-            return QStringLiteral("%1: this is a folder; name the files in it.").arg(source);
-        // A reader that the user chose may take names of other things than files.
-        if (arguments.input.format.isEmpty() && !info.exists() && source != QLatin1String("-") &&
-            !source.contains(QLatin1Char(':')))
-            return QStringLiteral("%1: there is no such file.").arg(source);
-    }
+    bool const isReaderChosen = !arguments.input.format.isEmpty();
+    SxSourceFiles const found = fx_FindSources(arguments.sources, isReaderChosen);
+    if (!found.obstacle.isEmpty())
+        return found.obstacle;
+    for (QString const& note : found.notes)
+        Console::message(note);
+    arguments.sources = found.names;
+    arguments.warnings = found.warnings;
     return QString();
+}
+
+/// What of the sources is known not to come out at one size, one sentence; else empty.
+QString fx_MixedSizes(SxRecordArguments const& arguments)
+{
+    if (arguments.sources.size() < 2 || !arguments.input.format.isEmpty() ||
+        !arguments.input.options.isEmpty())
+        return QString();
+    SxSourcePart const& part = arguments.part;
+    // What has no clock of its own counts kPicturesASecond.
+    auto const pictures = [](SxPlayLength const& length) {
+        return length.isPictures ? length.value : (length.value * kPicturesASecond + 999999) / 1000000;
+    };
+    qint64 const first = part.start ? pictures(*part.start) : 0;
+    qint64 count = part.duration ? pictures(*part.duration) : LLONG_MAX - first;
+    if (arguments.request.maxPictures > 0)
+        count = std::min<qint64>(count, arguments.request.maxPictures);
+    return fx_SizeObstacle(arguments.sources, arguments.changes, arguments.request.stop, first,
+                           first + count);
 }
 
 /// What stands in the way of writing the output, one sentence; empty when nothing does.
@@ -117,13 +139,13 @@ public:
 
     QStringList const& warnings() const { return m_warnings; }
 
-private:
     void warn(QString const& sentence)
     {
         Console::warning(sentence);
         m_warnings += sentence;
     }
 
+private:
     void passWarnings()
     {
         for (QString const& warning : m_source.takeWarnings())
@@ -229,6 +251,8 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
 {
     std::unique_ptr<CxFilteredSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
+    for (QString const& warning : arguments.warnings)
+        watcher.warn(warning);
     SxRecordSummary summary =
         fx_RecordWithSidecar(*source, fx_RawRequest(arguments.request),
                              [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
@@ -266,7 +290,7 @@ int fx_RunRecord(QStringList const& arguments)
     if (!parsed.run.verbose)
         Console::hideLibraryOutput();
 
-    error = fx_SourceObstacle(parsed);
+    error = fx_TakeSources(parsed);
     if (!error.isEmpty())
         return fx_Failed(error, kBadInput);
     error = fx_OutputObstacle(parsed);
@@ -278,5 +302,8 @@ int fx_RunRecord(QStringList const& arguments)
     if (!error.isEmpty())
         return fx_WrongUsage(QStringLiteral("record"), error);
     parsed.request.stop = &fx_CatchInterrupts();
+    error = fx_MixedSizes(parsed);
+    if (!error.isEmpty())
+        return fx_Failed(error, kBadInput);
     return fx_RecordAndReport(parsed);
 }

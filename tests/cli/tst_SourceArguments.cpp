@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QJsonArray>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -20,6 +21,10 @@ private slots:
     void partOfTheCameraEndsByItself_data();
     void partOfTheCameraEndsByItself();
     void startBehindTheEndRecordsNothing();
+    void foldersAndPatternsAreRecordedInNaturalOrder_data();
+    void foldersAndPatternsAreRecordedInNaturalOrder();
+    void sizesThatDifferAreToldBeforeAnythingIsRecorded();
+    void missingNumbersOfAPatternAreAWarning();
     void valuesThatMakeNoSenseAreWrongUsage_data();
     void valuesThatMakeNoSenseAreWrongUsage();
     void cropBeyondThePictureRecordsNothing();
@@ -146,6 +151,62 @@ void tst_SourceArguments::startBehindTheEndRecordsNothing()
     QVERIFY2(run.err.contains("The last of the pictures is number 0, at 0.000 s: the start lies behind it."),
              run.err);
     QVERIFY(!QFile::exists(path("out.h264")));
+}
+
+static QByteArray fx_GreyFile(int width, int height, int grey)
+{
+    return fx_PnmFile(width, height, 1, 255, QByteArray(width * height, char(grey)));
+}
+
+void tst_SourceArguments::foldersAndPatternsAreRecordedInNaturalOrder_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::newRow("folder") << ".";
+    QTest::newRow("pattern") << "shot %d ü.pgm";
+}
+
+void tst_SourceArguments::foldersAndPatternsAreRecordedInNaturalOrder()
+{
+    QFETCH(QString, source);
+    for (int i = 8; i < 12; ++i)
+        QVERIFY(fx_WriteFile(path(QStringLiteral("shot %1 ü.pgm").arg(i)), fx_GreyFile(32, 32, i * 20)));
+    QVERIFY(fx_WriteFile(path("notes.txt"), "Dear diary"));
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", path(source), path("out.h264"), "--quality", "10", "--json"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.json().value("expected").toInt(), 4);
+    QCOMPARE(run.err.contains("one thing that is no picture by its name, is passed over."), source == ".");
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{4});
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(std::abs(fx_Luma(decoded[static_cast<size_t>(i)], 16, 16) - (8 + i) * 20) < 4);
+}
+
+void tst_SourceArguments::sizesThatDifferAreToldBeforeAnythingIsRecorded()
+{
+    QVERIFY(fx_WriteFile(path("1.pgm"), fx_GreyFile(64, 48, 100)));
+    QVERIFY(fx_WriteFile(path("2.pgm"), fx_GreyFile(48, 64, 100)));
+    SxMinihostRun const run = fx_RunMinihost({"record", m_folder->path(), path("out.h264")});
+    QCOMPARE(run.exitCode, 4);
+    QVERIFY2(run.err.contains("2.pgm is 48 x 64, those before it are 64 x 48"), run.err);
+    QCOMPARE(run.err.count('\n'), 1);
+    QVERIFY(!QFile::exists(path("out.h264")));
+
+    SxMinihostRun const scaled =
+        fx_RunMinihost({"record", m_folder->path(), path("out.h264"), "--scale", "32x32", "--json"});
+    QVERIFY2(scaled.exitCode == 0, scaled.err);
+    QCOMPARE(scaled.json().value("given").toInt(), 2);
+}
+
+void tst_SourceArguments::missingNumbersOfAPatternAreAWarning()
+{
+    for (char const* name : {"s1.pgm", "s2.pgm", "s5.pgm"})
+        QVERIFY(fx_WriteFile(path(name), fx_GreyFile(32, 32, 100)));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("s%d.pgm"), path("out.h264"), "--json"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(run.err.contains("s%d.pgm: 2 of the numbers from 1 to 5 are missing: 3-4."), run.err);
+    QCOMPARE(run.json().value("warnings").toArray().size(), 1);
 }
 
 void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
