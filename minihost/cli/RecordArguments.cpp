@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <unistd.h>
 
 #include "ContainerWriter.h"
 #include "ExitCode.h"
@@ -164,16 +165,21 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
                    : QStringLiteral("'%1' alone is not enough: a source and an output are needed.")
                          .arg(names.first());
     parsed.request.outputFile = names.takeLast();
+    if (parsed.request.outputFile == QLatin1String("-"))
+        parsed.request.outputFile = QLatin1String(kStandardOutputName);
+    bool const isStandard = parsed.request.outputFile == QLatin1String(kStandardOutputName);
+    if (isStandard && isatty(STDOUT_FILENO) != 0)
+        return QStringLiteral(
+            "Standard output is a terminal: send it to a program (| ffplay -) or name a file.");
     // The last argument is going to be written: a forgotten output must not cost a picture.
     QFileInfo const output(parsed.request.outputFile);
-    bool const isDevice = output.exists() && !output.isFile() && !output.isDir();
+    bool const isDevice = isStandard || (output.exists() && !output.isFile() && !output.isDir());
     if (!isDevice && output.suffix() != QLatin1String("h264") && output.suffix() != QLatin1String("264") &&
         !fx_ContainerKindOf(parsed.request.outputFile))
-        return fx_IsStandardOutput(parsed.request.outputFile)
-                   ? QStringLiteral("Standard output is a file here: name that file as the output.")
-                   : QStringLiteral(
-                         "'%1' cannot be the output: its name must end in .h264, .mp4, .mov or .mkv.")
-                         .arg(parsed.request.outputFile);
+        return QStringLiteral("'%1' cannot be the output: its name must end in .h264, .mp4, .mov or .mkv.")
+            .arg(parsed.request.outputFile);
+    if (isStandard)
+        parsed.request.keepsSidecar = false; // nobody would look for one there
 
     if (parsed.run.json && fx_IsStandardOutput(parsed.request.outputFile))
         return QStringLiteral("--json and the recording cannot both go to standard output.");
@@ -278,11 +284,12 @@ QString fx_RecordHelp()
                "  minihost record --start 1:02.5 --duration 10s clip.mkv part.h264\n"
                "  minihost record clip.mp4 clip.mkv                     into a container, as remux makes it\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
+               "  minihost record clip.mp4 - | ffplay -                 - is standard output\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
                "  ... | minihost record --input-format rawvideo --input-option video_size=1920x1080 \\\n"
                "            --input-option pixel_format=bgra - raw.h264  raw pictures\n"
                "\n"
-               "Usage: minihost record [options] SOURCE... OUTPUT.h264|.mp4|.mov|.mkv\n"
+               "Usage: minihost record [options] SOURCE... OUTPUT.h264|.mp4|.mov|.mkv|-\n"
                "\n"
                "SOURCE is camera:, picture files (PNG, JPEG, BMP, PNM, TIFF with 8 or 16 bits), a\n"
                "folder of them or a pattern for their names (shot_%05d.png), shot_2 before shot_10,\n"

@@ -69,6 +69,8 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
         if (fx_IsSameFile(source, output))
             return QStringLiteral("%1: the recording would replace its own source.").arg(output);
     }
+    if (output == QLatin1String(kStandardOutputName))
+        return QString();
     QFileInfo const info(output);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(output);

@@ -29,8 +29,8 @@ SxSourceFiles fx_FindSources(QStringList const& sources, bool isReaderChosen)
             continue;
         }
         found.names += source;
-        if (!isReaderChosen && !info.exists() && source != QLatin1String("-") && !source.contains(QLatin1Char(':')) &&
-            found.obstacle.isEmpty())
+        if (!isReaderChosen && !info.exists() && source != QLatin1String("-") &&
+            !source.contains(QLatin1Char(':')) && found.obstacle.isEmpty())
             found.obstacle = QStringLiteral("%1: there is no such file.").arg(source);
     }
     return found;

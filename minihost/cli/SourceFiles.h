@@ -8,7 +8,8 @@ struct SxSourceFiles
     QStringList names;    ///< of files, and whatever else FFmpeg opens, in their order
     QStringList notes;    ///< sentences
     QStringList warnings; ///< sentences
-    QString obstacle;     ///< what stands in the way of reading them, one sentence; empty when nothing is known to
+    QString
+        obstacle; ///< what stands in the way of reading them, one sentence; empty when nothing is known to
 };
 
 /// Puts the pictures of folders and patterns in their place.

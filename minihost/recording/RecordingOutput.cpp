@@ -37,7 +37,13 @@ bool CxRecordingOutput::open(QString const& fileName, std::atomic<bool> const* s
     m_stop = stop;
     struct stat found = {};
     bool const exists = stat(QFile::encodeName(fileName).constData(), &found) == 0;
-    return exists && !S_ISREG(found.st_mode) ? openOther(error) : openFile(error);
+    if (exists && !S_ISREG(found.st_mode))
+        return openOther(error);
+    if (fileName != QLatin1String(kStandardOutputName))
+        return openFile(error);
+    // The file is the shell's, which may have begun it or want it written behind its end.
+    m_out = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    return openMemory(error);
 }
 
 /// Opens and locks the file. The lock is the system's, goes with the process and leaves nothing behind.
@@ -84,6 +90,12 @@ bool CxRecordingOutput::openOther(QString& error)
             return false;
         poll(nullptr, 0, kWaitMs); // nothing tells when a reader comes
     }
+    return openMemory(error);
+}
+
+/// The file in memory for what has been opened; false, with \p error one sentence, when that or this failed.
+bool CxRecordingOutput::openMemory(QString& error)
+{
     if (m_out >= 0)
         m_memory = memfd_create("recording", MFD_CLOEXEC);
     if (m_memory < 0) {

@@ -7,7 +7,8 @@
 class QFile;
 
 /// Where a recording goes. A regular file is held against other recordings as long as the object lives. What
-/// else there is, pipes and devices, gets its bytes through a file in memory, where they can be counted.
+/// else there is, pipes, devices and whatever standard output is, gets its bytes through a file in memory,
+/// where they can be counted.
 class CxRecordingOutput
 {
 public:
@@ -41,6 +42,7 @@ public:
 private:
     bool openFile(QString& error);
     bool openOther(QString& error);
+    bool openMemory(QString& error);
     bool writeOut(char const* bytes, size_t count);
 
     QString m_fileName;

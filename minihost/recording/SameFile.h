@@ -4,6 +4,9 @@
 
 struct stat;
 
+/// What "-" as the name of an output stands for.
+constexpr char kStandardOutputName[] = "/dev/stdout";
+
 /// True when both describe one file, pipe or device.
 bool fx_IsSameInode(struct stat const& a, struct stat const& b);
 

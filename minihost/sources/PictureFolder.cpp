@@ -54,8 +54,9 @@ static bool fx_IsPictureName(QString const& name)
 {
     static QSet<QString> const kEnds = [] {
         QSet<QString> ends;
-        for (char const* end : {"bmp", "dpx", "exr", "j2k", "jp2", "jpeg", "jpg", "jxl", "pam", "pbm", "pcx",
-                                "pgm", "pgmyuv", "png", "pnm", "ppm", "qoi", "sgi", "tga", "tif", "tiff", "webp", "xwd"})
+        for (char const* end :
+             {"bmp",    "dpx", "exr", "j2k", "jp2", "jpeg", "jpg", "jxl", "pam",  "pbm",  "pcx", "pgm",
+              "pgmyuv", "png", "pnm", "ppm", "qoi", "sgi",  "tga", "tif", "tiff", "webp", "xwd"})
             ends.insert(QString::fromLatin1(end));
         return ends;
     }();
@@ -67,7 +68,8 @@ struct SxCloseDir
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
-/// The names in a folder, hidden ones left out; Qt leaves out those that are no text, which here is an obstacle.
+/// The names in a folder, hidden ones left out; Qt leaves out those that are no text, which here is an
+/// obstacle.
 static QStringList fx_NamesIn(QString const& folder, QString& obstacle)
 {
     std::unique_ptr<DIR, SxCloseDir> const opened(opendir(QFile::encodeName(folder).constData()));
@@ -83,7 +85,8 @@ static QStringList fx_NamesIn(QString const& folder, QString& obstacle)
         if (QFile::encodeName(name) == entry->d_name)
             names += name;
         else if (obstacle.isEmpty() && fx_IsPictureName(name))
-            obstacle = QStringLiteral("%1: the name of the file '%2' is no UTF-8 text; rename it.").arg(folder, name);
+            obstacle = QStringLiteral("%1: the name of the file '%2' is no UTF-8 text; rename it.")
+                           .arg(folder, name);
     }
     return names;
 }
@@ -107,14 +110,16 @@ SxPictureFiles fx_PicturesInFolder(QString const& folder)
         found.files += QDir(folder).filePath(name);
     if (passedOver > 0)
         found.note = QStringLiteral("%1: what else is in it, %2 by its name, is passed over.")
-                         .arg(folder, passedOver == 1 ? QStringLiteral("one thing that is no picture")
-                                                      : QStringLiteral("%1 things that are no pictures").arg(passedOver));
+                         .arg(folder, passedOver == 1
+                                          ? QStringLiteral("one thing that is no picture")
+                                          : QStringLiteral("%1 things that are no pictures").arg(passedOver));
     if (found.obstacle.isEmpty() && found.files.isEmpty())
         found.obstacle = QStringLiteral("%1: there is no picture in this folder.").arg(folder);
     return found;
 }
 
-/// The one %d of a pattern's last part: where it stands, and how many digits at least. Invalid without exactly one.
+/// The one %d of a pattern's last part: where it stands, and how many digits at least. Invalid without
+/// exactly one.
 static QRegularExpressionMatch fx_NumberIn(QString const& name)
 {
     static QRegularExpression const kForm(
@@ -160,11 +165,13 @@ SxPictureFiles fx_PicturesOfPattern(QString const& pattern)
     QRegularExpressionMatch const parts = fx_NumberIn(info.fileName());
     int const digits = qMax(1, parts.captured(2).toInt());
     auto const literal = [&](int part) {
-        return QRegularExpression::escape(parts.captured(part).replace(QLatin1String("%%"), QLatin1String("%")));
+        return QRegularExpression::escape(
+            parts.captured(part).replace(QLatin1String("%%"), QLatin1String("%")));
     };
     // A number with more digits than asked for has no zeros before it.
     QString const number = QStringLiteral("([0-9]{%1}|[1-9][0-9]{%1,17})").arg(digits);
-    QRegularExpression const form(QStringLiteral("\\A") + literal(1) + number + literal(3) + QStringLiteral("\\z"));
+    QRegularExpression const form(QStringLiteral("\\A") + literal(1) + number + literal(3) +
+                                  QStringLiteral("\\z"));
     QVector<QPair<qint64, QString>> numbered;
     for (QString const& name : fx_NamesIn(info.path(), found.obstacle)) {
         QRegularExpressionMatch const match = form.match(name);
@@ -179,6 +186,7 @@ SxPictureFiles fx_PicturesOfPattern(QString const& pattern)
     }
     found.gap = fx_Gap(pattern, numbers);
     if (found.obstacle.isEmpty() && found.files.isEmpty())
-        found.obstacle = QStringLiteral("%1: there is no such file, and none with a number in that place.").arg(pattern);
+        found.obstacle =
+            QStringLiteral("%1: there is no such file, and none with a number in that place.").arg(pattern);
     return found;
 }

@@ -20,6 +20,6 @@ SxPictureFiles fx_PicturesInFolder(QString const& folder);
 /// True for a name like "shots/shot_%05d.png" that is not a file's: a pattern for the names of many.
 bool fx_IsPicturePattern(QString const& source);
 
-/// The files whose names a pattern makes of any number, by that number. %d stands for a number, %05d for one with
-/// zeros before it up to five digits, %% for a per cent sign.
+/// The files whose names a pattern makes of any number, by that number. %d stands for a number, %05d for one
+/// with zeros before it up to five digits, %% for a per cent sign.
 SxPictureFiles fx_PicturesOfPattern(QString const& pattern);

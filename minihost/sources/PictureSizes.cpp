@@ -22,7 +22,8 @@ SxStored fx_Look(QString const& file)
     AVFormatContext* opened = nullptr;
     AVDictionary* options = nullptr;
     av_dict_set(&options, "pattern_type", "none", 0); // a per cent sign is no pattern for more names
-    int const error = avformat_open_input(&opened, fx_FFmpegInput(file, QString()).url.constData(), nullptr, &options);
+    int const error =
+        avformat_open_input(&opened, fx_FFmpegInput(file, QString()).url.constData(), nullptr, &options);
     av_dict_free(&options);
     if (error < 0)
         return found;
@@ -32,7 +33,8 @@ SxStored fx_Look(QString const& file)
         return found;
     int const stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (stream >= 0)
-        found.size = QSize(format->streams[stream]->codecpar->width, format->streams[stream]->codecpar->height);
+        found.size =
+            QSize(format->streams[stream]->codecpar->width, format->streams[stream]->codecpar->height);
     return found;
 }
 
@@ -52,8 +54,8 @@ SxStored fx_LookAtPicture(QString const& file, std::atomic<bool> const* stop)
 
 } // namespace
 
-QString fx_SizeObstacle(QStringList const& files, SxPictureChanges const& changes, std::atomic<bool> const* stop,
-                        qint64 first, qint64 end)
+QString fx_SizeObstacle(QStringList const& files, SxPictureChanges const& changes,
+                        std::atomic<bool> const* stop, qint64 first, qint64 end)
 {
     QSize wanted;
     qint64 number = 0;
@@ -75,7 +77,8 @@ QString fx_SizeObstacle(QStringList const& files, SxPictureChanges const& change
         if (wanted.isEmpty())
             wanted = plan.size;
         if (plan.size != wanted)
-            return QStringLiteral("%1 is %2 x %3, those before it are %4 x %5: a recording has one size, to which --scale "
+            return QStringLiteral("%1 is %2 x %3, those before it are %4 x %5: a recording has one size, to "
+                                  "which --scale "
                                   "would bring them all.")
                 .arg(file)
                 .arg(plan.size.width())

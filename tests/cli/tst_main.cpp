@@ -2,6 +2,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "support/FileBytes.h"
 #include "support/Minihost.h"
 
 /// minihost's command line: help, version, and every mistake told in one sentence with exit code 2.
@@ -28,7 +29,9 @@ private slots:
     void resultsThatDoNotArriveAreToldWithTheCause_data();
     void resultsThatDoNotArriveAreToldWithTheCause();
     void closedStreamsAreNotMistakenForFiles();
-    void fileBehindStandardOutputIsToBeNamed();
+    void recordingGoesWhereStandardOutputDoes_data();
+    void recordingGoesWhereStandardOutputDoes();
+    void recordingDoesNotGoToATerminal();
     void jsonAndRecordingDoNotShareStandardOutput_data();
     void jsonAndRecordingDoNotShareStandardOutput();
 
@@ -385,14 +388,43 @@ void tst_main::jsonAndRecordingDoNotShareStandardOutput()
     QCOMPARE(run.out, QByteArray());
 }
 
-void tst_main::fileBehindStandardOutputIsToBeNamed()
+void tst_main::recordingGoesWhereStandardOutputDoes_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("script");
+    for (QString const output : {"-", "/dev/stdout"}) {
+        QTest::addRow("%s, a file", qPrintable(output)) << output << "\"$@\" >out";
+        QTest::addRow("%s, behind what is in a file", qPrintable(output))
+            << output << "echo head >out; \"$@\" >>out";
+        QTest::addRow("%s, a pipe", qPrintable(output)) << output << "\"$@\" | cat >out";
+    }
+}
+
+void tst_main::recordingGoesWhereStandardOutputDoes()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, script);
+    QTemporaryDir folder;
+    QStringList const arguments{"record", "camera:", "--size", "64x48", "--frames", "3", "-q"};
+    QCOMPARE(fx_RunMinihost(arguments + QStringList{"named.h264"}, QByteArray(), folder.path()).exitCode, 0);
+    SxMinihostRun const run = fx_RunMinihostInShell(script, arguments + QStringList{output}, folder.path());
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.err, QByteArray());
+    QByteArray const head = script.contains("head") ? "head\n" : "";
+    QByteArray const named = fx_FileBytes(folder.filePath("named.h264"));
+    QVERIFY(!named.isEmpty());
+    QVERIFY(fx_FileBytes(folder.filePath("out")) == head + named);
+}
+
+void tst_main::recordingDoesNotGoToATerminal()
 {
     QTemporaryDir folder;
     SxMinihostRun const run =
-        fx_RunMinihostInShell("\"$@\" >out", {"record", "camera:", "/dev/stdout"}, folder.path());
+        fx_RunMinihostInShell("exec script -qec \"$*\" /dev/null", {"record", "camera:", "-"}, folder.path());
     QCOMPARE(run.exitCode, 2);
-    QVERIFY2(run.err.startsWith("error: Standard output is a file here: name that file as the output."),
-             run.err);
+    QVERIFY2(
+        run.out.contains("Standard output is a terminal: send it to a program (| ffplay -) or name a file."),
+        run.out);
 }
 
 QTEST_GUILESS_MAIN(tst_main)

@@ -55,9 +55,35 @@ QStringList tst_PictureFolder::namesOf(SxPictureFiles const& found) const
 
 void tst_PictureFolder::namesAreOrderedAsPeopleCount()
 {
-    QStringList const ordered{" 1", "-1", "01", "1", "1 a", "1a", "002", "2", "10", "A", "a", "a1b2", "a1b10", "a2b1",
-                              "a9", "a12345678901234567890", "a12345678901234567891", "aa", "b", "shot", "shot.png",
-                              "shot2.png", "shot_1", "shot_02", "shot_2", "shot_10", "ä1", "ä2", "ä10"};
+    QStringList const ordered{" 1",
+                              "-1",
+                              "01",
+                              "1",
+                              "1 a",
+                              "1a",
+                              "002",
+                              "2",
+                              "10",
+                              "A",
+                              "a",
+                              "a1b2",
+                              "a1b10",
+                              "a2b1",
+                              "a9",
+                              "a12345678901234567890",
+                              "a12345678901234567891",
+                              "aa",
+                              "b",
+                              "shot",
+                              "shot.png",
+                              "shot2.png",
+                              "shot_1",
+                              "shot_02",
+                              "shot_2",
+                              "shot_10",
+                              "ä1",
+                              "ä2",
+                              "ä10"};
     for (int i = 0; i < ordered.size(); ++i) {
         for (int j = 0; j < ordered.size(); ++j)
             QVERIFY2(fx_IsNaturallyBefore(ordered[i], ordered[j]) == (i < j),
@@ -114,8 +140,8 @@ void tst_PictureFolder::patternsAreTold_data()
     QTest::addColumn<bool>("isPattern");
     for (char const* name : {"%d.png", "shot_%05d.png", "%%%d%%", "a%09d", "dir%/b%d.png"})
         QTest::newRow(name) << true;
-    for (char const* name : {"shot.png", "%", "%s.png", "%5d.png", "%00d.png", "%010d.png", "%d_%d.png", "100%.png",
-                             "%%d.png", "%d/a.png", ""})
+    for (char const* name : {"shot.png", "%", "%s.png", "%5d.png", "%00d.png", "%010d.png", "%d_%d.png",
+                             "100%.png", "%%d.png", "%d/a.png", ""})
         QTest::newRow(name) << false;
 }
 
@@ -135,16 +161,17 @@ void tst_PictureFolder::patternHasTheFilesThatItMakes_data()
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QStringList>("there");
     QTest::addColumn<QStringList>("expected");
-    QTest::newRow("%d") << "s%d.png"
-                        << QStringList{"s10.png", "s2.png", "s02.png", "s.png", "t1.png", "s1.pngx", "xs1.png", "s3.png\n"}
+    QTest::newRow("%d") << "s%d.png" << QStringList{"s10.png", "s2.png",  "s02.png", "s.png",
+                                                    "t1.png",  "s1.pngx", "xs1.png", "s3.png\n"}
                         << QStringList{"s2.png", "s10.png"};
-    QTest::newRow("%03d") << "s%03d.png"
-                          << QStringList{"s000.png", "s1000.png", "s0999.png", "s999.png", "s1.png", "s0001.png"}
+    QTest::newRow("%03d") << "s%03d.png" << QStringList{"s000.png", "s1000.png", "s0999.png",
+                                                        "s999.png", "s1.png",    "s0001.png"}
                           << QStringList{"s000.png", "s999.png", "s1000.png"};
     QTest::newRow("signs with a meaning elsewhere")
         << "a.b(%%)%01d[x]" << QStringList{"a.b(%)7[x]", "axb(%)7[x]"} << QStringList{"a.b(%)7[x]"};
     QTest::newRow("whatever the end") << "%d" << QStringList{"5", "55", "a5"} << QStringList{"5", "55"};
-    QTest::newRow("numbers in what stands around") << "%%1%d" << QStringList{"%17", "%27"} << QStringList{"%17"};
+    QTest::newRow("numbers in what stands around")
+        << "%%1%d" << QStringList{"%17", "%27"} << QStringList{"%17"};
 }
 
 void tst_PictureFolder::patternHasTheFilesThatItMakes()

@@ -68,12 +68,12 @@ void tst_PictureSizes::sizesThatDifferAreNamed_data()
     part.crop = QRect(8, 8, 40, 40);
     SxPictureChanges turned;
     turned.turnsItself = true;
-    auto const row = [](char const* name, QStringList const& files, SxPictureChanges const& changes, QString const& says,
-                        int first = 0, int end = 100) {
-        QTest::newRow(name) << files << changes << first << end << says;
-    };
-    QString const tall("tall.pgm is 48 x 64, those before it are 64 x 48: a recording has one size, to which --scale would "
-                       "bring them all.");
+    auto const row = [](char const* name, QStringList const& files, SxPictureChanges const& changes,
+                        QString const& says, int first = 0,
+                        int end = 100) { QTest::newRow(name) << files << changes << first << end << says; };
+    QString const tall(
+        "tall.pgm is 48 x 64, those before it are 64 x 48: a recording has one size, to which --scale would "
+        "bring them all.");
     row("alike", {"a.pgm", "b.pgm"}, none, "");
     row("one differs", {"a.pgm", "b.pgm", "tall.pgm", "a.pgm"}, none, tall);
     row("scaled", {"a.pgm", "tall.pgm"}, scaled, "");
@@ -100,7 +100,8 @@ void tst_PictureSizes::sizesThatDifferAreNamed()
     QFETCH(QString, says);
     for (QString& file : files)
         file = path(file);
-    QCOMPARE(fx_SizeObstacle(files, changes, nullptr, first, end), says.isEmpty() ? QString() : m_folder.path() + "/" + says);
+    QCOMPARE(fx_SizeObstacle(files, changes, nullptr, first, end),
+             says.isEmpty() ? QString() : m_folder.path() + "/" + says);
 }
 
 void tst_PictureSizes::stopEndsTheLook()
