@@ -18,8 +18,8 @@ QVector<SxOption> fx_PictureOptions()
 {
     return {
         {"rotate", 0, "R",
-         QStringLiteral("turn pictures clockwise by 90, 180 or 270 degrees; auto: as the source\n"
-                        "says, as phones do")},
+         QStringLiteral("turn pictures clockwise by 90, 180 or 270 degrees; auto: as the\n"
+                        "source says, as phones do")},
         {"crop", 0, "WxH+X+Y",
          QStringLiteral("keep this part of the (turned) pictures, X and Y from the top left:\n"
                         "640x480+0+120")},
