@@ -9,6 +9,7 @@
 #include "ExitCode.h"
 #include "PictureRate.h"
 #include "PlayCommand.h"
+#include "PlayerAdvice.h"
 #include "Readable.h"
 #include "StreamKind.h"
 #include "UnfinishedRecording.h"
@@ -135,7 +136,7 @@ QString fx_Text(CxRecordingReader const& recording, SxRecordingInfo const& info)
                         fx_FrameSizeText(recording, info.smallest)),
            }
                .join(QLatin1Char('\n')) +
-           fx_SidecarLines(recording.sidecar().sidecar);
+           fx_SidecarLines(recording.sidecar().sidecar) + fx_PlayerLines(recording, info.kind);
 }
 
 /// Of a file that is only on the way to a container; a newline before it.
@@ -214,6 +215,7 @@ QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info,
         {QStringLiteral("largestKeyFrameSpacing"), fx_OrNull(info.largestSpacing != 0, info.largestSpacing)},
         {QStringLiteral("fps"), recording.fps()},
         {QStringLiteral("fpsIsAssumed"), !recording.rate().isKnown()},
+        {QStringLiteral("otherPlayers"), fx_PlayerJson(recording, info.kind)},
         {QStringLiteral("sidecar"), fx_SidecarJson(recording.sidecar().sidecar)},
         {QStringLiteral("seconds"), info.seconds},
         {QStringLiteral("bytes"), recording.fileBytes()},

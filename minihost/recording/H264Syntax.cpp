@@ -76,6 +76,34 @@ static bool fx_ReadSize(CxBitReader& reader, SxH264Sps& sps)
     return true;
 }
 
+/// vui_parameters() (E.1.1) up to the rate. What is cut off before says nothing.
+static void fx_ReadVui(CxBitReader& reader, SxH264Sps& sps)
+{
+    if (reader.flag() && reader.bits(8) == 255) // aspect_ratio_idc, Extended_SAR
+        reader.skip(32);
+    if (reader.flag())
+        reader.flag(); // overscan_appropriate_flag
+    bool hasColours = false;
+    if (reader.flag()) { // video_signal_type_present_flag
+        reader.skip(4);
+        hasColours = reader.flag();
+        if (hasColours)
+            reader.skip(24);
+    }
+    if (reader.flag()) { // chroma_loc_info_present_flag
+        reader.ue();
+        reader.ue();
+    }
+    bool const hasRate = reader.flag();
+    quint32 const ticks = hasRate ? reader.bits(32) : 0;
+    quint32 const scale = hasRate ? reader.bits(32) : 0;
+    if (!reader.isGood())
+        return;
+    sps.colour_description_present_flag = hasColours;
+    sps.num_units_in_tick = ticks;
+    sps.time_scale = scale;
+}
+
 std::optional<SxH264Sps> fx_ReadH264Sps(uchar const* unit, size_t size)
 {
     CxBitReader reader(unit, size);
@@ -91,7 +119,11 @@ std::optional<SxH264Sps> fx_ReadH264Sps(uchar const* unit, size_t size)
     fx_SkipPictureOrder(reader);
     reader.ue();   // max_num_ref_frames
     reader.flag(); // gaps_in_frame_num_value_allowed_flag
-    return fx_ReadSize(reader, sps) ? std::make_optional(sps) : std::nullopt;
+    if (!fx_ReadSize(reader, sps))
+        return std::nullopt;
+    if (reader.flag())
+        fx_ReadVui(reader, sps);
+    return sps;
 }
 
 std::optional<SxH264Slice> fx_ReadH264Slice(uchar const* unit, size_t size, SxH264Sps const& sps)

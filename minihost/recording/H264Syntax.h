@@ -17,6 +17,9 @@ struct SxH264Sps
     bool frame_mbs_only_flag = true;
     int width = 0; ///< of the pictures shown, in pixels
     int height = 0;
+    bool colour_description_present_flag = false;
+    quint32 num_units_in_tick = 0; ///< 0: it says no rate
+    quint32 time_scale = 0;        ///< ticks a second
 };
 
 /// What the header of a slice says (7.3.3), up to idr_pic_id.

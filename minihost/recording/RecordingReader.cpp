@@ -120,6 +120,8 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
 
     m_fileBytes = QFileInfo(fileName).size();
     m_sidecar = fx_FindSidecar(fileName);
+    bool const isNoted = m_sidecar.sidecar && m_sidecar.sidecar->rate.isKnown();
+    m_rate = isNoted ? m_sidecar.sidecar->rate : kind.rate;
     m_fps = m_loader.as->loadedFps();
     m_accessor->keyFrames(m_keyFrames);
     int const count = m_loader.as->sequenceSize();

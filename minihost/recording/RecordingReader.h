@@ -49,8 +49,8 @@ public:
     /// What is known of it beyond the stream, and why no more is.
     SxFoundSidecar const& sidecar() const { return m_sidecar; }
 
-    /// The sidecar's rate; unknown when none tells it.
-    SxPictureRate rate() const { return m_sidecar.sidecar ? m_sidecar.sidecar->rate : SxPictureRate(); }
+    /// The sidecar's rate, or what the stream says itself after all; unknown when neither tells it.
+    SxPictureRate rate() const { return m_rate; }
 
     /// Pictures a second: the sidecar's, else the loader's assumption, since the stream does not carry a
     /// rate.
@@ -79,6 +79,7 @@ private:
     QList<int> m_keyFrames;
     qint64 m_fileBytes = 0;
     SxFoundSidecar m_sidecar;
+    SxPictureRate m_rate;
     double m_fps = 0; ///< that the loader assumes
     int m_lastFailed = -1;
     int m_failedInARow = 0; ///< up to that frame, in its group

@@ -2,5 +2,5 @@
 
 #include <QString>
 
-/// A file's name as a shell and this program read it: quoted where it must be, and never like an option.
+/// A file's name as one word of a shell's command line, which no program takes for an option or a protocol.
 QString fx_ShellWord(QString const& fileName);

@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <algorithm>
+#include <climits>
+#include <numeric>
 
 #include "H264Evidence.h"
 #include "ProfileAndLevel.h"
@@ -79,6 +81,19 @@ void fx_TakeMpegUnit(uchar const* unit, size_t size, SxStreamKind& kind)
     }
 }
 
+/// A picture takes two ticks (ITU-T H.264, E.2.1, time_scale).
+SxPictureRate fx_Rate(SxH264Sps const& sps)
+{
+    quint64 const ticks = quint64{2} * sps.num_units_in_tick;
+    quint64 const divisor = std::max<quint64>(std::gcd(quint64{sps.time_scale}, ticks), 1);
+    quint64 const numerator = sps.time_scale / divisor;
+    quint64 const denominator = ticks / divisor;
+    if (numerator > INT_MAX || denominator > INT_MAX)
+        return {};
+    SxPictureRate const rate{static_cast<int>(numerator), static_cast<int>(denominator)};
+    return fx_IsSane(rate) ? rate : SxPictureRate();
+}
+
 void fx_Conclude(CxH264Evidence const& evidence, SxStreamKind& kind)
 {
     if (!evidence.isH264())
@@ -94,6 +109,8 @@ void fx_Conclude(CxH264Evidence const& evidence, SxStreamKind& kind)
     SxProfileAndLevel const named = fx_ProfileAndLevel(sps);
     kind.profile = named.profile;
     kind.level = named.level;
+    kind.saysColours = sps.colour_description_present_flag;
+    kind.rate = fx_Rate(sps);
 }
 
 /// Pictures of H.265 or MPEG video that begin with this unit, counted in fields, of which a picture has two.

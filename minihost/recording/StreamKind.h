@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "PictureRate.h"
+
 /// What a raw stream holds, judged by its units and not by its name.
 ///
 /// A recording is H.264 as OpenH264 writes it: each picture one slice, opened by a unit that the loader's
@@ -19,6 +21,8 @@ struct SxStreamKind
     QStringList features; ///< of a foreign one: "10 bits", "B pictures", ...
     int width = 0;        ///< of its pictures; 0 when it does not say
     int height = 0;
+    SxPictureRate rate;       ///< that H.264 itself says, which few do; else unknown
+    bool saysColours = false; ///< H.264 says what its colours are
 
     QString codecName() const; ///< "H.264"
 };

@@ -1,6 +1,7 @@
 #include <QJsonArray>
 #include <QtTest>
 
+#include "support/DescribedStream.h"
 #include "support/NotedCopy.h"
 #include "support/RecordedCamera.h"
 
@@ -17,6 +18,9 @@ private slots:
     void infoTellsWhatTheSidecarNotes();
     void sidecarOfAnotherRecordingIsIgnoredWithAWarning();
     void infoListsTheFrames();
+    void infoSaysHowOtherPlayersMisread_data();
+    void infoSaysHowOtherPlayersMisread();
+    void streamThatDescribesItselfIsMisreadByNobody();
     void oneFrameHasNoKeyFrameSpacing();
     void infoWarnsOfUndecodableFrame();
 };
@@ -92,7 +96,9 @@ void tst_InfoCommand::infoListsTheFrames()
     QJsonArray const list = json.value("frameList").toArray();
     QCOMPARE(list.size(), kFrames);
     SxMinihostRun const text = run({"info", "--frames", m_recording});
-    QList<QByteArray> const lines = text.out.trimmed().split('\n').mid(6);
+    auto const begin = text.out.indexOf("   frame        offset      size\n");
+    QVERIFY(begin > 0);
+    QList<QByteArray> const lines = text.out.mid(begin).trimmed().split('\n').mid(1);
     QCOMPARE(lines.size(), kFrames);
 
     int end = 0, largest = 0, smallest = static_cast<int>(m_bytes.size());
@@ -116,6 +122,72 @@ void tst_InfoCommand::infoListsTheFrames()
     QCOMPARE(json.value("smallestFrame").toObject().value("size").toInt(), smallest);
     QCOMPARE(list[json.value("smallestFrame").toObject().value("frame").toInt()].toObject(),
              json.value("smallestFrame").toObject());
+}
+
+void tst_InfoCommand::infoSaysHowOtherPlayersMisread_data()
+{
+    QTest::addColumn<QString>("rate"); // noted; empty: no sidecar
+    QTest::addColumn<int>("rotation");
+    QTest::addColumn<QByteArray>("sentence");
+    QTest::addColumn<QByteArray>("mpv");
+    QTest::addColumn<QByteArray>("ffplay");
+    QByteArray const colours = "in wrong colours, full-range BT.601 being taken for limited-range BT.601";
+    QByteArray const format = " --vf=format:colorlevels=full:colormatrix=bt.601:primaries=bt.709";
+    QByteArray const params = " -vf setparams=range=pc:colorspace=smpte170m";
+    QTest::newRow("assumed") << QString() << 0
+                             << QByteArray("too slow, at 25 pictures a second,\n  and " + colours)
+                             << QByteArray(" --demuxer-lavf-o=framerate=30" + format)
+                             << QByteArray(" -framerate 30" + params);
+    QTest::newRow("slow") << "12.5" << 0 << QByteArray("too fast, at 25 pictures a second,\n  and " + colours)
+                          << QByteArray(" --demuxer-lavf-o=framerate=12500/1000" + format)
+                          << QByteArray(" -framerate 12500/1000" + params);
+    QTest::newRow("turned") << "25" << 90 << QByteArray(colours + ",\n  and turned")
+                            << QByteArray(format + " --video-rotate=90")
+                            << QByteArray(params + ",transpose=clock");
+    QTest::newRow("upside down") << "25" << 180 << QByteArray(colours + ",\n  and turned")
+                                 << QByteArray(format + " --video-rotate=180")
+                                 << QByteArray(params + ",hflip,vflip");
+    QTest::newRow("turned left") << "25" << 270 << QByteArray(colours + ",\n  and turned")
+                                 << QByteArray(format + " --video-rotate=270")
+                                 << QByteArray(params + ",transpose=cclock");
+}
+
+void tst_InfoCommand::infoSaysHowOtherPlayersMisread()
+{
+    QFETCH(QString, rate);
+    QFETCH(int, rotation);
+    QFETCH(QByteArray, sentence);
+    QFETCH(QByteArray, mpv);
+    QFETCH(QByteArray, ffplay);
+    SxSidecar sidecar = fx_ExampleSidecar();
+    sidecar.rate = fx_RateFromText(rate).value_or(SxPictureRate());
+    sidecar.rotation = rotation;
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("my clip.h264"), sidecar));
+    if (rate.isEmpty())
+        QVERIFY(QFile::remove(path("my clip.h264.json")));
+    SxMinihostRun const text = run({"info", "my clip.h264"});
+    QVERIFY2(text.out.contains("\n  other players show it " + sentence +
+                               "; right are\n"
+                               "    minihost remux 'my clip.h264' 'my clip.mp4'\n"
+                               "    mpv" +
+                               mpv + " 'my clip.h264'\n    ffplay" + ffplay + " 'my clip.h264'\n"),
+             text.out);
+    QJsonObject const json = run({"info", "--json", "my clip.h264"}).json().value("otherPlayers").toObject();
+    QCOMPARE(json.value("rateIsMisread").toBool(), rate != "25");
+    QCOMPARE(json.value("coloursAreMisread").toBool(), true);
+    QCOMPARE(json.value("rotation").toInt(), rotation);
+    QCOMPARE(json.value("ffplay").toString().toUtf8(), "ffplay" + ffplay + " 'my clip.h264'");
+}
+
+void tst_InfoCommand::streamThatDescribesItselfIsMisreadByNobody()
+{
+    QByteArray const described = fx_DescribedStream(m_bytes, 20);
+    QVERIFY(described.size() > m_bytes.size());
+    QVERIFY(fx_WriteFile(path("described.h264"), described));
+    SxMinihostRun const text = run({"info", "described.h264"});
+    QVERIFY2(text.out.contains("  30 frames, 6 key frames, one every 5\n"), text.out);
+    QVERIFY2(text.out.contains("  plays 1.5 s at 20 pictures a second\n"), text.out);
+    QVERIFY2(!text.out.contains("other players"), text.out);
 }
 
 void tst_InfoCommand::oneFrameHasNoKeyFrameSpacing()

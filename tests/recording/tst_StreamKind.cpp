@@ -17,6 +17,7 @@ private slots:
     void damageMakesNoRecordingForeign();
     void foreignStreamIsRecognised_data();
     void foreignStreamIsRecognised();
+    void rateIsThatOfTheStream();
     void picturesBeyondTheFirstPieceAreCounted();
     void unitsAreFoundAcrossTheEdgesOfPieces();
     void anythingElseIsUnknown_data();
@@ -122,6 +123,16 @@ void tst_StreamKind::foreignStreamIsRecognised()
     QCOMPARE(fx_CountPictures(shortened, kind.codec), qint64{kPictures});
 }
 
+void tst_StreamKind::rateIsThatOfTheStream()
+{
+    SxStreamKind const ours = fx_StreamKindOf(fx_Data("camera.h264"));
+    QVERIFY(!ours.rate.isKnown());
+    QVERIFY(!ours.saysColours);
+    SxStreamKind const foreign = fx_StreamKindOf(fx_Data("foreign/x264-baseline.264"));
+    QCOMPARE(foreign.rate.text(), QString("25"));
+    QVERIFY(!foreign.saysColours);
+}
+
 void tst_StreamKind::picturesBeyondTheFirstPieceAreCounted()
 {
     QByteArray const bytes = fx_FileBytes(fx_Data("foreign/x264-slices.264"));
@@ -189,6 +200,12 @@ void tst_StreamKind::commandIsQuotedForTheShell_data()
                            << "minihost record 'a b.264' out.h264";
     QTest::newRow("quote") << "a'b.264"
                            << "minihost record 'a'\\''b.264' out.h264";
+    QTest::newRow("dash") << "-b.264"
+                          << "minihost record ./-b.264 out.h264";
+    QTest::newRow("colon") << "a:b.264"
+                           << "minihost record ./a:b.264 out.h264";
+    QTest::newRow("colon in a folder") << "a/c:b.264"
+                                       << "minihost record a/c:b.264 out.h264";
 }
 
 void tst_StreamKind::commandIsQuotedForTheShell()
