@@ -15,6 +15,9 @@ QVector<SxOption> fx_Options()
         {"frames", 0, "A-B",
          QStringLiteral("only these, counted from 0; 100- goes to the end. Begins at the key\n"
                         "frame at or before A, since nothing is coded again")},
+        {"exact", 0, nullptr,
+         QStringLiteral("with --frames: begin at A, coding anew the frames up to the next key\n"
+                        "frame and no others")},
         {"overwrite", 0, nullptr, QStringLiteral("replace OUT if it exists, once the new one is whole")},
         {"remove-input", 0, nullptr, QStringLiteral("remove IN once OUT is whole and on the disk")},
     };
@@ -58,6 +61,9 @@ bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& pars
     if (error.isEmpty())
         error = fx_TakeFiles(parsed);
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    parsed.isExact = parser.isSet(QStringLiteral("exact"));
+    if (error.isEmpty() && parsed.isExact && !parsed.frames)
+        error = QStringLiteral("--exact says where --frames begin, and there are none.");
     parsed.removesInput = parser.isSet(QStringLiteral("remove-input"));
     if (error.isEmpty() && parsed.removesInput && parsed.frames)
         error = QStringLiteral("--remove-input is for whole recordings, so --frames has no place.");
@@ -73,6 +79,8 @@ QString fx_RemuxHelp()
                "  minihost remux test.h264 test.mp4                   for players and browsers\n"
                "  minihost remux --fps 25 test.h264 test.mkv          at the rate of the camera\n"
                "  minihost remux --frames 100-250 test.h264 part.mov  a part of it\n"
+               "  minihost remux --frames 103-250 --exact test.h264 part.mp4\n"
+               "                                                      from 103 on, not the key frame before\n"
                "  minihost remux test.h264 described.h264             a raw stream that says it itself\n"
                "\n"
                "Usage: minihost remux [options] IN.h264 OUT.mp4|.mov|.mkv|.h264\n"

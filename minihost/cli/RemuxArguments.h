@@ -14,6 +14,7 @@ struct SxRemuxArguments
     QString output;
     std::optional<SxPictureRate> rate;      ///< when given
     std::optional<CxFrameSelection> frames; ///< when given
+    bool isExact = false;                   ///< begins at the first of the frames, whatever it takes
     bool overwrite = false;
     bool removesInput = false;
 };

@@ -131,6 +131,17 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
     if (!error.isEmpty())
         return code == kWrongUsage ? fx_WrongUsage(QStringLiteral("remux"), error) : fx_Failed(error, code);
 
+    if (arguments.isExact) {
+        SxCodingFailure failure;
+        Console::transient(QStringLiteral("Coding the first frames anew..."));
+        request.front = fx_CodeFrontAnew(recording, request.first, request.last, request.stop, failure);
+        Console::transient(QString());
+        if (failure.wasInterrupted)
+            return fx_Interrupted(
+                QStringLiteral("%1: interrupted; nothing was written.").arg(request.output));
+        if (!failure.error.isEmpty())
+            return fx_Failed(failure.error, failure.isInput ? kBadInput : kFailed);
+    }
     CxProgressLine line(request.last - request.first + 1);
     SxRemuxSummary const summary = fx_Remux(recording, request, [&line](SxRemuxSummary const& soFar) {
         line.update(soFar.pictures, soFar.bytes, QString());

@@ -9,16 +9,28 @@
 
 static constexpr int kMostRanges = 8; // of frame numbers in a sentence
 
+/// "frames 5-12 of the recording, coded as they were"
+static QString fx_TakenText(SxRemuxRequest const& request, SxRemuxSummary const& summary)
+{
+    QString const frames = summary.first == summary.last
+                               ? QStringLiteral("frame %1").arg(summary.first)
+                               : QStringLiteral("frames %1-%2").arg(summary.first).arg(summary.last);
+    int const anew = request.front.size();
+    QString const coded = anew == 0                  ? QStringLiteral("coded as they were")
+                          : anew == summary.pictures ? QStringLiteral("coded anew")
+                                                     : QStringLiteral("the first %1 coded anew").arg(anew);
+    return QStringLiteral("%1 of the recording, %2").arg(frames, coded);
+}
+
 QString fx_RemuxText(SxRemuxRequest const& request, SxRemuxSummary const& summary)
 {
     double const rate = av_q2d(request.description.rate);
     return QStringList{
-        QStringLiteral("%1: %2 of %3 x %4, frames %5-%6 of the recording, coded as they were")
-            .arg(request.output, fx_Count(summary.pictures, "picture"))
-            .arg(summary.size.width())
-            .arg(summary.size.height())
-            .arg(summary.first)
-            .arg(summary.last),
+        QStringLiteral("%1: %2 of %3 x %4, ")
+                .arg(request.output, fx_Count(summary.pictures, "picture"))
+                .arg(summary.size.width())
+                .arg(summary.size.height()) +
+            fx_TakenText(request, summary),
         QStringLiteral("  %1, plays %2 s at %3 pictures a second")
             .arg(fx_ReadableSize(summary.bytes))
             .arg(summary.pictures / rate, 0, 'f', 1)
@@ -64,6 +76,7 @@ QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, Sx
         {QStringLiteral("keyFrames"), summary.keyFrames},
         {QStringLiteral("firstFrame"), summary.first},
         {QStringLiteral("lastFrame"), summary.last},
+        {QStringLiteral("codedAnew"), request.front.size()},
         {QStringLiteral("width"), summary.size.width()},
         {QStringLiteral("height"), summary.size.height()},
         {QStringLiteral("fps"), av_q2d(rate)},

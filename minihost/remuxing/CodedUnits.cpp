@@ -70,3 +70,25 @@ QByteArray fx_UnitOf(char header, QByteArray const& bits)
     }
     return unit;
 }
+
+std::optional<quint32> fx_TakeNumber(QByteArray const& bits, int& at)
+{
+    int zeros = 0;
+    while (at + zeros < bits.size() && bits[at + zeros] == 0)
+        ++zeros;
+    if (zeros > 16 || at + 2 * zeros >= bits.size())
+        return std::nullopt;
+    quint32 number = 0;
+    for (int i = 0; i <= zeros; ++i)
+        number = number << 1 | static_cast<quint32>(bits[at + zeros + i]);
+    at += 2 * zeros + 1;
+    return number - 1;
+}
+
+QByteArray fx_NumberBits(quint32 number)
+{
+    QByteArray bits;
+    for (quint32 code = number + 1; code > 0; code >>= 1)
+        bits.prepend(static_cast<char>(code & 1));
+    return QByteArray(bits.size() - 1, '\0') + bits;
+}

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QVector>
+#include <optional>
 
 /// One unit of a frame with start codes (ITU-T H.264, 7.3.1 and annex B).
 struct SxCodedUnit
@@ -31,3 +32,8 @@ QByteArray fx_PayloadBits(QByteArray const& unit);
 
 /// The unit of that header byte and those bits.
 QByteArray fx_UnitOf(char header, QByteArray const& bits);
+
+/// The Exp-Golomb number (9.1) at \p at, which then moves behind it; nothing when there is none.
+std::optional<quint32> fx_TakeNumber(QByteArray const& bits, int& at);
+
+QByteArray fx_NumberBits(quint32 number); ///< the same as bits

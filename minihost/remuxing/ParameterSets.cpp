@@ -7,21 +7,6 @@ constexpr int kBeforeSpsId =
 constexpr int kMostPps = 255; // in the box that MP4 and Matroska share (ISO/IEC 14496-15, 5.3.3.1)
 constexpr quint32 kIdLimit = 256; // of picture parameter sets (7.4.2.2)
 
-/// An Exp-Golomb number (9.1) at \p at, which moves behind it; nothing when there is none.
-std::optional<quint32> fx_TakeNumber(QByteArray const& bits, int& at)
-{
-    int zeros = 0;
-    while (at + zeros < bits.size() && bits[at + zeros] == 0)
-        ++zeros;
-    if (zeros > 16 || at + 2 * zeros >= bits.size())
-        return std::nullopt;
-    quint32 number = 0;
-    for (int i = 0; i <= zeros; ++i)
-        number = number << 1 | static_cast<quint32>(bits[at + zeros + i]);
-    at += 2 * zeros + 1;
-    return number - 1;
-}
-
 /// The unit with the number between these bits replaced by 0.
 QByteArray fx_WithZero(QByteArray const& unit, QByteArray const& bits, int from, int to)
 {

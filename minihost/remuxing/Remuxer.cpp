@@ -27,7 +27,9 @@ public:
 
 private:
     bool chooseFrames();
-    bool isKey(int frame) const { return m_recording.frames()[static_cast<size_t>(frame)].isKey; }
+    bool goBackToKeyFrame();
+    int frontEnd() const; ///< the first frame behind the one coded anew, or 0
+    bool isKey(int frame) const;
     bool isEndCutOff();
     bool gatherSets();
     bool read(int frame, QByteArray& bytes);
@@ -67,11 +69,22 @@ bool CxRemuxing::isWritten(bool result, QString const& error)
                : fail(error, RemuxFailure::Output);
 }
 
+int CxRemuxing::frontEnd() const
+{
+    return m_request.front.size() == 0 ? 0 : m_request.first + m_request.front.size();
+}
+
+bool CxRemuxing::isKey(int frame) const
+{
+    return frame < frontEnd() ? m_request.front.keys.contains(frame - m_request.first)
+                              : m_recording.frames()[static_cast<size_t>(frame)].isKey;
+}
+
 /// A recording that was killed mostly ends within a picture.
 bool CxRemuxing::isEndCutOff()
 {
     int const last = m_recording.frameCount() - 1;
-    if (m_summary.last != last)
+    if (m_summary.last != last || last < frontEnd())
         return false;
     // Behind another that does not decode it would fail even if it is whole.
     QString cause;
@@ -82,15 +95,10 @@ bool CxRemuxing::isEndCutOff()
 /// Where decoding begins and what there is to decode.
 bool CxRemuxing::chooseFrames()
 {
-    QList<int> const& keys = m_recording.keyFrames();
-    auto const behind = std::upper_bound(keys.begin(), keys.end(), m_request.first);
-    if (keys.isEmpty() || (behind == keys.begin() && keys.first() > m_request.last))
-        return fail(QStringLiteral("%1: there is no key frame to begin with; 'minihost verify' says more.")
-                        .arg(m_recording.fileName()),
-                    RemuxFailure::Input);
-    m_summary.first = behind == keys.begin() ? keys.first() : *(behind - 1);
-    m_summary.leftOutAtFront = behind == keys.begin() ? keys.first() - m_request.first : 0;
+    m_summary.first = m_request.first;
     m_summary.last = m_request.last;
+    if (m_request.front.size() == 0 && !goBackToKeyFrame())
+        return false;
     m_summary.isEndCutOff = isEndCutOff();
     if (m_summary.isEndCutOff)
         --m_summary.last;
@@ -100,9 +108,24 @@ bool CxRemuxing::chooseFrames()
     return true;
 }
 
+/// Decoding begins at a key frame: at that before the first frame, or else the first there is.
+bool CxRemuxing::goBackToKeyFrame()
+{
+    QList<int> const& keys = m_recording.keyFrames();
+    auto const behind = std::upper_bound(keys.begin(), keys.end(), m_request.first);
+    if (keys.isEmpty() || (behind == keys.begin() && keys.first() > m_request.last))
+        return fail(QStringLiteral("%1: there is no key frame to begin with; 'minihost verify' says more.")
+                        .arg(m_recording.fileName()),
+                    RemuxFailure::Input);
+    m_summary.first = behind == keys.begin() ? keys.first() : *(behind - 1);
+    m_summary.leftOutAtFront = behind == keys.begin() ? keys.first() - m_request.first : 0;
+    return true;
+}
+
 bool CxRemuxing::read(int frame, QByteArray& bytes)
 {
-    bytes = m_recording.codedFrame(frame);
+    bytes =
+        frame < frontEnd() ? m_request.front.frames[frame - m_request.first] : m_recording.codedFrame(frame);
     if (!bytes.isEmpty())
         return true;
     return fail(QStringLiteral("%1: frame %2 cannot be read.").arg(m_recording.fileName()).arg(frame),
@@ -111,8 +134,8 @@ bool CxRemuxing::read(int frame, QByteArray& bytes)
 
 bool CxRemuxing::gatherSets()
 {
-    for (int const key : m_recording.keyFrames()) {
-        if (key < m_summary.first || key > m_summary.last)
+    for (int key = m_summary.first; key <= m_summary.last; ++key) {
+        if (!isKey(key))
             continue;
         QByteArray bytes;
         if (isStopped())

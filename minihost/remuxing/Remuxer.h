@@ -6,6 +6,7 @@
 #include <atomic>
 #include <functional>
 
+#include "ExactCut.h"
 #include "StreamDescription.h"
 
 class CxRecordingReader;
@@ -18,6 +19,7 @@ struct SxRemuxRequest
     SxStreamDescription description;
     int first = 0; ///< frames, both included, there in the recording
     int last = 0;
+    SxCodedFrames front;                     ///< taken instead of the frames from first on; may be empty
     std::atomic<bool> const* stop = nullptr; ///< set from anywhere to end it, without an output
 };
 
@@ -48,7 +50,7 @@ struct SxRemuxSummary
 /// that the output's name stands for, with rate and colours described there and in the stream. A raw stream
 /// gets the latter alone.
 ///
-/// The frames taken begin at the key frame at or before request.first, since decoding does. The output
-/// appears when it is whole and on the disk; what was there before stays until then.
+/// The frames taken begin at the key frame at or before request.first, since decoding does, unless there is a
+/// front. The output appears when it is whole and on the disk; what was there before stays until then.
 SxRemuxSummary fx_Remux(CxRecordingReader& recording, SxRemuxRequest const& request,
                         std::function<void(SxRemuxSummary const&)> const& progress = {});

@@ -38,6 +38,10 @@ private slots:
     void inputThatIsBeingRecordedIsNotRemoved();
     void partBeginsAtAKeyFrame_data();
     void partBeginsAtAKeyFrame();
+    void exactPartBeginsWhereAsked_data();
+    void exactPartBeginsWhereAsked();
+    void exactPartOfAnotherLevelKeepsItsSetsInTheStream();
+    void exactPartNeedsPicturesThatDecode();
     void onePictureIsEnough();
     void jsonTellsWhatWasWritten();
 
@@ -391,7 +395,7 @@ void tst_RemuxCommand::partBeginsAtAKeyFrame_data()
     QTest::newRow("to the end") << "27-"
                                 << "o.mp4" << 25 << 29 << "begins at frame 25, the key frame before 27";
     QTest::newRow("one") << "5"
-                         << "o.mp4" << 5 << 5 << "1 picture of 320 x 240";
+                         << "o.mp4" << 5 << 5 << "1 picture of 320 x 240, frame 5 of the recording";
     QTest::newRow("all") << "all"
                          << "o.mp4" << 0 << 29 << "30 pictures";
 }
@@ -407,6 +411,101 @@ void tst_RemuxCommand::partBeginsAtAKeyFrame()
     QVERIFY2(remuxed.exitCode == 0, remuxed.err);
     QVERIFY2(remuxed.err.contains(told.toUtf8()), remuxed.err);
     QCOMPARE(fx_DecodedHashes(path(name)), fx_DecodedHashes(m_recording).mid(first, last - first + 1));
+}
+
+void tst_RemuxCommand::exactPartBeginsWhereAsked_data()
+{
+    QTest::addColumn<QString>("frames");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("anew");
+    QTest::addColumn<QByteArray>("told");
+    for (char const* name : {"o.mp4", "o.mkv", "o.h264"})
+        QTest::addRow("within a group, %s", name)
+            << "7-22" << name << 3 << QByteArray("frames 7-22 of the recording, the first 3 coded anew");
+    QTest::newRow("in the last group")
+        << "28-"
+        << "o.mp4" << 2 << QByteArray("frames 28-29 of the recording, coded anew");
+    QTest::newRow("within one group")
+        << "6-7"
+        << "o.mp4" << 2 << QByteArray("frames 6-7 of the recording, coded anew");
+    QTest::newRow("one frame") << "6"
+                               << "o.h264" << 1 << QByteArray("frame 6 of the recording, coded anew");
+    QTest::newRow("at a key frame") << "5-9"
+                                    << "o.mp4" << 0 << QByteArray("coded as they were");
+}
+
+/// Mean distance of two recordings' frames, over all of them, in dB.
+static double fx_Likeness(QByteArray const& a, QByteArray const& b)
+{
+    return fx_Psnr(fx_Vector(a), fx_Vector(b));
+}
+
+void tst_RemuxCommand::exactPartBeginsWhereAsked()
+{
+    QFETCH(QString, frames);
+    QFETCH(QString, name);
+    QFETCH(int, anew);
+    QFETCH(QByteArray, told);
+    SxMinihostRun const cut = run({"remux", "--exact", "--frames", frames, m_recording, name});
+    QVERIFY2(cut.exitCode == 0, cut.err);
+    QVERIFY2(cut.err.contains(told), cut.err);
+
+    int const first = frames.section('-', 0, 0).toInt();
+    QString const end = frames.section('-', -1);
+    int const last = end.isEmpty() ? kFrames - 1 : end.toInt();
+    QList<QByteArray> const whole = fx_DecodedHashes(m_recording);
+    QList<QByteArray> const part = fx_DecodedHashes(path(name));
+    QCOMPARE(part.size(), last - first + 1);
+    QCOMPARE(part.mid(anew), whole.mid(first + anew, last - first + 1 - anew));
+    // What was coded anew shows the same pictures.
+    QByteArray const rgb = fx_DefaultRgb(path(name));
+    QByteArray const original =
+        run({"export", m_recording, "--frames", frames, "-o", "-", "--stream", "rgb24"}).out;
+    QCOMPARE(rgb.size(), original.size());
+    double const likeness = fx_Likeness(rgb, original);
+    QVERIFY2(likeness > 35, qPrintable(QString::number(likeness)));
+    if (!name.endsWith("264"))
+        return;
+    // Its key frames are counted as if none had been cut off.
+    SxMinihostRun const verified = run({"verify", name});
+    QVERIFY2(verified.exitCode == 0 && !verified.err.contains("vanished"), verified.err);
+}
+
+void tst_RemuxCommand::exactPartOfAnotherLevelKeepsItsSetsInTheStream()
+{
+    // A recording that says level 1, at whose bit rate the encoder would leave pictures out.
+    QCOMPARE(run({"record", "camera:", "in.h264", "--size", "176x144", "--frames", "36", "--keyframe-rate",
+                  "30", "--quality", "10"})
+                 .exitCode,
+             0);
+    write("in.h264", fx_FileBytes(path("in.h264"))
+                         .replace(QByteArray::fromHex("6742c034"), QByteArray::fromHex("6742c00a")));
+    QList<QByteArray> const whole = fx_DecodedHashes(path("in.h264"));
+    QCOMPARE(whole.size(), 36);
+    for (char const* name : {"o.mp4", "o.mov", "o.mkv", "o.h264"}) {
+        SxMinihostRun const cut = run({"remux", "--exact", "--frames", "3-", "in.h264", name});
+        QVERIFY2(cut.exitCode == 0 && cut.err.contains("the first 27 coded anew"), cut.err);
+        QList<QByteArray> const part = fx_DecodedHashes(path(name));
+        QCOMPARE(part.size(), 33);
+        QCOMPARE(part.mid(27), whole.mid(30));
+    }
+    for (char const* name : {"o.mp4", "o.mov"})
+        QCOMPARE(fx_ProbedStream(path(name)).value("codec_tag_string").toString(), QString("avc3"));
+}
+
+void tst_RemuxCommand::exactPartNeedsPicturesThatDecode()
+{
+    QByteArray bytes = m_bytes;
+    std::fill_n(bytes.begin() + offset(5) + 200, 200, '\x55'); // in the key frame
+    write("hurt.h264", bytes);
+    SxMinihostRun const cut = run({"remux", "--exact", "--frames", "6-12", "hurt.h264", "o.mp4"});
+    QCOMPARE(cut.exitCode, 4);
+    QVERIFY2(cut.err.contains("hurt.h264 cannot be decoded"), cut.err);
+    QVERIFY(!QFile::exists(path("o.mp4")));
+    write("late.h264", codedFrames(2, 10));
+    SxMinihostRun const late = run({"remux", "--exact", "--frames", "1-6", "late.h264", "o.mp4"});
+    QCOMPARE(late.exitCode, 4);
+    QVERIFY2(late.err.contains("late.h264: frame 1 belongs to no key frame."), late.err);
 }
 
 void tst_RemuxCommand::onePictureIsEnough()
@@ -598,6 +697,8 @@ void tst_RemuxCommand::wrongUsageIsExplained_data()
     QTest::newRow("part of what is removed")
         << QStringList{"in.h264", "o.mp4", "--frames", "0-9", "--remove-input"}
         << "--remove-input is for whole recordings, so --frames has no place.";
+    QTest::newRow("exact, but what") << QStringList{"in.h264", "o.mp4", "--exact"}
+                                     << "--exact says where --frames begin, and there are none.";
     QTest::newRow("several ranges") << QStringList{"in.h264", "o.mp4", "--frames", "0-3,7"}
                                     << "--frames takes one range here, as 100-250 or 100-.";
     QTest::newRow("backwards") << QStringList{"in.h264", "o.mp4", "--frames", "7-5"}

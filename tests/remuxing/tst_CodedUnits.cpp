@@ -11,6 +11,9 @@ private slots:
     void bytesWithoutStartCodeHoldNoUnit();
     void bitsMakeTheSameUnitAgain_data();
     void bitsMakeTheSameUnitAgain();
+    void numbersAreReadAsTheyAreWritten();
+    void bitsWithoutANumberGiveNone_data();
+    void bitsWithoutANumberGiveNone();
 };
 
 static QByteArray fx_Hex(char const* text) { return QByteArray::fromHex(text); }
@@ -57,6 +60,38 @@ void tst_CodedUnits::bitsMakeTheSameUnitAgain()
     QByteArray const payload = fx_PayloadBits(unit);
     QCOMPARE(int(payload.size()), bits);
     QCOMPARE(fx_UnitOf(unit[0], payload), unit);
+}
+
+void tst_CodedUnits::numbersAreReadAsTheyAreWritten()
+{
+    QByteArray bits;
+    QVector<quint32> const numbers{0, 1, 2, 3, 6, 7, 255, 256, 65534, 65535};
+    for (quint32 const number : numbers)
+        bits += fx_NumberBits(number);
+    QCOMPARE(fx_NumberBits(0), QByteArray("\1"));
+    QCOMPARE(fx_NumberBits(3), QByteArray("\0\0\1\0\0", 5));
+    int at = 0;
+    for (quint32 const number : numbers)
+        QCOMPARE(fx_TakeNumber(bits, at), std::optional<quint32>(number));
+    QCOMPARE(at, int(bits.size()));
+    QVERIFY(!fx_TakeNumber(bits, at));
+}
+
+void tst_CodedUnits::bitsWithoutANumberGiveNone_data()
+{
+    QTest::addColumn<QByteArray>("bits");
+    QTest::newRow("none") << QByteArray();
+    QTest::newRow("zeros to the end") << QByteArray(5, '\0');
+    QTest::newRow("cut off") << QByteArray("\0\0\1\0", 4);
+    QTest::newRow("larger than any") << QByteArray(17, '\0') + QByteArray(18, '\1');
+}
+
+void tst_CodedUnits::bitsWithoutANumberGiveNone()
+{
+    QFETCH(QByteArray, bits);
+    int at = 0;
+    QVERIFY(!fx_TakeNumber(bits, at));
+    QCOMPARE(at, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_CodedUnits)
