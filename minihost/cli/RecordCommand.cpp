@@ -167,9 +167,9 @@ private:
         m_line.setTotal(summary.expected);
         if (m_request.encoder.profile == kProfileExtended)
             warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));
-        QString const odd = fx_OddSidesNote(m_source.lastPlan());
-        if (!odd.isEmpty())
-            Console::message(odd);
+        bool const isNoted = m_request.keepsSidecar && QFileInfo(m_request.outputFile).isFile();
+        for (QString const& note : fx_SourceNotes(m_source, isNoted))
+            Console::message(note);
         tellAboutScaling(summary);
     }
 

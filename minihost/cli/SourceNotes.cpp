@@ -1,8 +1,10 @@
 #include "SourceNotes.h"
 
-#include <QStringList>
+#include <cmath>
 
-QString fx_OddSidesNote(SxChangePlan const& plan)
+#include "FilteredSource.h"
+
+static QString fx_OddSidesNote(SxChangePlan const& plan)
 {
     QStringList lost;
     if (plan.size.width() != plan.whole.width())
@@ -19,4 +21,53 @@ QString fx_OddSidesNote(SxChangePlan const& plan)
         .arg(plan.whole.height())
         .arg(plan.size.width())
         .arg(plan.size.height());
+}
+
+static QString fx_PixelNote(SxPixelShape const& shape, QSize size)
+{
+    if (shape.isSquare())
+        return QString();
+    // Nothing is made smaller: what is too narrow becomes wider, what is too low higher.
+    bool const isWide = shape.width > shape.height;
+    double const factor = static_cast<double>(shape.width) / shape.height;
+    int const width = isWide ? 2 * static_cast<int>(std::lround(size.width() * factor / 2)) : size.width();
+    int const height = isWide ? size.height() : 2 * static_cast<int>(std::lround(size.height() / factor / 2));
+    return QStringLiteral(
+               "The pixels are to be shown at %1:%2, width to height, and a recording's are square: --scale "
+               "%3x%4 keeps the shape of what is seen.")
+        .arg(shape.width)
+        .arg(shape.height)
+        .arg(width)
+        .arg(height);
+}
+
+static QString fx_RotationNote(int rotation, bool isNoted)
+{
+    if (rotation == 0)
+        return QString();
+    return QStringLiteral("The pictures are to be turned clockwise by %1 degrees, which a recording cannot "
+                          "say%2: --rotate "
+                          "auto turns them.")
+        .arg(rotation)
+        .arg(isNoted ? QStringLiteral(" but in the note beside it") : QString());
+}
+
+static QString fx_RateNote(SxPictureRate const& rate, bool isNoted)
+{
+    if (isNoted || !rate.isKnown() || std::abs(rate.perSecond() - kPicturesASecond) < 0.001)
+        return QString();
+    return QStringLiteral("The source has %1 pictures a second, and nothing will say so: players show a "
+                          "recording's at %2 "
+                          "or 25.")
+        .arg(rate.text())
+        .arg(kPicturesASecond);
+}
+
+QStringList fx_SourceNotes(CxFilteredSource const& source, bool isNoted)
+{
+    QStringList notes{fx_OddSidesNote(source.lastPlan()),
+                      fx_PixelNote(source.pixelShape(), source.lastPlan().size),
+                      fx_RotationNote(source.rotation(), isNoted), fx_RateNote(source.rate(), isNoted)};
+    notes.removeAll(QString());
+    return notes;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
-#include "PictureChanges.h"
+class CxFilteredSource;
 
-/// What is said about the pictures of a source that a recording cannot hold as they are: one sentence, or
-/// empty when there is nothing to say.
-
-QString fx_OddSidesNote(SxChangePlan const& plan);
+/// What is said about the first picture's source that a recording cannot hold as it is, in sentences.
+///
+/// \param isNoted  rate and rotation are to be noted beside the recording.
+QStringList fx_SourceNotes(CxFilteredSource const& source, bool isNoted);

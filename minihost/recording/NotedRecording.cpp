@@ -39,14 +39,16 @@ SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest co
                                      RecordProgress const& progress)
 {
     QString const& output = request.outputFile;
+    int rotation = 0; // of all pictures, or none
     SxRecordSummary summary = fx_Record(source, request, [&](SxRecordSummary const& soFar) {
+        rotation = soFar.given == 1 || rotation == source.rotation() ? source.rotation() : 0;
         if (soFar.given == 1 && QFileInfo(output).isFile())
             fx_RemoveSidecar(output);
         if (progress)
             progress(soFar);
     });
     summary.rate = source.rate();
-    summary.rotation = source.rotation();
+    summary.rotation = rotation;
     if (summary.given == 0 || !QFileInfo(output).isFile())
         return summary;
     if (summary.coded > 0 && request.keepsSidecar && !fx_IsAsAssumed(summary)) {

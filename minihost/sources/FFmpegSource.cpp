@@ -334,6 +334,7 @@ IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
         return Result::Error;
     }
     m_rotation = fx_FrameRotation(*m_frame, m_inputRotation);
+    m_pixelShape = fx_FramePixelShape(*m_format, *m_format->streams[m_stream], *m_frame);
     fx_RestorePnmWords(picture, m_maxval);
     applyBits(picture);
     picture.timestamp = timestampOf(*m_frame);

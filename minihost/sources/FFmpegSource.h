@@ -42,6 +42,7 @@ public:
     bool hasEnd() const override { return m_hasEnd; }
     SxPictureRate rate() const override { return m_rate.rate(); }
     int rotation() const override { return m_rotation; }
+    SxPixelShape pixelShape() const override { return m_pixelShape; }
     bool knowsSignificantBits() const override;
     QStringList takeWarnings() override;
     bool isDamaged() const override { return m_damage.isAny(); }
@@ -98,8 +99,9 @@ private:
     int m_expected = -1;
     RateOrigin m_rateOrigin = RateOrigin::Stream; ///< of the open input
     CxRateMeter m_rate;
-    int m_inputRotation = 0; ///< of the open input
-    int m_rotation = 0;      ///< of the last picture
+    int m_inputRotation = 0;   ///< of the open input
+    int m_rotation = 0;        ///< of the last picture
+    SxPixelShape m_pixelShape; ///< the same
     QString m_error;
     QStringList m_warnings;
     bool m_saidBitsIgnored = false;

@@ -12,6 +12,14 @@ int CxFilteredSource::rotation() const
     return m_changes.turnsItself || m_changes.rotation != 0 ? 0 : m_source->rotation();
 }
 
+SxPixelShape CxFilteredSource::pixelShape() const
+{
+    SxPixelShape const shape = m_source->pixelShape();
+    if (!m_changes.scale.isEmpty())
+        return {};
+    return m_plan.isTurned ? SxPixelShape{shape.height, shape.width} : shape;
+}
+
 IxPictureSource::Result CxFilteredSource::next(SxPicBuf& picture)
 {
     SxPicBuf& input = m_input.get();

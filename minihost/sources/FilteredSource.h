@@ -19,6 +19,8 @@ public:
     bool hasEnd() const override { return m_source->hasEnd(); }
     SxPictureRate rate() const override { return m_source->rate(); }
     int rotation() const override; ///< none is left where one was asked for
+    SxPixelShape
+    pixelShape() const override; ///< square once pictures are scaled: their new shape was asked for
     bool knowsSignificantBits() const override { return m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_source->takeWarnings(); }
     bool isDamaged() const override { return m_source->isDamaged(); }

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include "PictureRate.h"
+#include "PixelShape.h"
 #include "SxPicBuf.h"
 
 /// Where pictures to record or to show come from, one after the other. One thread at a time.
@@ -42,6 +43,9 @@ public:
     /// Degrees clockwise, 0, 90, 180 or 270, by which the picture that came last is still to be turned to
     /// stand upright. All of a video's are alike.
     virtual int rotation() const { return 0; }
+
+    /// The shape of the pixels of the picture that came last.
+    virtual SxPixelShape pixelShape() const { return {}; }
 
     /// True when the source itself says how many bits of a word sample count; false when 16 is only
     /// the size of the word.

@@ -41,7 +41,8 @@ SxChangePlan fx_PlanChanges(SxPictureChanges const& changes, QSize stored, int o
 {
     SxChangePlan plan;
     int const rotation = changes.turnsItself ? (ownRotation % 360 + 360) % 360 : changes.rotation;
-    fx_Append(plan, fx_TurnFilter(rotation), rotation % 180 == 0 ? stored : stored.transposed());
+    plan.isTurned = rotation % 180 != 0;
+    fx_Append(plan, fx_TurnFilter(rotation), plan.isTurned ? stored.transposed() : stored);
 
     if (!changes.crop.isNull() && changes.crop != QRect(QPoint(0, 0), plan.size)) {
         if (!QRect(QPoint(0, 0), plan.size).contains(changes.crop)) {

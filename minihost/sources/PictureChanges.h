@@ -18,10 +18,11 @@ struct SxPictureChanges
 /// The same for pictures of one size.
 struct SxChangePlan
 {
-    QByteArray filters; ///< as FFmpeg's filter graphs are written; empty: nothing is to be done
-    QSize size;         ///< of the result; empty when they cannot be done
-    QSize whole;        ///< the same before an odd last column and row were left out
-    QString obstacle;   ///< why not, the end of a sentence
+    QByteArray filters;    ///< as FFmpeg's filter graphs are written; empty: nothing is to be done
+    bool isTurned = false; ///< by a quarter or three: what was wide is high
+    QSize size;            ///< of the result; empty when they cannot be done
+    QSize whole;           ///< the same before an odd last column and row were left out
+    QString obstacle;      ///< why not, the end of a sentence
 };
 
 /// \param stored  size of the picture as it comes.

@@ -40,6 +40,7 @@ public:
     bool hasEnd() const override { return m_part.duration.has_value() || m_source->hasEnd(); }
     SxPictureRate rate() const override { return m_source->rate(); }
     int rotation() const override { return m_source->rotation(); }
+    SxPixelShape pixelShape() const override { return m_source->pixelShape(); }
     bool knowsSignificantBits() const override { return m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_source->takeWarnings(); }
     bool isDamaged() const override { return m_source->isDamaged(); }

@@ -55,3 +55,12 @@ int fx_FrameRotation(AVFrame const& frame, int ofStream)
     bool const isWhole = data && static_cast<size_t>(data->size) >= 9 * sizeof(int32_t);
     return isWhole ? fx_Rotation(reinterpret_cast<int32_t const*>(data->data)) : ofStream;
 }
+
+SxPixelShape fx_FramePixelShape(AVFormatContext& format, AVStream& stream, AVFrame& frame)
+{
+    AVRational const said = av_guess_sample_aspect_ratio(&format, &stream, &frame);
+    SxPixelShape shape;
+    if (said.num > 0 && said.den > 0)
+        av_reduce(&shape.width, &shape.height, said.num, said.den, INT_MAX);
+    return shape;
+}

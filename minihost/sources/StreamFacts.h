@@ -2,6 +2,7 @@
 
 #include "FFmpegHandles.h"
 #include "PictureRate.h"
+#include "PixelShape.h"
 
 /// Where a reader has a stream's rate from, when the stream itself has none.
 enum class RateOrigin {
@@ -23,3 +24,6 @@ SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin);
 /// The same rotation for one picture: what it says itself, as cameras write it into each JPEG, else \p
 /// ofStream.
 int fx_FrameRotation(AVFrame const& frame, int ofStream);
+
+/// The shape of its pixels, as the container says, else the coded pictures.
+SxPixelShape fx_FramePixelShape(AVFormatContext& format, AVStream& stream, AVFrame& frame);

@@ -25,6 +25,9 @@ private slots:
     void foldersAndPatternsAreRecordedInNaturalOrder();
     void sizesThatDifferAreToldBeforeAnythingIsRecorded();
     void missingNumbersOfAPatternAreAWarning();
+    void whatARecordingCannotSayIsTold_data();
+    void whatARecordingCannotSayIsTold();
+    void pictureThatSaysHowIsTurned();
     void valuesThatMakeNoSenseAreWrongUsage_data();
     void valuesThatMakeNoSenseAreWrongUsage();
     void cropBeyondThePictureRecordsNothing();
@@ -207,6 +210,86 @@ void tst_SourceArguments::missingNumbersOfAPatternAreAWarning()
     QVERIFY2(run.exitCode == 0, run.err);
     QVERIFY2(run.err.contains("s%d.pgm: 2 of the numbers from 1 to 5 are missing: 3-4."), run.err);
     QCOMPARE(run.json().value("warnings").toArray().size(), 1);
+}
+
+void tst_SourceArguments::whatARecordingCannotSayIsTold_data()
+{
+    QTest::addColumn<QByteArray>("pixels");
+    QTest::addColumn<QByteArray>("rate");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArrayList>("says");
+    QByteArray const wide(
+        "The pixels are to be shown at 16:11, width to height, and a recording's are square: --scale "
+        "94x48 keeps the shape of what is seen.");
+    QByteArray const high(
+        "The pixels are to be shown at 8:9, width to height, and a recording's are square: --scale "
+        "64x54 keeps the shape of what is seen.");
+    QByteArray const turned(
+        "The pixels are to be shown at 11:16, width to height, and a recording's are square: --scale "
+        "48x94 keeps the shape of what is seen.");
+    QByteArray const rate(
+        "The source has 25 pictures a second, and nothing will say so: players show a recording's at 30 "
+        "or 25.");
+    QTest::newRow("nothing") << QByteArray("1:1") << QByteArray("30:1") << QStringList() << QByteArrayList();
+    QTest::newRow("not known") << QByteArray("0:0") << QByteArray("30:1") << QStringList()
+                               << QByteArrayList();
+    QTest::newRow("wide pixels") << QByteArray("32:22") << QByteArray("30:1") << QStringList()
+                                 << QByteArrayList{wide};
+    QTest::newRow("high pixels") << QByteArray("8:9") << QByteArray("30:1") << QStringList()
+                                 << QByteArrayList{high};
+    QTest::newRow("wide pixels, turned") << QByteArray("16:11") << QByteArray("30:1")
+                                         << QStringList{"--rotate", "90"} << QByteArrayList{turned};
+    QTest::newRow("wide pixels, scaled")
+        << QByteArray("16:11") << QByteArray("30:1") << QStringList{"--scale", "94x48"} << QByteArrayList();
+    QTest::newRow("rate that is noted")
+        << QByteArray("1:1") << QByteArray("25:1") << QStringList() << QByteArrayList();
+    QTest::newRow("rate that is not noted")
+        << QByteArray("1:1") << QByteArray("25:1") << QStringList{"--no-sidecar"} << QByteArrayList{rate};
+}
+
+void tst_SourceArguments::whatARecordingCannotSayIsTold()
+{
+    QFETCH(QByteArray, pixels);
+    QFETCH(QByteArray, rate);
+    QFETCH(QStringList, options);
+    QFETCH(QByteArrayList, says);
+    QByteArray stream = fx_Y4mFile(64, 48, "420jpeg", QByteArray(64 * 48 * 3 / 2, char(128)), 2);
+    stream.replace("A1:1", "A" + pixels).replace("F30:1", "F" + rate);
+    QVERIFY(fx_WriteFile(path("in.y4m"), stream));
+    SxMinihostRun const run =
+        fx_RunMinihost(QStringList{"record", path("in.y4m"), path("out.h264")} + options);
+    QVERIFY2(run.exitCode == 0, run.err);
+    QByteArrayList said;
+    for (QByteArray const& line : run.err.split('\n')) {
+        if (line.startsWith("The "))
+            said += line;
+    }
+    QCOMPARE(said, says);
+}
+
+void tst_SourceArguments::pictureThatSaysHowIsTurned()
+{
+    // Exif, orientation 6: to be turned clockwise by a quarter.
+    QByteArray const exif = QByteArray::fromHex("ffe1002245786966000049492a000800000001001201030001000000"
+                                                "0600000000000000");
+    QByteArray const jpeg =
+        fx_CodedPicture(AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P, 64, 48, QByteArray(64 * 48 * 3 / 2, 'a'))
+            .insert(2, exif);
+    QVERIFY(fx_WriteFile(path("in.jpg"), jpeg));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("in.jpg"), path("out.h264"), "--json"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(run.err.contains(
+                 "The pictures are to be turned clockwise by 90 degrees, which a recording cannot say but in "
+                 "the note beside it: --rotate auto turns them."),
+             run.err);
+    QCOMPARE(run.json().value("width").toInt(), 64);
+
+    SxMinihostRun const turned =
+        fx_RunMinihost({"record", path("in.jpg"), path("turned.h264"), "--json", "--rotate", "auto"});
+    QVERIFY2(turned.exitCode == 0, turned.err);
+    QVERIFY2(!turned.err.contains("clockwise"), turned.err);
+    QCOMPARE(turned.json().value("width").toInt(), 48);
+    QVERIFY(!QFile::exists(path("turned.h264.json")));
 }
 
 void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
