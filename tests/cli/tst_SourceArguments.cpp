@@ -14,6 +14,8 @@ class tst_SourceArguments : public QObject
 
 private slots:
     void init();
+    void foreignStreamKeepsEveryPictureInDisplayOrder_data();
+    void foreignStreamKeepsEveryPictureInDisplayOrder();
     void picturesAreTurnedThenCroppedThenScaled();
     void changesThatChangeNothingGiveTheSameBytes();
     void scaledPicturesKeepTheirTwelveBits();
@@ -57,6 +59,27 @@ static QByteArray fx_QuarterFile()
 static int fx_Luma(SxDecodedPicture const& picture, int x, int y)
 {
     return picture.i420[static_cast<size_t>(y * picture.width + x)];
+}
+
+void tst_SourceArguments::foreignStreamKeepsEveryPictureInDisplayOrder_data()
+{
+    QTest::addColumn<QString>("stream");
+    for (char const* stream : {"x264-rising.264", "x265-rising.265", "mpeg2-rising.m2v"})
+        QTest::newRow(stream) << stream;
+}
+
+/// Each picture is 16 steps of limited range brighter than the one before it; as coded, B pictures come late.
+void tst_SourceArguments::foreignStreamKeepsEveryPictureInDisplayOrder()
+{
+    QFETCH(QString, stream);
+    SxMinihostRun const run =
+        fx_RunMinihost({"record", TEST_DATA "/foreign/" + stream, path("out.h264"), "--quality", "10"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QString error;
+    std::vector<SxDecodedPicture> const decoded = fx_DecodeH264File(path("out.h264"), error);
+    QCOMPARE(decoded.size(), size_t{12});
+    for (int i = 0; i < 12; ++i)
+        QVERIFY(std::abs(fx_Luma(decoded[static_cast<size_t>(i)], 32, 24) - (16 + 16 * i) * 255 / 219) < 4);
 }
 
 void tst_SourceArguments::picturesAreTurnedThenCroppedThenScaled()
