@@ -54,3 +54,12 @@ bool fx_IsStillFormat(AVInputFormat const& format)
     QByteArray const name(format.name);
     return name.endsWith("_pipe") || name == "image2";
 }
+
+QString fx_OpenErrorText(int error)
+{
+    if (error == AVERROR_INVALIDDATA)
+        return QStringLiteral("this is no picture or video that can be read");
+    if (error == AVERROR_PROTOCOL_NOT_FOUND)
+        return QStringLiteral("there is no such file, and no such protocol or device either");
+    return fx_FFmpegErrorText(error);
+}

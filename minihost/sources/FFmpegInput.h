@@ -24,3 +24,6 @@ bool fx_IsTextFormat(AVInputFormat const& format);
 
 /// True for FFmpeg's readers of single pictures: "png_pipe", "jpeg_pipe", "image2".
 bool fx_IsStillFormat(AVInputFormat const& format);
+
+/// Why FFmpeg does not read an input, half a sentence.
+QString fx_OpenErrorText(int error);

@@ -17,15 +17,6 @@ static int fx_IsInterrupted(void* stop)
     return static_cast<std::atomic<bool> const*>(stop)->load() ? 1 : 0;
 }
 
-static QString fx_OpenErrorText(int error)
-{
-    if (error == AVERROR_INVALIDDATA)
-        return QStringLiteral("this is no picture or video that can be read");
-    if (error == AVERROR_PROTOCOL_NOT_FOUND)
-        return QStringLiteral("there is no such file, and no such protocol or device either");
-    return fx_FFmpegErrorText(error);
-}
-
 CxFFmpegSource::CxFFmpegSource(QStringList inputs, int bits, std::atomic<bool> const* stop,
                                SxFFmpegOptions const& options)
     : m_inputs(std::move(inputs))
@@ -164,9 +155,8 @@ bool CxFFmpegSource::openInput()
     m_framesOfInput = 0;
     m_firstPts = AV_NOPTS_VALUE;
     expect(stream);
-    SxStreamFacts const facts = fx_StreamFacts(stream, m_rateOrigin);
-    m_rate.beginInput(facts.rate, facts.hasClock);
-    m_inputRotation = facts.rotation;
+    m_facts = fx_StreamFacts(stream, m_rateOrigin);
+    m_rate.beginInput(m_facts.rate, m_facts.hasClock);
     return true;
 }
 
@@ -266,6 +256,13 @@ quint64 CxFFmpegSource::timestampOf(AVFrame const& frame)
     quint64 const step = 1000000 / kPicturesASecond;
     if (m_framesOfInput == 0)
         m_inputStart = m_delivered == 0 ? 0 : m_lastTime + step;
+    if (!m_isStill && !m_facts.hasClock && m_facts.rate.isKnown()) {
+        // Its reader counts at the rate that it was offered, and the stream names another.
+        m_hasClock = true;
+        qint64 const perPicture = 1000000LL * m_facts.rate.denominator;
+        return m_inputStart +
+               static_cast<quint64>(av_rescale(m_framesOfInput, perPicture, m_facts.rate.numerator));
+    }
     if (m_isStill || frame.best_effort_timestamp == AV_NOPTS_VALUE)
         return m_hasClock ? m_lastTime + step : count * 1000000 / kPicturesASecond;
 
@@ -333,7 +330,7 @@ IxPictureSource::Result CxFFmpegSource::next(SxPicBuf& picture)
         fail(QStringLiteral("its pixel format cannot be converted"));
         return Result::Error;
     }
-    m_rotation = fx_FrameRotation(*m_frame, m_inputRotation);
+    m_rotation = fx_FrameRotation(*m_frame, m_facts.rotation);
     m_pixelShape = fx_FramePixelShape(*m_format, *m_format->streams[m_stream], *m_frame);
     fx_RestorePnmWords(picture, m_maxval);
     applyBits(picture);

@@ -99,7 +99,7 @@ private:
     int m_expected = -1;
     RateOrigin m_rateOrigin = RateOrigin::Stream; ///< of the open input
     CxRateMeter m_rate;
-    int m_inputRotation = 0;   ///< of the open input
+    SxStreamFacts m_facts;     ///< of the open input
     int m_rotation = 0;        ///< of the last picture
     SxPixelShape m_pixelShape; ///< the same
     QString m_error;

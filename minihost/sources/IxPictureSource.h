@@ -22,8 +22,8 @@ public:
     /// Fetches the next picture. \p picture is empty or one from an earlier call: memory of the right
     /// format is filled again, other memory is released and replaced through CxPicBufAPI. In either
     /// case it is the caller's to free. `timestamp` is in microseconds from the first picture; a
-    /// source without a clock counts kPicturesASecond. On End and Error \p picture is unspecified
-    /// but still the caller's.
+    /// source without a clock counts at the rate that it names, else kPicturesASecond. On End and Error
+    /// \p picture is unspecified but still the caller's.
     virtual Result next(SxPicBuf& picture) = 0;
 
     /// One sentence naming the source and the cause, once next() has returned Error.

@@ -28,6 +28,7 @@ private slots:
     void rotationIsThatOfTheVideo_data();
     void rotationIsThatOfTheVideo();
     void rotationIsThatOfEachPicture();
+    void timestampsOfARawStreamFollowTheRateThatItNames();
     void rawPicturesAreCopied_data();
     void rawPicturesAreCopied();
     void errorNamesTheFile();
@@ -293,6 +294,16 @@ void tst_FFmpegSource::timestampsAreThoseOfTheVideo()
     for (quint64 i = 0; i < 3; ++i) {
         QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
         QCOMPARE(picture.get().timestamp, i * 100000);
+    }
+}
+
+void tst_FFmpegSource::timestampsOfARawStreamFollowTheRateThatItNames()
+{
+    CxFFmpegSource source({TEST_DATA "/foreign/x264-rising.264"}, 0, nullptr);
+    CxOwnedPicture picture;
+    for (quint64 i = 0; i < 12; ++i) {
+        QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
+        QCOMPARE(picture.get().timestamp, i * 40000);
     }
 }
 
