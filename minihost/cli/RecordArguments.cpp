@@ -282,7 +282,7 @@ QString fx_RecordHelp()
                "  minihost record --rotate auto phone.mp4 phone.h264    upright, as it was taken\n"
                "  minihost record --crop 640x480+0+120 --scale 320x240 clip.mp4 part.h264\n"
                "  minihost record --start 1:02.5 --duration 10s clip.mkv part.h264\n"
-               "  minihost record clip.mp4 clip.mkv                     into a container, as remux makes it\n"
+               "  minihost record clip.mp4 clip.mkv                     a container, as remux makes it\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  minihost record clip.mp4 - | ffplay -                 - is standard output\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"

@@ -83,7 +83,7 @@ void CxRecording::fail(QString const& sentence, RecordFailure failure)
 void CxRecording::failWithoutMemory()
 {
     SxPicBufInfo const& picture = m_picture.get();
-    if (fx_IsMemoryShort(kPicturesInEncoder * picture.width * picture.height * 3 / 2))
+    if (fx_IsMemoryShort(kMemoryToRead + kPicturesInEncoder * picture.width * picture.height * 3 / 2))
         fail(QStringLiteral("There is not enough memory to encode pictures of %1 x %2.")
                  .arg(picture.width)
                  .arg(picture.height));

@@ -69,8 +69,8 @@ std::optional<quint32> fx_IdOf(QByteArray const& frame, SxH264Sps const& sps)
     return std::nullopt;
 }
 
-/// The key frame with another idr_pic_id. Behind the header of our encoder's slices come bits at any place, so that
-/// it may become longer: it knows no arithmetic coding.
+/// The key frame with another idr_pic_id. Behind the header of our encoder's slices come bits at any place,
+/// so that it may become longer: it knows no arithmetic coding.
 QByteArray fx_WithId(QByteArray const& frame, SxH264Sps const& sps, quint32 id)
 {
     QByteArray out;
@@ -85,7 +85,8 @@ QByteArray fx_WithId(QByteArray const& frame, SxH264Sps const& sps, quint32 id)
         at += sps.frameNumBits;
         int const from = at;
         isRead = isRead && fx_TakeNumber(bits, at);
-        out += isRead ? fx_WithStartCode(fx_UnitOf(unit.bytes[0], bits.left(from) + fx_NumberBits(id) + bits.mid(at)))
+        out += isRead ? fx_WithStartCode(
+                            fx_UnitOf(unit.bytes[0], bits.left(from) + fx_NumberBits(id) + bits.mid(at)))
                       : frame.mid(unit.begin, unit.end - unit.begin);
     }
     return out;
@@ -143,8 +144,8 @@ SxCodingFailure fx_FailureOf(SxRecordSummary const& summary, QString const& file
 
 } // namespace
 
-SxCodedFrames fx_CodeFrontAnew(CxRecordingReader& recording, int first, int last, std::atomic<bool> const* stop,
-                               SxCodingFailure& failure)
+SxCodedFrames fx_CodeFrontAnew(CxRecordingReader& recording, int first, int last,
+                               std::atomic<bool> const* stop, SxCodingFailure& failure)
 {
     QList<int> const& keys = recording.keyFrames();
     auto const next = std::upper_bound(keys.begin(), keys.end(), first);
@@ -153,8 +154,9 @@ SxCodedFrames fx_CodeFrontAnew(CxRecordingReader& recording, int first, int last
     if (next != keys.begin() && *(next - 1) == first)
         return {};
     if (!sps) {
-        failure = {QStringLiteral("%1: frame %2 belongs to no key frame.").arg(recording.fileName()).arg(first), true,
-                   false};
+        failure = {
+            QStringLiteral("%1: frame %2 belongs to no key frame.").arg(recording.fileName()).arg(first),
+            true, false};
         return {};
     }
     int const end = next == keys.end() ? last : std::min(last, *next - 1);

@@ -412,7 +412,7 @@ void tst_VerifyCommand::fileThatShrinksMeanwhileFailsWithoutACrash()
 void tst_VerifyCommand::tooFewFileDescriptorsAreNamed_data()
 {
     QTest::addColumn<int>("descriptors");
-    for (int const count : {4, 6, 8, 10, 12})
+    for (int const count : {8, 10, 12}) // with fewer the loader of libraries may give up itself
         QTest::addRow("%d", count) << count;
 }
 

@@ -82,7 +82,7 @@ void tst_main::wrongUsageIsExplained_data()
                                << QByteArray("'camera:' alone is not enough");
     QTest::newRow("forgotten output")
         << QStringList{"record", "a.png", "b.png"}
-        << QByteArray("'b.png' cannot be the output: its name must end in .h264.");
+        << QByteArray("'b.png' cannot be the output: its name must end in .h264, .mp4, .mov or .mkv.");
     QTest::newRow("folder as output")
         << QStringList{"record", "camera:", "/tmp"} << QByteArray("'/tmp' cannot be the output");
     QTest::newRow("empty source") << QStringList{"record", "", "out.h264"}
