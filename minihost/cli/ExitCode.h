@@ -8,7 +8,7 @@ enum ExitCode {
     kDone = 0,
     kFailed = 1, ///< for a reason that none of the others names
     kWrongUsage = 2,
-    kNotWhole = 3,     ///< done, but pictures are missing; only where --strict asks for it
+    kNotWhole = 3,     ///< done, but pictures are missing; only where --strict or --keep-all asks for it
     kBadInput = 4,     ///< unreadable, damaged or not what the command reads
     kOutputFailed = 5, ///< a file, a pipe or standard output did not take it all
     kNoSuchFrame = 6,

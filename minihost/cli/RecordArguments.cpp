@@ -227,7 +227,7 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
 {
     QCommandLineParser parser;
     fx_AddOptions(parser, fx_PartOptions() + fx_SourceOptions() + fx_PictureOptions() + fx_EncodingOptions() +
-                              fx_OutputOptions());
+                              fx_KeepAllOptions() + fx_OutputOptions());
     if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
     if (parsed.run.help)
@@ -267,6 +267,8 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
         error = fx_TakePictureOptions(parser, parsed.changes);
     if (error.isEmpty() && parsed.isCamera)
         error = fx_CameraObstacle(parsed);
+    if (error.isEmpty())
+        error = fx_TakeKeepAllOptions(parser, parsed.keepAll);
     return error.isEmpty();
 }
 
@@ -282,7 +284,8 @@ QString fx_RecordHelp()
                "  minihost record --rotate auto phone.mp4 phone.h264    upright, as it was taken\n"
                "  minihost record --crop 640x480+0+120 --scale 320x240 clip.mp4 part.h264\n"
                "  minihost record --start 1:02.5 --duration 10s clip.mkv part.h264\n"
-               "  minihost record clip.mp4 clip.mkv                     a container, as remux makes it\n"
+               "  minihost record --keep-all clip.mp4 clip.h264         with not one picture skipped\n"
+               "  minihost record clip.mp4 clip.mkv                     into a container\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  minihost record clip.mp4 - | ffplay -                 - is standard output\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
@@ -299,7 +302,7 @@ QString fx_RecordHelp()
            fx_OptionsHelp(fx_PartOptions() + fx_SourceOptions()) +
            QStringLiteral("What to do to each picture, in this order\n") +
            fx_OptionsHelp(fx_PictureOptions()) + QStringLiteral("How to encode\n") +
-           fx_OptionsHelp(fx_EncodingOptions()) + QStringLiteral("How to run\n") +
+           fx_OptionsHelp(fx_EncodingOptions() + fx_KeepAllOptions()) + QStringLiteral("How to run\n") +
            fx_OptionsHelp(fx_OutputOptions()) +
            QStringLiteral(
                "\n"

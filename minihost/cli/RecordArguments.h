@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include "FFmpegSource.h"
+#include "KeepAllArguments.h"
 #include "Options.h"
 #include "PictureChanges.h"
 #include "Recorder.h"
@@ -21,6 +22,7 @@ struct SxRecordArguments
     SxFFmpegOptions input;
     SxSourcePart part;
     SxPictureChanges changes;
+    SxKeepAllWish keepAll;
     bool overwrite = false;
     bool isStrict = false;
     SxRunOptions run;

@@ -1,6 +1,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "Commands.h"
 #include "Console.h"
@@ -10,22 +11,19 @@
 #include "FFmpegSource.h"
 #include "FilteredSource.h"
 #include "Interrupt.h"
+#include "KeepAll.h"
 #include "NotedRecording.h"
 #include "PictureRate.h"
 #include "PictureSizes.h"
-#include "ProgressLine.h"
 #include "QualityTrial.h"
 #include "RecordArguments.h"
 #include "RecordReport.h"
+#include "RecordWatcher.h"
 #include "SameFile.h"
 #include "Session.h"
 #include "SourceFiles.h"
-#include "SourceNotes.h"
 
 namespace {
-
-constexpr int kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
-constexpr int kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
 
 /// Finds the files that the sources stand for, and says what is to be said of them. \return what stands in
 /// the way of reading them, one sentence; empty when nothing is known to.
@@ -95,104 +93,6 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     return QString();
 }
 
-/// What the user reads while a recording runs.
-class CxRecordWatcher
-{
-public:
-    CxRecordWatcher(CxFilteredSource& source, SxRecordRequest const& request)
-        : m_source(source)
-        , m_request(request)
-    {}
-
-    void onPicture(SxRecordSummary const& summary)
-    {
-        if (summary.given == 1)
-            onFirstPicture(summary);
-        if (summary.skipped.size() == 1 && summary.skipped.last() == summary.given - 1)
-            warn(QStringLiteral("the encoder begins to skip pictures, at picture %1.")
-                     .arg(summary.skipped.last()));
-        if (summary.given == kPicturesBeforeBitsAdvice)
-            adviseBits(summary);
-        passWarnings();
-        m_line.update(summary.given, summary.bytes,
-                      summary.skipped.isEmpty() ? QString()
-                                                : QStringLiteral("%1 skipped").arg(summary.skipped.size()));
-    }
-
-    /// \param trial  null when the source cannot be read again
-    void onEnd(SxRecordSummary const& summary, CxQualityTrial* trial)
-    {
-        Console::transient(QString());
-        passWarnings();
-        if (summary.given < kPicturesBeforeBitsAdvice)
-            adviseBits(summary);
-        QString const asked = fx_LevelName(m_request.encoder.level);
-        if (!summary.level.isEmpty() && summary.level != asked)
-            warn(QStringLiteral("OpenH264 made the recording level %1, not level %2 as asked.")
-                     .arg(summary.level, asked));
-        if (!summary.sidecarError.isEmpty())
-            warn(summary.sidecarError);
-        if (trial && !summary.skipped.isEmpty())
-            Console::transient(QStringLiteral("Trying which quality keeps every picture..."));
-        QString const advice = fx_SkipAdvice(m_request, summary, trial);
-        if (!advice.isEmpty())
-            warn(advice);
-    }
-
-    QStringList const& warnings() const { return m_warnings; }
-
-    void warn(QString const& sentence)
-    {
-        Console::warning(sentence);
-        m_warnings += sentence;
-    }
-
-private:
-    void passWarnings()
-    {
-        for (QString const& warning : m_source.takeWarnings())
-            warn(warning);
-    }
-
-    void adviseBits(SxRecordSummary const& summary)
-    {
-        QString const advice = m_source.knowsSignificantBits() ? QString() : fx_BitsAdvice(summary);
-        if (!advice.isEmpty())
-            warn(advice);
-    }
-
-    /// Now the source has opened something and knows its length, and the size to be saved is known.
-    void onFirstPicture(SxRecordSummary const& summary)
-    {
-        m_line.setTotal(summary.expected);
-        if (m_request.encoder.profile == kProfileExtended)
-            warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));
-        bool const isNoted = m_request.keepsSidecar && QFileInfo(m_request.outputFile).isFile();
-        for (QString const& note : fx_SourceNotes(m_source, isNoted))
-            Console::message(note);
-        tellAboutScaling(summary);
-    }
-
-    void tellAboutScaling(SxRecordSummary const& summary)
-    {
-        SxPicBufInfo const& input = summary.input;
-        if (summary.savedWidth == input.width && summary.savedHeight == input.height)
-            return;
-        Console::message(QStringLiteral("The pictures are scaled from %1 x %2 to %3 x %4: level %5 allows no "
-                                        "larger ones.")
-                             .arg(input.width)
-                             .arg(input.height)
-                             .arg(summary.savedWidth)
-                             .arg(summary.savedHeight)
-                             .arg(fx_LevelName(m_request.encoder.level)));
-    }
-
-    CxFilteredSource& m_source;
-    SxRecordRequest const& m_request;
-    CxProgressLine m_line;
-    QStringList m_warnings;
-};
-
 std::unique_ptr<CxFilteredSource> fx_MakeSource(SxRecordArguments const& arguments)
 {
     std::unique_ptr<IxPictureSource> source;
@@ -232,7 +132,7 @@ bool fx_IsRepeatable(SxRecordArguments const& arguments)
                        [](QString const& source) { return QFileInfo(source).isFile(); });
 }
 
-int fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summary)
+ExitCode fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summary)
 {
     switch (summary.failure) {
     case RecordFailure::Source:
@@ -249,7 +149,8 @@ int fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summa
     return arguments.isStrict && !summary.skipped.isEmpty() ? kNotWhole : kDone;
 }
 
-int fx_RecordAndReport(SxRecordArguments const& arguments)
+/// Records once, and tries what would have kept skipped pictures.
+SxRecordSummary fx_RecordOnce(SxRecordArguments const& arguments, QStringList& warnings)
 {
     std::unique_ptr<CxFilteredSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
@@ -262,18 +163,86 @@ int fx_RecordAndReport(SxRecordArguments const& arguments)
     bool const isTried = fx_IsRepeatable(arguments) && summary.error.isEmpty() && !summary.wasStopped;
     CxQualityTrial trial([&arguments] { return fx_MakeSource(arguments); }, arguments.request, summary);
     watcher.onEnd(summary, isTried ? &trial : nullptr);
+    warnings = watcher.warnings();
+    return summary;
+}
+
+/// Records until nothing is skipped; the arguments' encoder options are then those with which that was so.
+SxRecordSummary fx_RecordEvery(SxRecordArguments& arguments, QStringList& warnings)
+{
+    CxFilteredSource* source = nullptr;
+    auto const make = [&] {
+        auto made = fx_MakeSource(arguments);
+        source = made.get();
+        return made;
+    };
+    SxEncoderOptions const asked = arguments.request.encoder;
+    CxKeepAll keeper(make, fx_RawRequest(arguments.request), arguments.keepAll.consent);
+    std::optional<CxRecordWatcher> watcher;
+    for (QString const& warning : arguments.warnings)
+        Console::warning(warning);
+    SxRecordSummary summary = keeper.run([&](SxRecordSummary const& soFar) {
+        if (soFar.given == 1) {
+            auto const tells = watcher ? CxRecordWatcher::Tells::News : CxRecordWatcher::Tells::NoSkips;
+            QStringList const told = watcher ? watcher->warnings() : arguments.warnings;
+            watcher.emplace(*source, keeper.request(), tells, told);
+        }
+        watcher->onPicture(soFar);
+    });
+    if (watcher) {
+        if (summary.coded > 0)
+            fx_PutIntoContainer(arguments.request, *source, summary);
+        watcher->onEnd(summary, nullptr);
+        warnings = watcher->warnings();
+    }
+    arguments.request.encoder = keeper.request().encoder;
+    QString const changed = fx_ChangedOptions(asked, arguments.request.encoder);
+    if (summary.coded > 0 && !changed.isEmpty())
+        Console::message(QStringLiteral("Every picture is kept with %1, found in %2 attempts.")
+                             .arg(changed)
+                             .arg(keeper.attempts()));
+    return summary;
+}
+
+/// Whether a recording that skips pictures can be made anew, with other options and the same source.
+bool fx_CanStartAnew(SxRecordArguments const& arguments)
+{
+    QFileInfo const output(arguments.request.outputFile);
+    bool const isEndless = arguments.isCamera && arguments.camera.frames == 0;
+    bool const isStandard = arguments.request.outputFile == QLatin1String(kStandardOutputName);
+    return fx_IsRepeatable(arguments) && !isEndless && !isStandard && (!output.exists() || output.isFile());
+}
+
+int fx_RecordAndReport(SxRecordArguments arguments)
+{
+    QStringList warnings;
+    bool const isEvery = arguments.keepAll.isWanted && fx_CanStartAnew(arguments);
+    bool const isAtOnce = arguments.keepAll.isWanted && !isEvery;
+    if (isAtOnce)
+        arguments.request.encoder = fx_MostKeeping(arguments.request.encoder, arguments.keepAll.consent);
+    SxRecordSummary summary =
+        isEvery ? fx_RecordEvery(arguments, warnings) : fx_RecordOnce(arguments, warnings);
     bool const isInterrupted = summary.error.isEmpty() && fx_IsInterrupted(summary);
     if (isInterrupted)
-        summary.error = fx_InterruptionText(arguments.request, summary);
-    if (summary.given > 0)
+        summary.error =
+            isEvery
+                ? QStringLiteral("%1: interrupted; nothing was written.").arg(arguments.request.outputFile)
+                : fx_InterruptionText(arguments.request, summary);
+    if (summary.given > 0 && (!isEvery || summary.coded > 0))
         Console::message(fx_RecordSummaryText(arguments.request, summary));
+    bool const isAnyMissing = isAtOnce && !summary.skipped.isEmpty();
+    if (isAnyMissing) {
+        warnings += fx_MissingWarning(arguments.request, summary);
+        Console::warning(warnings.last());
+    }
     if (arguments.run.json)
-        Console::data(fx_RecordSummaryJson(arguments.request, summary, watcher.warnings()));
+        Console::data(fx_RecordSummaryJson(arguments.request, summary, warnings));
     if (isInterrupted)
         return fx_Interrupted(summary.error);
     if (!summary.error.isEmpty())
         Console::error(summary.error);
-    return fx_ExitCode(arguments, summary);
+    ExitCode const code = fx_ExitCode(arguments, summary);
+    return code == kDone && isAnyMissing ? kNotWhole : code;
 }
 
 } // namespace

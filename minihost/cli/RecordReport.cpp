@@ -101,6 +101,8 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         {QStringLiteral("interrupted"), fx_IsInterrupted(summary)},
         {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)},
         {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},
+        {QStringLiteral("quality"), request.encoder.quality},
+        {QStringLiteral("keyframeRate"), request.encoder.keyFrameInterval},
         {QStringLiteral("skipped"), summary.skipped.size()},
         {QStringLiteral("skippedPictures"), skipped},
         {QStringLiteral("bytes"), summary.bytes},
@@ -174,9 +176,24 @@ QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& sum
                                 .arg(keeps());
     }
     advice += QStringLiteral("not even --quality 10 would keep them all");
-    return advice + (request.encoder.keyFrameInterval < 30
-                         ? QStringLiteral(", but fewer key frames (--keyframe-rate 30) may help.")
+    return advice + (request.encoder.keyFrameInterval > 1
+                         ? QStringLiteral(", but --keyframe-rate 1 does: key frames are never skipped.")
                          : QStringLiteral("."));
+}
+
+QString fx_MissingWarning(SxRecordRequest const& request, SxRecordSummary const& summary)
+{
+    QString text =
+        QStringLiteral("PICTURES ARE MISSING in %1: the encoder skipped %2 of %3 (%4), although none "
+                       "may be, and the source comes only once.")
+            .arg(request.outputFile)
+            .arg(summary.skipped.size())
+            .arg(summary.given)
+            .arg(fx_ReadableRanges(summary.skipped, kMostRanges));
+    if (request.encoder.keyFrameInterval > 1)
+        text += QStringLiteral(
+            " With --may-change keyframe-rate every picture is a key frame, and none is skipped.");
+    return text;
 }
 
 QString fx_BitsAdvice(SxRecordSummary const& summary)

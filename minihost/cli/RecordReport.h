@@ -25,6 +25,9 @@ QString fx_InterruptionText(SxRecordRequest const& request, SxRecordSummary cons
 /// with \p trial, which may be null, by what it saw.
 QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary, CxQualityTrial* trial);
 
+/// That pictures are missing of a source that comes only once, though none may be; one sentence.
+QString fx_MissingWarning(SxRecordRequest const& request, SxRecordSummary const& summary);
+
 /// A question about the significant bits when the highest sample seen contradicts them; empty when it
 /// does not, or nothing was seen.
 QString fx_BitsAdvice(SxRecordSummary const& summary);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "IxPictureSource.h"
+#include "SameFile.h"
 #include "Sidecar.h"
 
 /// True when a player that assumes what everybody does shows the recording as it was.
@@ -35,27 +36,48 @@ static SxSidecar fx_SidecarOf(SxRecordRequest const& request, SxRecordSummary co
     return sidecar;
 }
 
-SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest const& request,
-                                     RecordProgress const& progress)
+/// What has other names than its own, such as standard output, has none beside which a sidecar could lie.
+static bool fx_CanHaveSidecar(QString const& output)
 {
-    QString const& output = request.outputFile;
+    return QFileInfo(output).isFile() && !fx_IsStandardOutput(output);
+}
+
+SxRecordSummary fx_RecordWithFacts(IxPictureSource& source, SxRecordRequest const& request,
+                                   RecordProgress const& progress)
+{
     int rotation = 0; // of all pictures, or none
     SxRecordSummary summary = fx_Record(source, request, [&](SxRecordSummary const& soFar) {
         rotation = soFar.given == 1 || rotation == source.rotation() ? source.rotation() : 0;
-        if (soFar.given == 1 && QFileInfo(output).isFile())
-            fx_RemoveSidecar(output);
         if (progress)
             progress(soFar);
     });
     summary.rate = source.rate();
     summary.rotation = rotation;
-    if (summary.given == 0 || !QFileInfo(output).isFile())
-        return summary;
+    return summary;
+}
+
+void fx_NoteRecording(SxRecordRequest const& request, SxRecordSummary& summary)
+{
+    QString const& output = request.outputFile;
+    if (summary.given == 0 || !fx_CanHaveSidecar(output))
+        return;
     if (summary.coded > 0 && request.keepsSidecar && !fx_IsAsAssumed(summary)) {
         if (fx_WriteSidecar(output, fx_SidecarOf(request, summary), summary.sidecarError))
             summary.sidecar = fx_SidecarName(output);
     } else if (!fx_FindSidecar(output).sidecar) { // that of an untouched recording stays
         fx_RemoveSidecar(output);
     }
+}
+
+SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest const& request,
+                                     RecordProgress const& progress)
+{
+    SxRecordSummary summary = fx_RecordWithFacts(source, request, [&](SxRecordSummary const& soFar) {
+        if (soFar.given == 1 && fx_CanHaveSidecar(request.outputFile))
+            fx_RemoveSidecar(request.outputFile);
+        if (progress)
+            progress(soFar);
+    });
+    fx_NoteRecording(request, summary);
     return summary;
 }

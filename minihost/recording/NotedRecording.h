@@ -10,3 +10,9 @@
 /// forbids, or the disk, changes nothing of the recording.
 SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest const& request,
                                      RecordProgress const& progress = {});
+
+/// The two steps of it: the recording, with what the source says of itself in the summary, and the sidecar of
+/// a request's output that is complete.
+SxRecordSummary fx_RecordWithFacts(IxPictureSource& source, SxRecordRequest const& request,
+                                   RecordProgress const& progress = {});
+void fx_NoteRecording(SxRecordRequest const& request, SxRecordSummary& summary);

@@ -492,6 +492,12 @@ void tst_RecordCommand::adviceAgainstSkippingHolds()
     SxMinihostRun const better = fx_RunMinihost(common + QStringList{path("out.h264")} +
                                                 (isHopeless ? QStringList{"--quality", "10"} : advised));
     QVERIFY2((better.json().value("skipped").toInt(-1) > 0) == isHopeless, run.err + better.err);
+    if (!isHopeless)
+        return;
+    QVERIFY2(run.err.contains(", but --keyframe-rate 1 does: "), run.err);
+    SxMinihostRun const keys =
+        fx_RunMinihost(common + QStringList{path("out.h264"), "--quality", quality, "--keyframe-rate", "1"});
+    QCOMPARE(keys.json().value("skipped").toInt(-1), 0);
 }
 
 void tst_RecordCommand::adviceNamesTheLevelThatIsTooLow()

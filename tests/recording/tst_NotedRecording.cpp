@@ -206,6 +206,11 @@ void tst_NotedRecording::pipeHasNone()
     QVERIFY2(run.exitCode == 0, run.err);
     QVERIFY(QFileInfo(path("copy")).size() > 0);
     QVERIFY(!QFile::exists(path("pipe.h264.json")));
+    SxMinihostRun const redirected =
+        fx_RunMinihostInShell("\"$@\" >there.h264", {"record", path("25.y4m"), "-"}, m_folder->path());
+    QVERIFY2(redirected.exitCode == 0, redirected.err);
+    QVERIFY(QFileInfo(path("there.h264")).size() > 0);
+    QVERIFY(!QFile::exists("/dev/stdout.json"));
 }
 
 QTEST_GUILESS_MAIN(tst_NotedRecording)
