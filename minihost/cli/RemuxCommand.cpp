@@ -32,15 +32,15 @@ QString fx_OutputObstacle(SxRemuxArguments const& arguments)
     return obstacle;
 }
 
-/// What the user says of the recording, or else what stands beside it.
-SxStreamDescription fx_DescriptionFor(SxRemuxArguments const& arguments)
+/// What the user says of the recording, or else what stands beside it or in it.
+SxStreamDescription fx_DescriptionFor(CxRecordingReader const& recording, SxRemuxArguments const& arguments)
 {
-    std::optional<SxSidecar> const sidecar = fx_FindSidecar(arguments.common.file()).sidecar;
     SxStreamDescription description;
-    SxPictureRate const rate = arguments.rate.value_or(sidecar ? sidecar->rate : SxPictureRate());
+    SxPictureRate const rate = arguments.rate.value_or(recording.rate());
     if (rate.isKnown())
         description.rate = fx_Rational(rate);
-    description.rotation = sidecar ? sidecar->rotation : 0;
+    if (recording.sidecar().sidecar)
+        description.rotation = recording.sidecar().sidecar->rotation;
     return description;
 }
 
@@ -95,12 +95,12 @@ int fx_ExitCodeOf(SxRemuxSummary const& summary)
 }
 
 /// A raw stream holds no rotation, and its loader reads no rate: they are noted beside it, as `record` does.
-void fx_NoteBeside(SxRemuxArguments const& arguments, SxRemuxRequest const& request,
-                   SxRemuxSummary const& summary)
+void fx_NoteBeside(CxRecordingReader const& recording, SxRemuxArguments const& arguments,
+                   SxRemuxRequest const& request, SxRemuxSummary const& summary)
 {
     QString error = fx_RotationWarning(request, summary);
     if (!fx_ContainerKindOf(request.output)) {
-        std::optional<SxSidecar> const found = fx_FindSidecar(arguments.common.file()).sidecar;
+        std::optional<SxSidecar> const& found = recording.sidecar().sidecar;
         SxSidecar sidecar = found.value_or(SxSidecar());
         sidecar.rate = arguments.rate.value_or(sidecar.rate);
         if (!found)
@@ -125,7 +125,7 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
     SxRemuxRequest request;
     request.output = arguments.output;
     request.stop = &fx_CatchInterrupts();
-    request.description = fx_DescriptionFor(arguments);
+    request.description = fx_DescriptionFor(recording, arguments);
     ExitCode code = kDone;
     QString const error = fx_ChooseFrames(recording, arguments, request, code);
     if (!error.isEmpty())
@@ -150,7 +150,7 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
     if (summary.failure == RemuxFailure::None) {
         for (QString const& warning : fx_RemuxWarnings(recording.fileName(), summary))
             Console::warning(warning);
-        fx_NoteBeside(arguments, request, summary);
+        fx_NoteBeside(recording, arguments, request, summary);
         if (summary.first < request.first)
             Console::message(QStringLiteral("%1: begins at frame %2, the key frame before %3.")
                                  .arg(request.output)

@@ -254,7 +254,11 @@ void tst_RemuxCommand::rawStreamOpensAsBefore()
     QCOMPARE(info.value("height").toInt(), kHeight);
     QCOMPARE(info.value("keyFrames").toInt(), kFrames / 5);
     QCOMPARE(run({"verify", "o.h264"}).exitCode, 0);
-    // And once more: what is described already gets the same description.
+    // And once more: what is described already keeps its description.
+    QCOMPARE(run({"remux", "--fps", "25", m_recording, "slow.h264"}).exitCode, 0);
+    QVERIFY(QFile::remove(path("slow.h264.json")));
+    QCOMPARE(run({"remux", "slow.h264", "slow.mp4"}).exitCode, 0);
+    QCOMPARE(fx_ProbedStream(path("slow.mp4")).value("r_frame_rate").toString(), QString("25/1"));
     QCOMPARE(run({"remux", "o.h264", "again.h264"}).exitCode, 0);
     QCOMPARE(fx_FileBytes(path("again.h264")), fx_FileBytes(path("o.h264")));
 }
