@@ -91,9 +91,11 @@ static QStringList fx_NamesIn(QString const& folder, QString& obstacle)
     return names;
 }
 
-static bool fx_IsFolder(QString const& folder, QString const& name)
+/// True for a file, and for a link to nothing, whose picture would be missed without a word.
+static bool fx_MayBeFile(QString const& folder, QString const& name)
 {
-    return QFileInfo(QDir(folder).filePath(name)).isDir();
+    QFileInfo const info(QDir(folder).filePath(name));
+    return info.isFile() || !info.exists();
 }
 
 SxPictureFiles fx_PicturesInFolder(QString const& folder)
@@ -101,7 +103,7 @@ SxPictureFiles fx_PicturesInFolder(QString const& folder)
     SxPictureFiles found;
     QStringList names = fx_NamesIn(folder, found.obstacle);
     auto const others = std::partition(names.begin(), names.end(), [&](QString const& name) {
-        return fx_IsPictureName(name) && !fx_IsFolder(folder, name);
+        return fx_IsPictureName(name) && fx_MayBeFile(folder, name);
     });
     auto const passedOver = names.end() - others;
     names.erase(others, names.end());
@@ -150,12 +152,11 @@ static QString fx_Gap(QString const& pattern, QVector<qint64> const& numbers)
     }
     if (missing == 0)
         return QString();
-    return QStringLiteral("%1: %2 of the numbers from %3 to %4 are missing: %5.")
-        .arg(pattern)
-        .arg(missing)
+    return QStringLiteral("%1: %2 from %3 to %4 %5 missing: %6.")
+        .arg(pattern, missing == 1 ? QStringLiteral("1 number") : QStringLiteral("%1 numbers").arg(missing))
         .arg(numbers.first())
         .arg(numbers.last())
-        .arg(ranges.join(QStringLiteral(", ")));
+        .arg(missing == 1 ? QStringLiteral("is") : QStringLiteral("are"), ranges.join(QStringLiteral(", ")));
 }
 
 SxPictureFiles fx_PicturesOfPattern(QString const& pattern)
@@ -175,7 +176,7 @@ SxPictureFiles fx_PicturesOfPattern(QString const& pattern)
     QVector<QPair<qint64, QString>> numbered;
     for (QString const& name : fx_NamesIn(info.path(), found.obstacle)) {
         QRegularExpressionMatch const match = form.match(name);
-        if (match.hasMatch() && !fx_IsFolder(info.path(), name))
+        if (match.hasMatch() && fx_MayBeFile(info.path(), name))
             numbered.append({match.captured(1).toLongLong(), info.dir().filePath(name)});
     }
     std::sort(numbered.begin(), numbered.end());

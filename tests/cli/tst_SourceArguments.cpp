@@ -26,6 +26,8 @@ private slots:
     void foldersAndPatternsAreRecordedInNaturalOrder_data();
     void foldersAndPatternsAreRecordedInNaturalOrder();
     void sizesThatDifferAreToldBeforeAnythingIsRecorded();
+    void unreadableFilesAreToldBeforeAnythingIsRecorded_data();
+    void unreadableFilesAreToldBeforeAnythingIsRecorded();
     void missingNumbersOfAPatternAreAWarning();
     void whatARecordingCannotSayIsTold_data();
     void whatARecordingCannotSayIsTold();
@@ -225,13 +227,31 @@ void tst_SourceArguments::sizesThatDifferAreToldBeforeAnythingIsRecorded()
     QCOMPARE(scaled.json().value("given").toInt(), 2);
 }
 
+void tst_SourceArguments::unreadableFilesAreToldBeforeAnythingIsRecorded_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::newRow("folder") << ".";
+    QTest::newRow("pattern") << "%d.pgm";
+}
+
+void tst_SourceArguments::unreadableFilesAreToldBeforeAnythingIsRecorded()
+{
+    QFETCH(QString, source);
+    QVERIFY(fx_WriteFile(path("1.pgm"), fx_GreyFile(64, 48, 100)));
+    QVERIFY(QFile::link("nowhere", path("2.pgm")));
+    SxMinihostRun const run = fx_RunMinihost({"record", source, "out.h264"}, QByteArray(), m_folder->path());
+    QCOMPARE(run.exitCode, 4);
+    QVERIFY2(run.err.endsWith("2.pgm: there is no such file.\n"), run.err);
+    QVERIFY(!QFile::exists(path("out.h264")));
+}
+
 void tst_SourceArguments::missingNumbersOfAPatternAreAWarning()
 {
     for (char const* name : {"s1.pgm", "s2.pgm", "s5.pgm"})
         QVERIFY(fx_WriteFile(path(name), fx_GreyFile(32, 32, 100)));
     SxMinihostRun const run = fx_RunMinihost({"record", path("s%d.pgm"), path("out.h264"), "--json"});
     QVERIFY2(run.exitCode == 0, run.err);
-    QVERIFY2(run.err.contains("s%d.pgm: 2 of the numbers from 1 to 5 are missing: 3-4."), run.err);
+    QVERIFY2(run.err.contains("s%d.pgm: 2 numbers from 1 to 5 are missing: 3-4."), run.err);
     QCOMPARE(run.json().value("warnings").toArray().size(), 1);
 }
 

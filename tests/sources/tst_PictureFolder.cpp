@@ -190,7 +190,10 @@ void tst_PictureFolder::missingNumbersAreNamed()
 {
     makeFiles({"s3.png", "s4.png", "s6.png", "s10.png"});
     SxPictureFiles const found = fx_PicturesOfPattern(path("s%d.png"));
-    QCOMPARE(found.gap, path("s%d.png") + ": 4 of the numbers from 3 to 10 are missing: 5, 7-9.");
+    QCOMPARE(found.gap, path("s%d.png") + ": 4 numbers from 3 to 10 are missing: 5, 7-9.");
+    makeFiles({"s5.png", "s7.png", "s9.png"});
+    QCOMPARE(fx_PicturesOfPattern(path("s%d.png")).gap,
+             path("s%d.png") + ": 1 number from 3 to 10 is missing: 8.");
     makeFiles({"t3.png", "t4.png"});
     QCOMPARE(fx_PicturesOfPattern(path("t%d.png")).gap, QString());
     QVERIFY(!fx_PicturesOfPattern(path("u%d.png")).obstacle.isEmpty());
