@@ -156,6 +156,8 @@ SxRecordSummary fx_RecordOnce(SxRecordArguments const& arguments, QStringList& w
     CxRecordWatcher watcher(*source, arguments.request);
     for (QString const& warning : arguments.warnings)
         watcher.warn(warning);
+    if (arguments.part.start)
+        Console::transient(QStringLiteral("Going to the start..."));
     SxRecordSummary summary =
         fx_RecordWithSidecar(*source, fx_RawRequest(arguments.request),
                              [&watcher](SxRecordSummary const& soFar) { watcher.onPicture(soFar); });
