@@ -12,12 +12,12 @@
 
 namespace {
 
-SxStreamDescription fx_DescriptionOf(IxPictureSource const& source)
+SxStreamDescription fx_DescriptionOf(IxPictureSource const& source, int rotation)
 {
     SxStreamDescription description;
     if (source.rate().isKnown())
         description.rate = fx_Rational(source.rate());
-    description.rotation = source.rotation();
+    description.rotation = rotation;
     return description;
 }
 
@@ -76,7 +76,7 @@ void fx_PutIntoContainer(SxRecordRequest const& request, IxPictureSource const& 
     // Where the disk is full there is no room for another file.
     QString const error = summary.failure == RecordFailure::Output
                               ? summary.error
-                              : fx_Finish(raw, container, fx_DescriptionOf(source));
+                              : fx_Finish(raw, container, fx_DescriptionOf(source, summary.rotation));
     if (error.isEmpty()) {
         summary.bytes = QFileInfo(container).size();
         summary.sidecar.clear();

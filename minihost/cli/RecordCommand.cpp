@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "ContainerRecording.h"
+#include "ContainerWriter.h"
 #include "EncoderTrial.h"
 #include "ExitCode.h"
 #include "FFmpegSource.h"

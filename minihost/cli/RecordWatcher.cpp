@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "Console.h"
+#include "ContainerWriter.h"
 #include "EncoderOptions.h"
 #include "QualityTrial.h"
 #include "RecordReport.h"
@@ -82,8 +83,11 @@ void CxRecordWatcher::onFirstPicture(SxRecordSummary const& summary)
         return;
     if (m_request.encoder.profile == kProfileExtended)
         warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));
-    bool const isNoted = m_request.keepsSidecar && QFileInfo(m_request.outputFile).isFile();
-    for (QString const& note : fx_SourceNotes(m_source, isNoted))
+    bool const hasSidecar = m_request.keepsSidecar && QFileInfo(m_request.outputFile).isFile();
+    RateKeeper const keeper = fx_ContainerKindOf(m_request.outputFile) ? RateKeeper::Container
+                              : hasSidecar                             ? RateKeeper::Sidecar
+                                                                       : RateKeeper::Nobody;
+    for (QString const& note : fx_SourceNotes(m_source, keeper))
         Console::message(note);
     tellAboutScaling(summary);
 }

@@ -41,20 +41,21 @@ static QString fx_PixelNote(SxPixelShape const& shape, QSize size)
         .arg(height);
 }
 
-static QString fx_RotationNote(int rotation, bool isNoted)
+static QString fx_RotationNote(int rotation, RateKeeper keeper)
 {
-    if (rotation == 0)
+    if (rotation == 0 || keeper == RateKeeper::Container)
         return QString();
     return QStringLiteral("The pictures are to be turned clockwise by %1 degrees, which a recording cannot "
                           "say%2: --rotate "
                           "auto turns them.")
         .arg(rotation)
-        .arg(isNoted ? QStringLiteral(" but in the note beside it") : QString());
+        .arg(keeper == RateKeeper::Sidecar ? QStringLiteral(" but in the note beside it") : QString());
 }
 
-static QString fx_RateNote(SxPictureRate const& rate, bool isNoted)
+static QString fx_RateNote(SxPictureRate const& rate, RateKeeper keeper)
 {
-    if (isNoted || !rate.isKnown() || std::abs(rate.perSecond() - kPicturesASecond) < 0.001)
+    if (keeper != RateKeeper::Nobody || !rate.isKnown() ||
+        std::abs(rate.perSecond() - kPicturesASecond) < 0.001)
         return QString();
     return QStringLiteral("The source has %1 pictures a second, and nothing will say so: players show a "
                           "recording's at %2 "
@@ -63,11 +64,11 @@ static QString fx_RateNote(SxPictureRate const& rate, bool isNoted)
         .arg(kPicturesASecond);
 }
 
-QStringList fx_SourceNotes(CxFilteredSource const& source, bool isNoted)
+QStringList fx_SourceNotes(CxFilteredSource const& source, RateKeeper keeper)
 {
     QStringList notes{fx_OddSidesNote(source.lastPlan()),
                       fx_PixelNote(source.pixelShape(), source.lastPlan().size),
-                      fx_RotationNote(source.rotation(), isNoted), fx_RateNote(source.rate(), isNoted)};
+                      fx_RotationNote(source.rotation(), keeper), fx_RateNote(source.rate(), keeper)};
     notes.removeAll(QString());
     return notes;
 }

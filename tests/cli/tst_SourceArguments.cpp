@@ -333,6 +333,11 @@ void tst_SourceArguments::pictureThatSaysHowIsTurned()
     QVERIFY2(!turned.err.contains("clockwise"), turned.err);
     QCOMPARE(turned.json().value("width").toInt(), 48);
     QVERIFY(!QFile::exists(path("turned.h264.json")));
+
+    // A container says it.
+    SxMinihostRun const contained = fx_RunMinihost({"record", path("in.jpg"), path("out.mp4")});
+    QVERIFY2(contained.exitCode == 0, contained.err);
+    QVERIFY2(!contained.err.contains("turned"), contained.err);
 }
 
 void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
