@@ -21,6 +21,6 @@ public:
     virtual IxChainData* loadedData(int index) = 0;
 
     virtual QString inputFile() = 0;
-    virtual void setInputFile(QString const& fileName) = 0;
-    virtual double loadedFps() = 0; ///< pictures a second; 0 when unknown
+    virtual void setInputFile(QString const& fileName) = 0; ///< before load()
+    virtual double loadedFps() = 0;                         ///< pictures a second; 0 when unknown
 };

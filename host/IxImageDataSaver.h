@@ -24,8 +24,11 @@ public:
     /// untouched, when the saver cannot tell.
     virtual bool querySavedImageFormat(SxPicBufInfo const& input, SxPicBufInfo& output) = 0;
 
+    /// What optionsFromWidgetInSaveDlg() gave; codec options go to the codec manager instead.
     virtual void setSaverOptions(QMap<QString, QVariant> const& options) = 0;
     virtual QWidget* widgetForSaveDlg(QWidget* parent) = 0; ///< null when there is nothing to choose
+
+    /// The saver's own options as \p widget, of widgetForSaveDlg(), shows them.
     virtual QMap<QString, QVariant> optionsFromWidgetInSaveDlg(QWidget* widget) = 0;
 
     /// The options of the codec that \p widget shows, and the FourCC of that codec. The host gives

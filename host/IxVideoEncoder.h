@@ -30,6 +30,8 @@ public:
     virtual void setEncoderOptions(QMap<QString, QVariant> const& options) = 0; ///< before the first encode()
     virtual double getForcedFps(); ///< frame rate to use whatever the pictures say; 0 for none, the default
 
-    virtual QWidget* widgetForSaveDlg(QWidget* parent) = 0;
+    virtual QWidget* widgetForSaveDlg(QWidget* parent) = 0; ///< shows the options, belongs to \p parent
+
+    /// What such a widget shows, for setEncoderOptions().
     virtual QMap<QString, QVariant> optionsFromWidgetInSaveDlg(QWidget* widget) = 0;
 };

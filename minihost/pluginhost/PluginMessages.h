@@ -21,7 +21,7 @@ public:
     /// Dumps of several lines are for the log and left out.
     static QStringList take();
 
-    /// What a logged line says: `0x7f01 Saver.cpp L 31 :  "CxSaver::save(): No file."` gives
-    /// `No file.`. A line of another shape is returned as it is.
+    /// What a logged line says: "No file." for `0x7f01 Saver.cpp L 31 :  "CxSaver::save(): No file."`
+    /// A line of another shape is returned as it is.
     static QString readable(QString const& logged);
 };

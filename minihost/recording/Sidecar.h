@@ -24,6 +24,7 @@ struct SxSidecar
 /// Name of the file that belongs to \p recording: "out.h264.json".
 QString fx_SidecarName(QString const& recording);
 
+/// What fx_FindSidecar() found.
 struct SxFoundSidecar
 {
     std::optional<SxSidecar> sidecar; ///< nothing when there is none that belongs to the recording

@@ -6,6 +6,7 @@
 
 #include "IxVideoDecoder.h"
 
+/// Gives an OpenH264 decoder back to the library.
 struct SxDecoderDeleter
 {
     void operator()(ISVCDecoder* decoder) const { WelsDestroyDecoder(decoder); } // codec_api.h

@@ -9,11 +9,13 @@
 #include "IxVideoEncoder.h"
 #include "openH264Options.h"
 
+/// Gives an OpenH264 encoder back to the library.
 struct SxEncoderDeleter
 {
     void operator()(ISVCEncoder* encoder) const { WelsDestroySVCEncoder(encoder); } // codec_api.h
 };
 
+/// Gives a block of malloc() or calloc() back.
 struct SxFreeDeleter
 {
     void operator()(void* block) const { std::free(block); }

@@ -5,6 +5,7 @@
 #include <QSize>
 #include <wels/codec_api.h>
 
+/// One level of ITU-T H.264 and what the encoder makes of it.
 struct SxLevel
 {
     char const* name; ///< to be translated in the encoder's context
