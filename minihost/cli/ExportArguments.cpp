@@ -124,6 +124,7 @@ QVector<SxOption> fx_Options()
         {"overwrite", 0, nullptr, QStringLiteral("replace files that exist, each once the new one is whole")},
         {"keep-going", 0, nullptr, QStringLiteral("leave out frames that cannot be decoded, and say which")},
         {"strict", 0, nullptr, QStringLiteral("with --keep-going: exit code 3 when frames were left out")},
+        fx_JobsOption(QStringLiteral("threads that decode")),
     };
     return own + fx_RunOptions(QStringLiteral("what was written as JSON on standard output"));
 }
@@ -143,6 +144,10 @@ bool fx_ParseExportArguments(QStringList const& arguments, SxExportArguments& pa
     parsed.keepsGoing = parser.isSet(QStringLiteral("keep-going"));
     parsed.isStrict = parser.isSet(QStringLiteral("strict"));
     parsed.request.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    std::optional<int> const jobs = fx_Jobs(parser, error);
+    if (!jobs)
+        return false;
+    parsed.jobs = *jobs;
     error = fx_ReadValues(parser, parsed);
     if (error.isEmpty())
         error = fx_ChooseKind(parser, parsed);

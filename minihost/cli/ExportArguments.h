@@ -15,6 +15,7 @@ struct SxExportArguments
     SxExportRequest request;
     bool keepsGoing = false; ///< past frames that cannot be decoded
     bool isStrict = false;   ///< and tells of them in the exit code
+    int jobs = 1;            ///< threads that decode
 };
 
 /// Reads the arguments after "export". \return false, with \p error one sentence, when they make no sense.

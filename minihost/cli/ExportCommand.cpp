@@ -6,6 +6,7 @@
 #include "Console.h"
 #include "ExitCode.h"
 #include "ExportArguments.h"
+#include "ExportFeeder.h"
 #include "ExportSink.h"
 #include "Interrupt.h"
 #include "NumberedFileName.h"
@@ -14,121 +15,6 @@
 #include "Readable.h"
 
 namespace {
-
-constexpr int kMostRanges = 8; // of frame numbers in a sentence
-
-enum class Outcome { Done, ReaderGone, Interrupted, BadInput, OutputFailed };
-
-Outcome fx_OutcomeOf(IxExportSink::Result result)
-{
-    switch (result) {
-    case IxExportSink::Result::Taken:
-        return Outcome::Done;
-    case IxExportSink::Result::ReaderGone:
-        return Outcome::ReaderGone;
-    case IxExportSink::Result::Error:
-        break;
-    }
-    return Outcome::OutputFailed;
-}
-
-/// Decodes frames in the order asked and gives each to the sink.
-class CxFeeder
-{
-public:
-    CxFeeder(CxRecordingReader& recording, SxExportArguments const& arguments, IxExportSink& sink)
-        : m_recording(recording)
-        , m_request(arguments.request)
-        , m_keepsGoing(arguments.keepsGoing)
-        , m_sink(sink)
-    {}
-
-    Outcome feed(QVector<int> const& frames);
-
-    QString const& error() const { return m_error; }          ///< one sentence, unless all went well
-    QVector<int> const& leftOut() const { return m_leftOut; } ///< frames that cannot be decoded, ascending
-    QString leftOutText() const;                              ///< one sentence about them
-
-private:
-    Outcome feedOne(int frame);
-    void explainStop(int done, int wanted);
-
-    CxRecordingReader& m_recording;
-    SxExportRequest const& m_request;
-    bool m_keepsGoing;
-    IxExportSink& m_sink;
-    std::unique_ptr<CxImageData> m_picture;
-    QVector<int> m_leftOut;
-    QString m_firstCause; ///< half a sentence, of the first frame left out
-    QString m_error;
-};
-
-Outcome CxFeeder::feedOne(int frame)
-{
-    QString cause;
-    std::unique_ptr<CxImageData> next = m_recording.picture(frame, cause);
-    if (!next)
-        fx_RuleOutShortMemory();
-    if (!next && m_keepsGoing) {
-        if (m_leftOut.isEmpty())
-            m_firstCause = QStringLiteral("frame %1: %2").arg(frame).arg(cause);
-        m_leftOut.append(frame);
-        return Outcome::Done;
-    }
-    if (!next) {
-        m_error = m_recording.fileName() +
-                  QStringLiteral(": frame %1 cannot be decoded: %2.").arg(frame).arg(cause);
-        return Outcome::BadInput;
-    }
-    m_picture = std::move(next); // the one before lived until now: its memory is reused
-    if (m_request.kind == SxExportRequest::Kind::Hashes)
-        Console::transient(QString()); // lines, which share a terminal with the progress line
-    return fx_OutcomeOf(m_sink.take(frame, *m_picture->picBuf(), m_error));
-}
-
-void CxFeeder::explainStop(int done, int wanted)
-{
-    bool const isOneFile =
-        m_request.kind == SxExportRequest::Kind::Sheet ||
-        (m_request.kind == SxExportRequest::Kind::Stream && m_request.output != QLatin1String("-"));
-    m_error =
-        m_recording.fileName() + QStringLiteral(": stopped after %1 of %2 pictures.").arg(done).arg(wanted);
-    if (isOneFile)
-        m_error += QStringLiteral(" Nothing was written.");
-}
-
-Outcome CxFeeder::feed(QVector<int> const& frames)
-{
-    std::atomic<bool> const& stop = fx_CatchInterrupts();
-    CxProgressLine line(static_cast<int>(frames.size()));
-    int done = 0;
-    for (int const frame : frames) {
-        if (stop.load()) {
-            explainStop(done, static_cast<int>(frames.size()));
-            return Outcome::Interrupted;
-        }
-        Outcome const outcome = feedOne(frame);
-        if (outcome != Outcome::Done)
-            return outcome;
-        line.update(++done, -1, QString());
-    }
-    bool const isAnyWritten = m_leftOut.size() < frames.size();
-    std::sort(m_leftOut.begin(), m_leftOut.end());
-    m_leftOut.erase(std::unique(m_leftOut.begin(), m_leftOut.end()), m_leftOut.end());
-    if (isAnyWritten)
-        return fx_OutcomeOf(m_sink.finish(m_error));
-    m_error =
-        m_recording.fileName() +
-        QStringLiteral(": none of the frames can be decoded, nothing was written (%1).").arg(m_firstCause);
-    return Outcome::BadInput;
-}
-
-QString CxFeeder::leftOutText() const
-{
-    return QStringLiteral("%1: %2 cannot be decoded and left out: %3 (%4).")
-        .arg(m_recording.fileName(), fx_Count(m_leftOut.size(), "frame"),
-             fx_ReadableRanges(m_leftOut, kMostRanges), m_firstCause);
-}
 
 QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
 {
@@ -151,7 +37,7 @@ QJsonArray fx_ExportedJson(CxRecordingReader const& recording, IxExportSink cons
     return timed;
 }
 
-QString fx_Json(CxRecordingReader const& recording, IxExportSink const& sink, CxFeeder const& feeder)
+QString fx_Json(CxRecordingReader const& recording, IxExportSink const& sink, CxExportFeeder const& feeder)
 {
     QJsonArray leftOut;
     for (int const frame : feeder.leftOut())
@@ -189,17 +75,17 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     if (!sink)
         return fx_Failed(error, kOutputFailed);
 
-    CxFeeder feeder(recording, arguments, *sink);
-    Outcome const outcome = feeder.feed(*frames);
+    CxExportFeeder feeder(recording, arguments, *sink);
+    ExportOutcome const outcome = feeder.feed(*frames);
     Console::transient(QString());
-    if (outcome == Outcome::ReaderGone)
+    if (outcome == ExportOutcome::ReaderGone)
         return kDone; // "| head" has seen enough
     if (arguments.common.run.json)
         Console::data(fx_Json(recording, *sink, feeder));
-    if (outcome == Outcome::Interrupted)
+    if (outcome == ExportOutcome::Interrupted)
         return fx_Interrupted(feeder.error());
-    if (outcome != Outcome::Done)
-        return fx_Failed(feeder.error(), outcome == Outcome::BadInput ? kBadInput : kOutputFailed);
+    if (outcome != ExportOutcome::Done)
+        return fx_Failed(feeder.error(), outcome == ExportOutcome::BadInput ? kBadInput : kOutputFailed);
     if (!sink->exported().target.isEmpty())
         Console::message(fx_Summary(arguments.request.kind, sink->exported()));
     if (feeder.leftOut().isEmpty())

@@ -18,11 +18,6 @@ namespace {
 
 using Result = IxExportSink::Result;
 
-QSize fx_Size(SxPicBufInfo const& picture)
-{
-    return {static_cast<int>(picture.width), static_cast<int>(picture.height)};
-}
-
 Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
 {
     errno = 0;
@@ -37,16 +32,22 @@ Result fx_WriteToStdout(QByteArray const& bytes, bool flushes, QString& error)
 
 Result fx_ResultOf(bool isWritten) { return isWritten ? Result::Taken : Result::Error; }
 
-bool fx_WritePicture(CxPictureEncoder& encoder, SxPicBuf const& picture, QString const& fileName,
-                     QString& error)
+/// Picture files of a kind.
+MakePicture fx_NewFileMaker(QString const& suffix)
 {
-    QString cause;
-    std::optional<QByteArray> const bytes = encoder.encode(picture, cause);
-    if (!bytes) {
-        error = QStringLiteral("%1: the picture cannot be made: %2.").arg(fileName, cause);
-        return false;
-    }
-    return fx_WriteFile(fileName, *bytes, error);
+    return [encoder = std::make_shared<CxPictureEncoder>(suffix)](SxPicBuf const& picture) {
+        SxMadePicture made;
+        made.bytes = encoder->encode(picture, made.error).value_or(QByteArray());
+        return made;
+    };
+}
+
+bool fx_WritePicture(SxMadePicture const& made, QString const& fileName, QString& error)
+{
+    if (made.error.isEmpty())
+        return fx_WriteFile(fileName, made.bytes, error);
+    error = QStringLiteral("%1: the picture cannot be made: %2.").arg(fileName, made.error);
+    return false;
 }
 
 /// A file a frame. A frame that is asked for twice has one file.
@@ -55,19 +56,19 @@ class CxFileSink : public IxExportSink
 public:
     explicit CxFileSink(QString const& pattern)
         : m_pattern(pattern)
-        , m_encoder(QFileInfo(pattern).suffix())
     {}
 
-    Result take(int frame, SxPicBuf const& picture, QString& error) override
+    MakePicture newMaker() const override { return fx_NewFileMaker(QFileInfo(m_pattern).suffix()); }
+    Result take(int frame, SxMadePicture const& made, QSize size, SxPicBuf const*, QString& error) override
     {
         if (m_written.contains(frame))
             return Result::Taken;
         QString const fileName = *fx_FileNameOf(m_pattern, frame);
-        if (!fx_WritePicture(m_encoder, picture, fileName, error))
+        if (!fx_WritePicture(made, fileName, error))
             return Result::Error;
         m_written.insert(frame);
         m_json.append(QJsonObject{{QStringLiteral("frame"), frame}, {QStringLiteral("file"), fileName}});
-        m_size = fx_Size(picture);
+        m_size = size;
         return Result::Taken;
     }
     Result finish(QString&) override { return Result::Taken; }
@@ -76,7 +77,6 @@ public:
 
 private:
     QString m_pattern;
-    CxPictureEncoder m_encoder;
     QSet<int> m_written;
     QJsonArray m_json;
     QSize m_size;
@@ -87,22 +87,38 @@ class CxStreamSink : public IxExportSink
 {
 public:
     explicit CxStreamSink(SxExportRequest const& request)
-        : m_stream(request.stream, request.rate)
+        : m_format(request.stream)
+        , m_rate(request.rate)
         , m_fileName(request.output == QLatin1String("-") ? QString() : request.output)
         , m_file(m_fileName)
     {}
 
-    Result take(int frame, SxPicBuf const& picture, QString& error) override
+    MakePicture newMaker() const override
     {
-        m_size = fx_Size(picture);
-        std::optional<QByteArray> const bytes = m_stream.next(picture);
-        if (!bytes) {
+        return [stream = std::make_shared<CxPictureStream>(m_format)](SxPicBuf const& picture) {
+            SxMadePicture made;
+            std::optional<QByteArray> const bytes = stream->next(picture);
+            made.bytes = bytes.value_or(QByteArray());
+            made.needsPicture = stream->givesPicturesOwnBytes();
+            if (!bytes)
+                made.error = QStringLiteral("out of memory");
+            return made;
+        };
+    }
+    Result take(int frame, SxMadePicture const& made, QSize size, SxPicBuf const*, QString& error) override
+    {
+        if (!made.error.isEmpty()) {
             error = QStringLiteral("Out of memory.");
             return Result::Error;
         }
+        Result result = Result::Taken;
+        if (m_size.isEmpty())
+            result = write(CxPictureStream(m_format).header(size, m_rate), error);
+        m_size = size;
+        if (result == Result::Taken)
+            result = write(made.bytes, error);
         if (m_fileName.isEmpty())
-            return fx_WriteToStdout(*bytes, true, error);
-        Result const result = fx_ResultOf(m_file.write(*bytes, error));
+            return result;
         if (result == Result::Taken)
             m_json.append(
                 QJsonObject{{QStringLiteral("frame"), frame}, {QStringLiteral("file"), m_fileName}});
@@ -116,7 +132,14 @@ public:
     QJsonArray exportedJson() const override { return m_json; }
 
 private:
-    CxPictureStream m_stream;
+    Result write(QByteArray const& bytes, QString& error)
+    {
+        return m_fileName.isEmpty() ? fx_WriteToStdout(bytes, true, error)
+                                    : fx_ResultOf(m_file.write(bytes, error));
+    }
+
+    CxPictureStream::Format m_format;
+    SxPictureRate m_rate;
     QString m_fileName; ///< empty for standard output
     CxOutputFile m_file;
     QSize m_size;
@@ -131,10 +154,18 @@ public:
         , m_sheet(request.sheetColumns, count)
     {}
 
-    Result take(int frame, SxPicBuf const& picture, QString& error) override
+    MakePicture newMaker() const override
+    {
+        return [](SxPicBuf const&) {
+            SxMadePicture made;
+            made.needsPicture = true;
+            return made;
+        };
+    }
+    Result take(int frame, SxMadePicture const&, QSize, SxPicBuf const* picture, QString& error) override
     {
         m_json.append(QJsonObject{{QStringLiteral("frame"), frame}, {QStringLiteral("file"), m_fileName}});
-        if (m_sheet.add(frame, picture))
+        if (m_sheet.add(frame, *picture))
             return Result::Taken;
         error = QStringLiteral("%1: the sheet would be too large; take fewer frames.").arg(m_fileName);
         return Result::Error;
@@ -146,9 +177,9 @@ public:
             error = QStringLiteral("%1: out of memory.").arg(m_fileName);
             return Result::Error;
         }
-        m_size = fx_Size(whole.get());
-        CxPictureEncoder encoder(QFileInfo(m_fileName).suffix());
-        return fx_WritePicture(encoder, whole.get(), m_fileName, error) ? Result::Taken : Result::Error;
+        m_size = QSize(static_cast<int>(whole.get().width), static_cast<int>(whole.get().height));
+        SxMadePicture const made = fx_NewFileMaker(QFileInfo(m_fileName).suffix())(whole.get());
+        return fx_ResultOf(fx_WritePicture(made, m_fileName, error));
     }
     SxExported exported() const override { return {m_fileName, static_cast<int>(m_json.size()), m_size}; }
     QJsonArray exportedJson() const override { return m_json; }
@@ -167,14 +198,20 @@ public:
         : m_prints(prints)
     {}
 
-    Result take(int frame, SxPicBuf const& picture, QString& error) override
+    MakePicture newMaker() const override
     {
-        QByteArray const hash =
-            QCryptographicHash::hash(fx_PackedRows(picture), QCryptographicHash::Md5).toHex();
+        return [](SxPicBuf const& picture) {
+            SxMadePicture made;
+            made.bytes = QCryptographicHash::hash(fx_PackedRows(picture), QCryptographicHash::Md5).toHex();
+            return made;
+        };
+    }
+    Result take(int frame, SxMadePicture const& made, QSize, SxPicBuf const*, QString& error) override
+    {
         if (m_prints)
-            return fx_WriteToStdout(QByteArray::number(frame) + ' ' + hash + '\n', false, error);
+            return fx_WriteToStdout(QByteArray::number(frame) + ' ' + made.bytes + '\n', false, error);
         m_json.append(QJsonObject{{QStringLiteral("frame"), frame},
-                                  {QStringLiteral("md5"), QString::fromLatin1(hash)}});
+                                  {QStringLiteral("md5"), QString::fromLatin1(made.bytes)}});
         return Result::Taken;
     }
     Result finish(QString& error) override { return fx_WriteToStdout(QByteArray(), true, error); }

@@ -4,6 +4,7 @@
 #include <QSize>
 #include <QString>
 #include <QVector>
+#include <functional>
 #include <memory>
 
 #include "ExportRequest.h"
@@ -17,6 +18,17 @@ struct SxExported
     QSize size; ///< of each, or of the sheet
 };
 
+/// What is written of one picture.
+struct SxMadePicture
+{
+    QByteArray bytes;          ///< a file, a part of a stream, a hash
+    bool needsPicture = false; ///< the picture must be there while it is written: these may be its own bytes
+    QString error;             ///< half a sentence; empty unless it cannot be made
+};
+
+/// Makes it, in any thread. It keeps what pictures share, so each thread has one of its own.
+using MakePicture = std::function<SxMadePicture(SxPicBuf const& picture)>;
+
 /// Where exported pictures go: files, a stream, a contact sheet, hashes.
 class IxExportSink
 {
@@ -29,7 +41,11 @@ public:
 
     virtual ~IxExportSink() = default;
 
-    virtual Result take(int frame, SxPicBuf const& picture, QString& error) = 0;
+    virtual MakePicture newMaker() const = 0;
+
+    /// Writes what such a maker made of a picture of \p size; \p picture is null unless that needs it.
+    virtual Result take(int frame, SxMadePicture const& made, QSize size, SxPicBuf const* picture,
+                        QString& error) = 0;
 
     /// After the last picture.
     virtual Result finish(QString& error) = 0;

@@ -173,23 +173,25 @@ std::optional<CxPictureStream::Format> CxPictureStream::formatFromName(QString c
     return std::nullopt;
 }
 
+QByteArray CxPictureStream::header(QSize size, SxPictureRate const& rate) const
+{
+    if (m_format != Format::Y4m)
+        return QByteArray();
+    SxPictureRate const told = rate.isKnown() ? rate : SxPictureRate{kPicturesASecond};
+    return QStringLiteral("YUV4MPEG2 W%1 H%2 F%3:%4 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
+        .arg(size.width())
+        .arg(size.height())
+        .arg(told.numerator)
+        .arg(told.denominator)
+        .toLatin1();
+}
+
 std::optional<QByteArray> CxPictureStream::next(SxPicBuf const& picture)
 {
     if (m_format == Format::Bgra)
         return fx_PackedRows(picture);
 
-    QByteArray header;
-    if (m_format == Format::Y4m) {
-        if (!m_hasBegun)
-            header = QStringLiteral("YUV4MPEG2 W%1 H%2 F%3:%4 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED\n")
-                         .arg(picture.width)
-                         .arg(picture.height)
-                         .arg(m_rate.numerator)
-                         .arg(m_rate.denominator)
-                         .toLatin1();
-        header += "FRAME\n";
-    }
-    m_hasBegun = true;
+    QByteArray const header = m_format == Format::Y4m ? QByteArrayLiteral("FRAME\n") : QByteArray();
     AVPixelFormat const target = m_format == Format::Y4m ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_RGB24;
     m_scaler.reset(fx_ScalerFromRGB32(m_scaler.release(), picture, target, false));
     int const width = static_cast<int>(picture.width);
@@ -197,7 +199,8 @@ std::optional<QByteArray> CxPictureStream::next(SxPicBuf const& picture)
     int const size = av_image_get_buffer_size(target, width, height, 1);
     if (!m_scaler || size < 0)
         return std::nullopt;
-    m_bytes.resize(header.size() + size);
+    if (m_bytes.size() != header.size() + size || !m_bytes.isDetached())
+        m_bytes = QByteArray(header.size() + size, Qt::Uninitialized);
     std::copy(header.begin(), header.end(), m_bytes.begin());
     uint8_t* planes[4];
     int pitches[4];

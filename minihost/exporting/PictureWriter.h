@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -35,7 +36,7 @@ private:
     PacketPtr m_packet;
 };
 
-/// Host pictures, RGB32 as above, as one stream of bytes for another program to read.
+/// Host pictures, RGB32 as above, as the parts of one stream of bytes for another program to read.
 class CxPictureStream
 {
 public:
@@ -48,22 +49,23 @@ public:
     static QStringList formatNames(); ///< "y4m", "bgra", "rgb24"
     static std::optional<Format> formatFromName(QString const& name);
 
-    /// \param rate  for the stream's header; kPicturesASecond when unknown.
-    explicit CxPictureStream(Format format, SxPictureRate const& rate = {})
+    explicit CxPictureStream(Format format)
         : m_format(format)
-        , m_rate(rate.isKnown() ? rate : SxPictureRate{kPicturesASecond})
     {}
 
-    /// The bytes of the next picture, the stream's header before the first. All must have one size.
-    /// They may be the picture's own, so use them before it changes. Nothing when memory is short.
+    /// What comes before the first picture. \param rate  kPicturesASecond when unknown
+    QByteArray header(QSize size, SxPictureRate const& rate) const;
+
+    /// The bytes of a picture. All must have one size. Nothing when memory is short.
     std::optional<QByteArray> next(SxPicBuf const& picture);
+
+    /// True when those may be the picture's own memory: use them before it changes.
+    bool givesPicturesOwnBytes() const { return m_format == Format::Bgra; }
 
 private:
     Format m_format;
-    SxPictureRate m_rate;
     ScalerPtr m_scaler;
     QByteArray m_bytes; ///< of the last picture: fresh memory for each would cost more than filling it
-    bool m_hasBegun = false;
 };
 
 /// The rows of a picture from top to bottom without what the pitch leaves between them; four bytes a

@@ -37,6 +37,13 @@ private:
 
     using Result = IxExportSink::Result;
 
+    /// A picture made and taken as the export does it.
+    Result take(IxExportSink& sink, int frame, SxPicBuf const& picture)
+    {
+        QSize const size(static_cast<int>(picture.width), static_cast<int>(picture.height));
+        return sink.take(frame, sink.newMaker()(picture), size, &picture, m_error);
+    }
+
     std::unique_ptr<QTemporaryDir> m_folder;
     CxOwnedPicture m_picture;
     SxPicBuf m_nothing;
@@ -70,8 +77,8 @@ void tst_ExportSink::frameAskedForTwiceHasOneFile()
 {
     auto const files = sink(SxExportRequest::Kind::Files, "p_%03d.ppm");
     QVERIFY2(files, qPrintable(m_error));
-    QVERIFY(files->take(7, m_picture.get(), m_error) == Result::Taken);
-    QVERIFY(files->take(7, m_picture.get(), m_error) == Result::Taken);
+    QVERIFY(take(*files, 7, m_picture.get()) == Result::Taken);
+    QVERIFY(take(*files, 7, m_picture.get()) == Result::Taken);
     QVERIFY(files->finish(m_error) == Result::Taken);
     QCOMPARE(files->exported().pictures, 1);
     QCOMPARE(files->exported().size, QSize(4, 2));
@@ -83,7 +90,7 @@ void tst_ExportSink::pictureThatCannotBeMadeIsNamed()
 {
     auto const files = sink(SxExportRequest::Kind::Files, "p.png");
     QVERIFY2(files, qPrintable(m_error));
-    QVERIFY(files->take(0, m_nothing, m_error) == Result::Error);
+    QVERIFY(take(*files, 0, m_nothing) == Result::Error);
     QCOMPARE(m_error, m_folder->filePath("p.png") + ": the picture cannot be made: Invalid argument.");
     QCOMPARE(files->exported().pictures, 0);
 }
@@ -92,7 +99,7 @@ void tst_ExportSink::sheetThatWouldBeTooLargeSaysWhatHelps()
 {
     auto const sheet = sink(SxExportRequest::Kind::Sheet, "s.png", 3000);
     QVERIFY2(sheet, qPrintable(m_error));
-    QVERIFY(sheet->take(0, m_picture.get(), m_error) == Result::Error);
+    QVERIFY(take(*sheet, 0, m_picture.get()) == Result::Error);
     QCOMPARE(m_error, m_folder->filePath("s.png") + ": the sheet would be too large; take fewer frames.");
 }
 
@@ -125,7 +132,7 @@ void tst_ExportSink::streamEndsWithAnErrorWhereItIsFull()
     QVERIFY(QFile::link("/dev/full", m_folder->filePath("full")));
     auto const stream = sink(SxExportRequest::Kind::Stream, "full");
     QVERIFY2(stream, qPrintable(m_error));
-    QVERIFY(stream->take(0, m_picture.get(), m_error) == Result::Error);
+    QVERIFY(take(*stream, 0, m_picture.get()) == Result::Error);
     QCOMPARE(m_error, m_folder->filePath("full") + ": No space left on device.");
     QCOMPARE(stream->exported().pictures, 0);
 }
@@ -137,9 +144,9 @@ void tst_ExportSink::streamEndsWithAnErrorWhenTheReaderOfItsPipeIsGone()
     int const reader = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
     auto const stream = sink(SxExportRequest::Kind::Stream, "pipe");
     QVERIFY2(stream, qPrintable(m_error));
-    QVERIFY(stream->take(0, m_picture.get(), m_error) == Result::Taken);
+    QVERIFY(take(*stream, 0, m_picture.get()) == Result::Taken);
     close(reader);
-    QVERIFY(stream->take(1, m_picture.get(), m_error) == Result::Error);
+    QVERIFY(take(*stream, 1, m_picture.get()) == Result::Error);
     QCOMPARE(m_error, m_folder->filePath("pipe") + ": Broken pipe.");
     QCOMPARE(stream->exported().pictures, 1);
 }
@@ -148,7 +155,7 @@ void tst_ExportSink::pictureThatCannotBeStreamedIsAnError()
 {
     auto const stream = sink(SxExportRequest::Kind::Stream, "s.y4m");
     QVERIFY2(stream, qPrintable(m_error));
-    QVERIFY(stream->take(0, m_nothing, m_error) == Result::Error);
+    QVERIFY(take(*stream, 0, m_nothing) == Result::Error);
     QVERIFY(!m_error.isEmpty());
     QCOMPARE(stream->exported().pictures, 0);
 }
@@ -157,7 +164,7 @@ void tst_ExportSink::hashesAreKeptForPrograms()
 {
     auto const hashes = sink(SxExportRequest::Kind::Hashes, "");
     QVERIFY2(hashes, qPrintable(m_error));
-    QVERIFY(hashes->take(5, m_picture.get(), m_error) == Result::Taken);
+    QVERIFY(take(*hashes, 5, m_picture.get()) == Result::Taken);
     QVERIFY(hashes->finish(m_error) == Result::Taken);
     QByteArray const md5 =
         QCryptographicHash::hash(QByteArray("bgr\xFF").repeated(8), QCryptographicHash::Md5).toHex();
