@@ -34,6 +34,7 @@ private:
     bool gatherSets();
     bool read(int frame, QByteArray& bytes);
     bool begin();
+    bool isSound(int frame, QVector<SxCodedUnit> const& units);
     bool add(int frame);
     bool finish();
     bool fail(QString const& sentence, RemuxFailure failure);
@@ -46,6 +47,9 @@ private:
     CxParameterSets m_sets;
     std::unique_ptr<CxContainerWriter> m_container; ///< null for a raw stream
     CxOutputFile m_raw;
+    std::optional<SxH264Sps> m_sps; ///< the first
+    QVector<int> m_withoutSets;     ///< key frames whose sets make no sense
+    quint32 m_lastFrameNum = 0;     ///< frame_num of the frame before
 };
 
 bool CxRemuxing::fail(QString const& sentence, RemuxFailure failure)
@@ -142,19 +146,18 @@ bool CxRemuxing::gatherSets()
             return isWritten(false, QString());
         if (!read(key, bytes))
             return false;
-        if (m_summary.size.isEmpty()) {
-            for (SxCodedUnit const& unit : fx_UnitsOf(bytes)) {
-                auto const* const data = reinterpret_cast<uchar const*>(unit.bytes.constData());
-                if (auto const sps = unit.type() != SxCodedUnit::kSps
-                                         ? std::nullopt
-                                         : fx_ReadH264Sps(data, static_cast<size_t>(unit.bytes.size())))
-                    m_summary.size = QSize(sps->width, sps->height);
-            }
+        for (SxCodedUnit const& unit : m_sps ? QVector<SxCodedUnit>() : fx_UnitsOf(bytes)) {
+            if (unit.type() == SxCodedUnit::kSps)
+                m_sps = fx_ReadH264Sps(reinterpret_cast<uchar const*>(unit.bytes.constData()),
+                                       static_cast<size_t>(unit.bytes.size()));
         }
-        m_sets.take(bytes);
+        if (!m_sets.take(bytes))
+            m_withoutSets.append(key);
     }
     m_summary.hasSetsInStream = !m_sets.isCommon();
-    if (m_sets.beforeStream().isEmpty() || m_summary.size.isEmpty())
+    if (m_sps)
+        m_summary.size = QSize(m_sps->width, m_sps->height);
+    if (m_sets.beforeStream().isEmpty() || !m_sps)
         return fail(QStringLiteral("%1: its parameter sets are damaged; 'minihost verify' says more.")
                         .arg(m_recording.fileName()),
                     RemuxFailure::Input);
@@ -174,18 +177,36 @@ bool CxRemuxing::begin()
     return isWritten(result, error);
 }
 
+/// Whether the frame is what OpenH264 writes behind the one before: one slice, counted up since the key
+/// frame. What the slice shows is not looked at.
+bool CxRemuxing::isSound(int frame, QVector<SxCodedUnit> const& units)
+{
+    int slices = 0;
+    bool isSlice = false;
+    for (SxCodedUnit const& unit : units) {
+        if (!unit.isSlice())
+            continue;
+        ++slices;
+        auto const slice = fx_ReadH264Slice(reinterpret_cast<uchar const*>(unit.bytes.constData()),
+                                            static_cast<size_t>(unit.bytes.size()), *m_sps);
+        quint32 const expected = isKey(frame) ? 0 : (m_lastFrameNum + 1) % (1U << m_sps->frameNumBits);
+        isSlice = slice && slice->first_mb_in_slice == 0 && slice->frame_num == expected &&
+                  slice->idr_pic_id.has_value() == isKey(frame);
+        m_lastFrameNum = slice ? slice->frame_num : expected;
+    }
+    return slices == 1 && isSlice && !m_withoutSets.contains(frame);
+}
+
 bool CxRemuxing::add(int frame)
 {
     QByteArray bytes;
     if (!read(frame, bytes))
         return false;
-    int slices = 0;
-    bool hasIdr = false;
-    for (SxCodedUnit const& unit : fx_UnitsOf(bytes)) {
-        slices += unit.isSlice() ? 1 : 0;
-        hasIdr = hasIdr || unit.type() == SxCodedUnit::kIdrSlice;
-    }
-    if (slices != 1 || hasIdr != isKey(frame))
+    QVector<SxCodedUnit> const units = fx_UnitsOf(bytes);
+    bool const hasIdr = std::any_of(units.begin(), units.end(), [](SxCodedUnit const& unit) {
+        return unit.type() == SxCodedUnit::kIdrSlice;
+    });
+    if (!isSound(frame, units))
         m_summary.damaged.append(frame);
     QByteArray const picture = m_sets.described(bytes, !m_container || m_summary.hasSetsInStream);
     QString error;

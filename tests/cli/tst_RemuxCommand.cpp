@@ -47,6 +47,7 @@ private slots:
 
     void missingFrontIsLeftOut();
     void cutOffEndIsLeftOut();
+    void damagedFramesAreNamed_data();
     void damagedFramesAreNamed();
     void whatIsNoRecordingIsRefused_data();
     void whatIsNoRecordingIsRefused();
@@ -563,16 +564,32 @@ void tst_RemuxCommand::cutOffEndIsLeftOut()
     QVERIFY(!QFile::exists(path("start.mp4")));
 }
 
+void tst_RemuxCommand::damagedFramesAreNamed_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("frames");
+    QByteArray bytes = m_bytes;
+    bytes[offset(7) + 4] = '\x41'; // its slice now belongs to frame 6
+    QTest::newRow("header of a frame") << bytes << QByteArray("6");
+    bytes = m_bytes;
+    bytes[offset(7) + 5] = '\x01';
+    QTest::newRow("header of a slice") << bytes << QByteArray("7-8");
+    bytes = m_bytes;
+    QTest::newRow("frame that is gone") << bytes.remove(offset(7), offset(8) - offset(7)) << QByteArray("7");
+    bytes = m_bytes;
+    std::fill_n(bytes.begin() + offset(10) + 5, 8, '\0'); // profile, level and the rest
+    QTest::newRow("parameter set") << bytes << QByteArray("10");
+}
+
 void tst_RemuxCommand::damagedFramesAreNamed()
 {
-    // The header of frame 7 is gone: its slice now belongs to frame 6.
-    QByteArray bytes = m_bytes;
-    bytes[offset(7) + 4] = '\x41';
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, frames);
     write("hurt.h264", bytes);
     SxMinihostRun const remuxed = run({"remux", "hurt.h264", "hurt.mp4"});
     QCOMPARE(remuxed.exitCode, 4);
-    QVERIFY2(remuxed.err.contains(
-                 "hurt.h264: damaged at frames 6, handed on as they are; 'minihost verify' says more."),
+    QVERIFY2(remuxed.err.contains("hurt.h264: damaged at frames " + frames +
+                                  ", handed on as they are; 'minihost verify' says more."),
              remuxed.err);
     QVERIFY(QFile::exists(path("hurt.mp4")));
 }
