@@ -10,7 +10,7 @@ QVector<SxOption> fx_Options()
 {
     QVector<SxOption> const own{
         {"fps", 0, "N",
-         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (what IN.json says, or %1)")
+         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (IN.json, or %1)")
              .arg(kPicturesASecond)},
         {"frames", 0, "A-B",
          QStringLiteral("only these, counted from 0; 100- goes to the end. Begins at the key\n"
@@ -80,7 +80,7 @@ QString fx_RemuxHelp()
                "  minihost remux --fps 25 test.h264 test.mkv          at the rate of the camera\n"
                "  minihost remux --frames 100-250 test.h264 part.mov  a part of it\n"
                "  minihost remux --frames 103-250 --exact test.h264 part.mp4\n"
-               "                                                      from 103 on, not the key frame before\n"
+               "                                                      from 103 on itself\n"
                "  minihost remux test.h264 described.h264             a raw stream that says it itself\n"
                "\n"
                "Usage: minihost remux [options] IN.h264 OUT.mp4|.mov|.mkv|.h264\n"
