@@ -18,11 +18,11 @@ namespace {
 
 QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
 {
-    QString const form = kind == SxExportRequest::Kind::Sheet ? QStringLiteral("%1: a sheet of %2, %3 x %4.")
-                                                              : QStringLiteral("%1: %2 of %3 x %4 written.");
-    return form.arg(exported.target, fx_Count(exported.pictures, "picture"))
-        .arg(exported.size.width())
-        .arg(exported.size.height());
+    QString const form = kind == SxExportRequest::Kind::Sheet ? QStringLiteral(": a sheet of %1, %2 x %3.")
+                                                              : QStringLiteral(": %1 of %2 x %3 written.");
+    return exported.target + form.arg(fx_Count(exported.pictures, "picture"))
+                                 .arg(exported.size.width())
+                                 .arg(exported.size.height());
 }
 
 /// What was exported, with the time at which the recording shows it.

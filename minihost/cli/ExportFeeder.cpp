@@ -65,8 +65,8 @@ ExportOutcome CxExportFeeder::decodeOne(int frame)
     return write(frame, m_make(picture), size, &picture);
 }
 
-/// Takes the next picture from the threads. Where they have none this goes on alone: how a frame fails may depend on
-/// all before it, as on parameter sets of an earlier group, so those are decoded once more.
+/// Takes the next picture from the threads. Where they have none this goes on alone: how a frame fails may
+/// depend on all before it, as on parameter sets of an earlier group, so those are decoded once more.
 ExportOutcome CxExportFeeder::feedAhead(QVector<int> const& frames, int place)
 {
     std::atomic<bool> const& stop = fx_CatchInterrupts();
@@ -110,8 +110,7 @@ ExportOutcome CxExportFeeder::feed(QVector<int> const& frames)
         m_ahead = std::make_unique<CxPicturesAhead>(m_recording, frames, m_arguments.jobs,
                                                     [this] { return m_sink.newMaker(); });
     for (int place = 0; place < frames.size(); ++place) {
-        ExportOutcome const outcome =
-            stop.load() ? ExportOutcome::Interrupted : feedOne(frames, place);
+        ExportOutcome const outcome = stop.load() ? ExportOutcome::Interrupted : feedOne(frames, place);
         if (outcome == ExportOutcome::Interrupted)
             explainStop(place, static_cast<int>(frames.size()));
         if (outcome != ExportOutcome::Done)

@@ -183,13 +183,12 @@ QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& sum
 
 QString fx_MissingWarning(SxRecordRequest const& request, SxRecordSummary const& summary)
 {
-    QString text =
-        QStringLiteral("PICTURES ARE MISSING in %1: the encoder skipped %2 of %3 (%4), although none "
-                       "may be, and the source comes only once.")
-            .arg(request.outputFile)
-            .arg(summary.skipped.size())
-            .arg(summary.given)
-            .arg(fx_ReadableRanges(summary.skipped, kMostRanges));
+    QString text = QStringLiteral("PICTURES ARE MISSING in ") + request.outputFile +
+                   QStringLiteral(": the encoder skipped %1 of %2 (%3), although none "
+                                  "may be, and the source comes only once.")
+                       .arg(summary.skipped.size())
+                       .arg(summary.given)
+                       .arg(fx_ReadableRanges(summary.skipped, kMostRanges));
     if (request.encoder.keyFrameInterval > 1)
         text += QStringLiteral(
             " With --may-change keyframe-rate every picture is a key frame, and none is skipped.");

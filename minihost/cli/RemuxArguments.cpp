@@ -10,8 +10,7 @@ QVector<SxOption> fx_Options()
 {
     QVector<SxOption> const own{
         {"fps", 0, "N",
-         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (IN.json, or %1)")
-             .arg(kPicturesASecond)},
+         QStringLiteral("pictures a second: 25, 12.5, 30000/1001 (IN.json, or %1)").arg(kPicturesASecond)},
         {"frames", 0, "A-B",
          QStringLiteral("only these, counted from 0; 100- goes to the end. Begins at the key\n"
                         "frame at or before A, since nothing is coded again")},

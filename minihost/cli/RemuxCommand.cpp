@@ -152,10 +152,9 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
             Console::warning(warning);
         fx_NoteBeside(recording, arguments, request, summary);
         if (summary.first < request.first)
-            Console::message(QStringLiteral("%1: begins at frame %2, the key frame before %3.")
-                                 .arg(request.output)
-                                 .arg(summary.first)
-                                 .arg(request.first));
+            Console::message(request.output + QStringLiteral(": begins at frame %1, the key frame before %2.")
+                                                  .arg(summary.first)
+                                                  .arg(request.first));
         Console::message(fx_RemuxText(request, summary));
     }
     if (arguments.common.run.json)

@@ -26,8 +26,9 @@ QString fx_RemuxText(SxRemuxRequest const& request, SxRemuxSummary const& summar
 {
     double const rate = av_q2d(request.description.rate);
     return QStringList{
-        QStringLiteral("%1: %2 of %3 x %4, ")
-                .arg(request.output, fx_Count(summary.pictures, "picture"))
+        request.output +
+            QStringLiteral(": %1 of %2 x %3, ")
+                .arg(fx_Count(summary.pictures, "picture"))
                 .arg(summary.size.width())
                 .arg(summary.size.height()) +
             fx_TakenText(request, summary),
@@ -58,9 +59,9 @@ QString fx_RotationWarning(SxRemuxRequest const& request, SxRemuxSummary const& 
 {
     if (request.description.rotation == 0 || summary.hasRotation)
         return QString();
-    return QStringLiteral("%1: its pictures are to be turned by %2 degrees clockwise, which it does not say.")
-        .arg(request.output)
-        .arg(request.description.rotation);
+    return request.output +
+           QStringLiteral(": its pictures are to be turned by %1 degrees clockwise, which it does not say.")
+               .arg(request.description.rotation);
 }
 
 QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary)

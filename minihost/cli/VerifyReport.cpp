@@ -138,10 +138,10 @@ QString fx_Praise(SxFindings const& findings)
     QString const decoded = findings.decoded == 1
                                 ? QStringLiteral("its one frame decodes")
                                 : QStringLiteral("all %1 frames decode").arg(findings.decoded);
-    return QStringLiteral("%1: %2, plays %3 s at %4.")
-        .arg(findings.file, decoded)
-        .arg(findings.decoded / findings.rate.orAssumed(), 0, 'f', 1)
-        .arg(findings.rate.described());
+    return findings.file + QStringLiteral(": %1, plays %2 s at %3.")
+                               .arg(decoded)
+                               .arg(findings.decoded / findings.rate.orAssumed(), 0, 'f', 1)
+                               .arg(findings.rate.described());
 }
 
 QJsonObject fx_FindingsJson(SxFindings const& findings)

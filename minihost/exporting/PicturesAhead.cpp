@@ -16,7 +16,8 @@ struct CxPicturesAhead::SxWorker
 
 static qint64 fx_BytesOf(CxPicturesAhead::SxNext const& next)
 {
-    qint64 const pixels = next.picture ? qint64(next.picture->picBuf()->pitch) * next.picture->picBuf()->height : 0;
+    qint64 const pixels =
+        next.picture ? qint64(next.picture->picBuf()->pitch) * next.picture->picBuf()->height : 0;
     return pixels + (next.made.needsPicture ? 0 : next.made.bytes.size());
 }
 

@@ -13,8 +13,8 @@
 
 class QThread;
 
-/// Frames of a recording in the order asked, each decoded and made into what a sink takes by one of several threads,
-/// which have a loader each: groups of pictures do not depend on each other.
+/// Frames of a recording in the order asked, each decoded and made into what a sink takes by one of several
+/// threads, which have a loader each: groups of pictures do not depend on each other.
 ///
 /// What waits to be taken is at most kMostWaitingBytes and, beyond that, one picture a thread.
 class CxPicturesAhead
@@ -64,9 +64,9 @@ private:
     std::mutex m_mutex; ///< for all below and the two above
     std::condition_variable m_changed;
     size_t m_nextRun = 0;
-    int m_taken = 0;      ///< places before this one
-    qint64 m_waiting = 0; ///< bytes
-    int m_atWork = 0;     ///< threads
+    int m_taken = 0;        ///< places before this one
+    qint64 m_waiting = 0;   ///< bytes
+    int m_atWork = 0;       ///< threads
     bool m_isShort = false; ///< of memory, in one of them: its pictures will not come
     bool m_isCancelled = false;
 };

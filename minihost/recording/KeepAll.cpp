@@ -66,7 +66,7 @@ QString fx_NameBeside(QString const& target)
 {
     QString name;
     for (int number = 1; name.isEmpty() || QFile::exists(name); ++number)
-        name = QStringLiteral("%1.attempt%2").arg(target).arg(number);
+        name = target + QStringLiteral(".attempt%1").arg(number);
     return name;
 }
 
@@ -150,9 +150,9 @@ QString CxKeepAll::refusal(SxRecordSummary const& summary)
 {
     SxEncoderOptions most = fx_Stages(m_asked, m_consent, summary).last();
     most.quality = kTopQuality;
-    QString text = QStringLiteral("%1: not every picture can be kept, not even with --quality %2 --level %3 "
-                                  "--keyframe-rate %4 (with --quality %5 %6 of %7 are skipped)")
-                       .arg(m_request.outputFile)
+    QString text = m_request.outputFile +
+                   QStringLiteral(": not every picture can be kept, not even with --quality %1 --level %2 "
+                                  "--keyframe-rate %3 (with --quality %4 %5 of %6 are skipped)")
                        .arg(most.quality)
                        .arg(fx_LevelName(most.level))
                        .arg(most.keyFrameInterval)

@@ -308,10 +308,9 @@ void CxRecording::keepCompletePictures()
     m_summary.level = fx_ProfileAndLevel(m_output.head()).level;
     m_summary.bytes = m_output.size();
     if (m_summary.bytes < m_pictures.bytes())
-        fail(QStringLiteral("%1: only %2 of %3 bytes reached the disk.")
-                 .arg(m_request.outputFile)
-                 .arg(m_summary.bytes)
-                 .arg(m_pictures.bytes()),
+        fail(m_request.outputFile + QStringLiteral(": only %1 of %2 bytes reached the disk.")
+                                        .arg(m_summary.bytes)
+                                        .arg(m_pictures.bytes()),
              RecordFailure::Output);
     m_summary.coded = m_pictures.codedWithin(m_summary.bytes);
     qint64 const end = m_pictures.endWithin(m_summary.bytes);

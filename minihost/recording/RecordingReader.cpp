@@ -96,8 +96,9 @@ bool CxRecordingReader::open(QString const& fileName, QString& error)
     }
     SxStreamKind const kind = fx_StreamKindOf(fileName);
     if (kind.isForeign) {
-        error = QStringLiteral("%1: this is no recording but %2, %3 pictures; '%4' makes a recording of it.")
-                    .arg(fileName, fx_ForeignStreamText(kind))
+        error = fileName +
+                QStringLiteral(": this is no recording but %1, %2 pictures; '%3' makes a recording of it.")
+                    .arg(fx_ForeignStreamText(kind))
                     .arg(fx_CountPictures(fileName, kind.codec))
                     .arg(fx_CommandToRecord(fileName));
         return false;

@@ -133,10 +133,9 @@ SxCodingFailure fx_FailureOf(SxRecordSummary const& summary, QString const& file
     SxCodingFailure failure;
     failure.error = summary.error;
     if (summary.error.isEmpty())
-        failure.error = QStringLiteral("%1: the encoder leaves out some of the frames %2-%3.")
-                            .arg(fileName)
-                            .arg(first)
-                            .arg(last);
+        failure.error =
+            fileName +
+            QStringLiteral(": the encoder leaves out some of the frames %1-%2.").arg(first).arg(last);
     failure.isInput = summary.failure == RecordFailure::Source;
     failure.wasInterrupted = summary.wasStopped;
     return failure;
@@ -154,9 +153,8 @@ SxCodedFrames fx_CodeFrontAnew(CxRecordingReader& recording, int first, int last
     if (next != keys.begin() && *(next - 1) == first)
         return {};
     if (!sps) {
-        failure = {
-            QStringLiteral("%1: frame %2 belongs to no key frame.").arg(recording.fileName()).arg(first),
-            true, false};
+        failure = {recording.fileName() + QStringLiteral(": frame %1 belongs to no key frame.").arg(first),
+                   true, false};
         return {};
     }
     int const end = next == keys.end() ? last : std::min(last, *next - 1);

@@ -65,10 +65,10 @@ bool CxRemuxing::isWritten(bool result, QString const& error)
     if (result)
         return true;
     return error.isEmpty()
-               ? fail(QStringLiteral("%1: interrupted after %2 of %3 pictures; nothing was written.")
-                          .arg(m_request.output)
-                          .arg(m_summary.pictures)
-                          .arg(m_summary.last - m_summary.first + 1),
+               ? fail(m_request.output +
+                          QStringLiteral(": interrupted after %1 of %2 pictures; nothing was written.")
+                              .arg(m_summary.pictures)
+                              .arg(m_summary.last - m_summary.first + 1),
                       RemuxFailure::Interrupted)
                : fail(error, RemuxFailure::Output);
 }
@@ -132,7 +132,7 @@ bool CxRemuxing::read(int frame, QByteArray& bytes)
         frame < frontEnd() ? m_request.front.frames[frame - m_request.first] : m_recording.codedFrame(frame);
     if (!bytes.isEmpty())
         return true;
-    return fail(QStringLiteral("%1: frame %2 cannot be read.").arg(m_recording.fileName()).arg(frame),
+    return fail(m_recording.fileName() + QStringLiteral(": frame %1 cannot be read.").arg(frame),
                 RemuxFailure::Input);
 }
 

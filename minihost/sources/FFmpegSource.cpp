@@ -289,9 +289,9 @@ void CxFFmpegSource::applyBits(SxPicBuf& picture)
     if (fx_IsWordFormat(picture) && !knowsSignificantBits()) {
         picture.bitsPerSample = static_cast<quint32>(m_bits);
     } else if (!m_saidBitsIgnored) {
-        m_warnings += QStringLiteral("%1: the samples are known to have %2 bits; --bits is not needed.")
-                          .arg(inputName())
-                          .arg(picture.bitsPerSample);
+        m_warnings +=
+            inputName() + QStringLiteral(": the samples are known to have %1 bits; --bits is not needed.")
+                              .arg(picture.bitsPerSample);
         m_saidBitsIgnored = true;
     }
 }

@@ -152,11 +152,13 @@ static QString fx_Gap(QString const& pattern, QVector<qint64> const& numbers)
     }
     if (missing == 0)
         return QString();
-    return QStringLiteral("%1: %2 from %3 to %4 %5 missing: %6.")
-        .arg(pattern, missing == 1 ? QStringLiteral("1 number") : QStringLiteral("%1 numbers").arg(missing))
-        .arg(numbers.first())
-        .arg(numbers.last())
-        .arg(missing == 1 ? QStringLiteral("is") : QStringLiteral("are"), ranges.join(QStringLiteral(", ")));
+    return pattern +
+           QStringLiteral(": %1 from %2 to %3 %4 missing: %5.")
+               .arg(missing == 1 ? QStringLiteral("1 number") : QStringLiteral("%1 numbers").arg(missing))
+               .arg(numbers.first())
+               .arg(numbers.last())
+               .arg(missing == 1 ? QStringLiteral("is") : QStringLiteral("are"),
+                    ranges.join(QStringLiteral(", ")));
 }
 
 SxPictureFiles fx_PicturesOfPattern(QString const& pattern)

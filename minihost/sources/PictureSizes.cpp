@@ -77,14 +77,13 @@ QString fx_SizeObstacle(QStringList const& files, SxPictureChanges const& change
         if (wanted.isEmpty())
             wanted = plan.size;
         if (plan.size != wanted)
-            return QStringLiteral("%1 is %2 x %3, those before it are %4 x %5: a recording has one size, to "
-                                  "which --scale "
-                                  "would bring them all.")
-                .arg(file)
-                .arg(plan.size.width())
-                .arg(plan.size.height())
-                .arg(wanted.width())
-                .arg(wanted.height());
+            return file +
+                   QStringLiteral(" is %1 x %2, those before it are %3 x %4: a recording has one size, to "
+                                  "which --scale would bring them all.")
+                       .arg(plan.size.width())
+                       .arg(plan.size.height())
+                       .arg(wanted.width())
+                       .arg(wanted.height());
     }
     return QString();
 }

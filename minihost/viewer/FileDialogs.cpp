@@ -62,7 +62,7 @@ QFileDialog* CxFileDialogs::pictureToSave(QWidget* parent, QString const& base, 
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setDefaultSuffix(QStringLiteral("png")); // before it asks whether to replace a file
-    dialog->selectFile(QStringLiteral("%1_%2.png").arg(base).arg(number, 5, 10, QLatin1Char('0')));
+    dialog->selectFile(base + QStringLiteral("_%1.png").arg(number, 5, 10, QLatin1Char('0')));
     QObject::connect(dialog, &QFileDialog::fileSelected, [](QString const& fileName) {
         QSettings().setValue(kPictureFolderKey, QFileInfo(fileName).absolutePath());
     });

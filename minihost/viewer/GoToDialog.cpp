@@ -34,8 +34,8 @@ void CxGoToDialog::accept()
     bool isNumber = false;
     int const number = text.toInt(&isNumber);
     if (!isNumber || number < 0 || number > m_last) {
-        m_note->setText(
-            tr("There is no picture “%1”: they are numbered from 0 to %2.").arg(text).arg(m_last));
+        m_note->setText(tr("There is no picture “%1”: they are numbered from 0 to %2.")
+                            .arg(text, QString::number(m_last)));
         m_note->show();
         m_number->selectAll();
         return;

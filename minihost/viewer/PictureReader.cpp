@@ -106,11 +106,10 @@ void CxPictureReader::fulfil(SxOrder const& order)
     if (done)
         emit pictureRead(order.ticket, picture);
     else if (!order.isBackwards || !isSuperseded())
-        emit pictureFailed(order.ticket, order.number,
-                           QStringLiteral("%1: frame %2 cannot be decoded: %3.")
-                               .arg(m_info.fileName)
-                               .arg(order.number)
-                               .arg(cause));
+        emit pictureFailed(
+            order.ticket, order.number,
+            m_info.fileName +
+                QStringLiteral(": frame %1 cannot be decoded: %2.").arg(order.number).arg(cause));
 }
 
 bool CxPictureReader::isSuperseded()

@@ -45,11 +45,10 @@ void CxRecordControl::start(SxRecordChoice const& choice)
     m_messages.dismiss();
     m_play.player().setPlaying(false);
     SxRecordRequest request = choice.request;
-    request.sourceName = m_live.isOpen() ? m_live.name()
-                                         : QStringLiteral("%1, pictures %2-%3")
-                                               .arg(m_play.player().info().fileName)
-                                               .arg(choice.first)
-                                               .arg(choice.last);
+    request.sourceName = m_live.isOpen()
+                             ? m_live.name()
+                             : m_play.player().info().fileName +
+                                   QStringLiteral(", pictures %1-%2").arg(choice.first).arg(choice.last);
     m_job = std::make_unique<CxRecordJob>(request);
     connect(m_job.get(), &CxRecordJob::progressed, &m_bar, &CxRecordBar::showProgress);
     connect(m_job.get(), &CxRecordJob::finished, this, &CxRecordControl::finish);
@@ -81,7 +80,8 @@ void CxRecordControl::finish(SxRecordSummary const& summary)
     bool const failed = !summary.error.isEmpty();
     QStringList parts;
     if (failed && !broken.isEmpty())
-        parts.append(tr("Saving to “%1” ended at picture %2, which is broken.").arg(name).arg(broken.last()));
+        parts.append(tr("Saving to “%1” ended at picture %2, which is broken.")
+                         .arg(name, QString::number(broken.last())));
     else if (failed)
         parts.append(tr("Saving to “%1” failed.").arg(name));
     else if (summary.wasStopped)

@@ -36,6 +36,7 @@ private slots:
     void rawStreamIsExact_data();
     void rawStreamIsExact();
     void streamToAFileIsThatOfThePipe_data();
+    void placesForNumbersInNamesAreToldAsTheyAre();
     void streamToAFileIsThatOfThePipe();
     void y4mStreamIsReadByOthers();
     void timesAreThoseOfTheNotedRate();
@@ -260,6 +261,14 @@ void tst_ExportCommand::streamToAFileIsThatOfThePipe_data()
     QTest::newRow("y4m by its name") << QStringList{} << "all.y4m";
     QTest::newRow("rgb24") << QStringList{"--stream", "rgb24"} << "all.raw";
     QTest::newRow("bgra") << QStringList{"--stream", "bgra"} << "all.raw";
+}
+
+void tst_ExportCommand::placesForNumbersInNamesAreToldAsTheyAre()
+{
+    SxMinihostRun const exported =
+        run({"export", m_recording, "--frames", "0,7", "-o", "%%1_%02d_%%4.ppm", "--jobs", "1"});
+    QVERIFY2(exported.exitCode == 0, exported.err);
+    QCOMPARE(exported.err, QByteArray("%%1_%02d_%%4.ppm: 2 pictures of 320 x 240 written.\n"));
 }
 
 void tst_ExportCommand::streamToAFileIsThatOfThePipe()

@@ -27,8 +27,8 @@ QByteArray tst_ExportJobs::exported(QString const& jobs, QStringList const& argu
 {
     QDir folder(m_folder->path());
     folder.mkdir("out");
-    SxMinihostRun const run = fx_RunMinihost(QStringList{"export", "--jobs", jobs} + arguments, QByteArray(),
-                                             m_folder->path());
+    SxMinihostRun const run =
+        fx_RunMinihost(QStringList{"export", "--jobs", jobs} + arguments, QByteArray(), m_folder->path());
     QByteArray all = QByteArray::number(run.exitCode) + '\n' + run.out + run.err;
     folder.cd("out");
     for (QString const& name : folder.entryList(QDir::Files, QDir::Name))
