@@ -27,8 +27,9 @@ public:
     CxKeepAll(MakeSource make, SxRecordRequest const& request, SxKeepAllConsent const& consent);
 
     /// Records. When every picture cannot be kept, or the recording fails or is stopped, nothing is written
-    /// and what was there stays; the summary's error is then one sentence. \param onAttempt  called after
-    /// every picture of every attempt The source of the last attempt lives as long as the object.
+    /// and what was there stays; the summary's error is then one sentence. The source of the last attempt
+    /// lives as long as the object.
+    /// \param progress  called after every picture of every attempt
     SxRecordSummary run(RecordProgress const& progress);
 
     SxRecordRequest const& request() const { return m_request; } ///< with the options of the last attempt
