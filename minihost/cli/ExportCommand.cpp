@@ -29,8 +29,9 @@ QString fx_Summary(SxExportRequest::Kind kind, SxExported const& exported)
 QJsonArray fx_ExportedJson(CxRecordingReader const& recording, IxExportSink const& sink)
 {
     QJsonArray timed;
-    for (QJsonValue const& exported : sink.exportedJson()) {
-        QJsonObject entry = exported.toObject();
+    QJsonArray const exported = sink.exportedJson();
+    for (int i = 0; i < exported.size(); ++i) {
+        QJsonObject entry = exported.at(i).toObject();
         entry[QStringLiteral("seconds")] = entry.value(QStringLiteral("frame")).toInt() / recording.fps();
         timed.append(entry);
     }

@@ -73,7 +73,7 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     QFileInfo const info(output);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(output);
-    QString const unfinished = fx_ContainerObstacle(output);
+    QString unfinished = fx_ContainerObstacle(output);
     if (!unfinished.isEmpty())
         return unfinished;
     bool const isList =

@@ -21,7 +21,7 @@ QString fx_OutputObstacle(SxRemuxArguments const& arguments)
     SxExportRequest request;
     request.recording = arguments.common.file();
     request.overwrite = arguments.overwrite;
-    QString const obstacle = fx_Obstacle(arguments.output, request);
+    QString obstacle = fx_Obstacle(arguments.output, request);
     QFileInfo const output(arguments.output);
     QString const& input = arguments.common.file();
     if (obstacle.isEmpty() && arguments.removesInput && fx_IsBeingRecorded(input))
