@@ -7,17 +7,21 @@
 #include "IxPictureSource.h"
 #include "ProgressLine.h"
 #include "RecordingReader.h"
+#include "RemuxReport.h"
 #include "Remuxer.h"
 #include "UnfinishedRecording.h"
 
 namespace {
 
-SxStreamDescription fx_DescriptionOf(IxPictureSource const& source, int rotation)
+SxStreamDescription fx_DescriptionOf(IxPictureSource const& source, SxRecordSummary const& summary)
 {
     SxStreamDescription description;
+    description.isRateAssumed = !source.rate().isKnown();
     if (source.rate().isKnown())
         description.rate = fx_Rational(source.rate());
-    description.rotation = rotation;
+    description.rotation = summary.rotation;
+    description.comment = fx_SkippedComment(fx_RangesOf(summary.skipped),
+                                            static_cast<int>(summary.skipped.size()), summary.given);
     return description;
 }
 
@@ -39,6 +43,9 @@ QString fx_Finish(QString const& raw, QString const& container, SxStreamDescript
     Console::transient(QString());
     if (written.error.isEmpty() && written.isInputDamaged())
         return QStringLiteral("%1: not all of it could be put into %2, so it stays.").arg(raw, container);
+    QString const notTurned = fx_RotationWarning(request, written);
+    if (!notTurned.isEmpty())
+        Console::warning(notTurned);
     if (written.error.isEmpty())
         fx_RemoveHandedOn(raw, container, error);
     return written.error.isEmpty() ? error : written.error;
@@ -76,7 +83,7 @@ void fx_PutIntoContainer(SxRecordRequest const& request, IxPictureSource const& 
     // Where the disk is full there is no room for another file.
     QString const error = summary.failure == RecordFailure::Output
                               ? summary.error
-                              : fx_Finish(raw, container, fx_DescriptionOf(source, summary.rotation));
+                              : fx_Finish(raw, container, fx_DescriptionOf(source, summary));
     if (error.isEmpty()) {
         summary.bytes = QFileInfo(container).size();
         summary.sidecar.clear();

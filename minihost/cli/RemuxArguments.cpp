@@ -4,6 +4,8 @@
 
 #include "ContainerWriter.h"
 
+static constexpr double kMostInMatroska = 1000; // pictures a second
+
 namespace {
 
 QVector<SxOption> fx_Options()
@@ -53,12 +55,17 @@ bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& pars
     QString const fps = QStringLiteral("fps");
     parsed.rate = fx_RateFromText(parser.value(fps));
     if (parser.isSet(fps) && !parsed.rate)
-        error = QStringLiteral("--fps takes pictures a second, as 25, 12.5 or 30000/1001, not '%1'.")
+        error = QStringLiteral("--fps takes pictures a second up to 100000, as 25, 12.5 (at most three "
+                               "decimals) or 30000/1001, not '%1'.")
                     .arg(parser.value(fps));
     if (error.isEmpty() && parser.isSet(QStringLiteral("frames")))
         parsed.frames = CxFrameSelection::parse(parser.value(QStringLiteral("frames")), error);
     if (error.isEmpty())
         error = fx_TakeFiles(parsed);
+    if (error.isEmpty() && parsed.rate && parsed.rate->perSecond() > kMostInMatroska &&
+        fx_ContainerKindOf(parsed.output) == ContainerKind::Matroska)
+        error = QStringLiteral("Matroska counts time in milliseconds: --fps %1 is too many for it.")
+                    .arg(parser.value(fps));
     parsed.overwrite = parser.isSet(QStringLiteral("overwrite"));
     parsed.isExact = parser.isSet(QStringLiteral("exact"));
     if (error.isEmpty() && parsed.isExact && !parsed.frames)

@@ -37,10 +37,13 @@ SxStreamDescription fx_DescriptionFor(CxRecordingReader const& recording, SxRemu
 {
     SxStreamDescription description;
     SxPictureRate const rate = arguments.rate.value_or(recording.rate());
+    description.isRateAssumed = !rate.isKnown();
     if (rate.isKnown())
         description.rate = fx_Rational(rate);
-    if (recording.sidecar().sidecar)
-        description.rotation = recording.sidecar().sidecar->rotation;
+    if (std::optional<SxSidecar> const& sidecar = recording.sidecar().sidecar) {
+        description.rotation = sidecar->rotation;
+        description.comment = fx_SkippedComment(sidecar->skipped, sidecar->skippedCount, sidecar->pictures);
+    }
     return description;
 }
 
@@ -75,6 +78,10 @@ int fx_RemoveInput(SxRemuxArguments const& arguments, SxRemuxSummary const& summ
     QString error;
     if (summary.leftOutAtFront > 0 || !summary.damaged.isEmpty())
         Console::warning(QStringLiteral("%1: it stays, since it is damaged.").arg(input));
+    else if (!summary.hasRotation)
+        Console::warning(
+            QStringLiteral("%1: it stays, since %2 does not say how its pictures are to be turned.")
+                .arg(input, arguments.output));
     else if (!fx_RemoveHandedOn(input, arguments.output, error))
         return fx_Failed(error);
     return code;

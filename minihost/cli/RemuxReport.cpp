@@ -32,10 +32,11 @@ QString fx_RemuxText(SxRemuxRequest const& request, SxRemuxSummary const& summar
                 .arg(summary.size.width())
                 .arg(summary.size.height()) +
             fx_TakenText(request, summary),
-        QStringLiteral("  %1, plays %2 s at %3 pictures a second")
+        QStringLiteral("  %1, plays %2 s at %3 pictures a second%4")
             .arg(fx_ReadableSize(summary.bytes))
             .arg(summary.pictures / rate, 0, 'f', 1)
-            .arg(rate),
+            .arg(rate)
+            .arg(request.description.isRateAssumed ? QStringLiteral(" (assumed)") : QString()),
     }
         .join(QLatin1Char('\n'));
 }
@@ -81,6 +82,7 @@ QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, Sx
         {QStringLiteral("width"), summary.size.width()},
         {QStringLiteral("height"), summary.size.height()},
         {QStringLiteral("fps"), av_q2d(rate)},
+        {QStringLiteral("fpsIsAssumed"), request.description.isRateAssumed},
         {QStringLiteral("rate"), QStringLiteral("%1/%2").arg(rate.num).arg(rate.den)},
         {QStringLiteral("rotation"), request.description.rotation},
         {QStringLiteral("bytes"), summary.bytes},

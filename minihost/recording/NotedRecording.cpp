@@ -69,12 +69,25 @@ void fx_NoteRecording(SxRecordRequest const& request, SxRecordSummary& summary)
     }
 }
 
+/// What is known with the first picture, for a recording that is killed; at its end it is written anew.
+static void fx_NoteBeginning(IxPictureSource const& source, SxRecordRequest const& request,
+                             SxRecordSummary const& soFar)
+{
+    fx_RemoveSidecar(request.outputFile);
+    SxRecordSummary begun = soFar;
+    begun.rate = source.rate();
+    begun.rotation = source.rotation();
+    QString told; // at the end, if it still fails
+    if (request.keepsSidecar && !fx_IsAsAssumed(begun))
+        fx_WriteSidecar(request.outputFile, fx_SidecarOf(request, begun), told, false);
+}
+
 SxRecordSummary fx_RecordWithSidecar(IxPictureSource& source, SxRecordRequest const& request,
                                      RecordProgress const& progress)
 {
     SxRecordSummary summary = fx_RecordWithFacts(source, request, [&](SxRecordSummary const& soFar) {
         if (soFar.given == 1 && fx_CanHaveSidecar(request.outputFile))
-            fx_RemoveSidecar(request.outputFile);
+            fx_NoteBeginning(source, request, soFar);
         if (progress)
             progress(soFar);
     });

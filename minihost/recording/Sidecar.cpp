@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QSaveFile>
+#include <sys/stat.h>
 
 namespace {
 
@@ -20,6 +21,8 @@ QString const kFormatOfAnyVersion = QStringLiteral("minihost-sidecar-");
 
 QString const kBytesKey = QStringLiteral("bytes");
 QString const kHashKey = QStringLiteral("sha256OfFirst64KiB");
+QString const kInodeKey =
+    QStringLiteral("unfinishedInode"); // of a file that grows: its bytes are not known yet
 
 /// What identifies a recording; empty when it cannot be read.
 QJsonObject fx_Identity(QString const& recording)
@@ -31,8 +34,19 @@ QJsonObject fx_Identity(QString const& recording)
     return {{kBytesKey, file.size()}, {kHashKey, QString::fromLatin1(hash.toHex())}};
 }
 
+/// What identifies a recording that is being written; empty when it cannot be asked.
+QJsonObject fx_IdentityOfUnfinished(QString const& recording)
+{
+    struct stat status = {};
+    if (stat(QFile::encodeName(recording).constData(), &status) != 0)
+        return {};
+    return {{kInodeKey, QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino)}};
+}
+
 bool fx_IsOf(QJsonObject const& identity, QString const& recording)
 {
+    if (identity.contains(kInodeKey))
+        return identity == fx_IdentityOfUnfinished(recording);
     QJsonObject const actual = fx_Identity(recording);
     return !actual.isEmpty() &&
            identity.value(kBytesKey).toDouble(-1) == actual.value(kBytesKey).toDouble() &&
@@ -75,6 +89,14 @@ QString fx_Parse(QJsonObject const& json, SxSidecar& sidecar)
 {
     if (json.value(kFormatKey) != kFormat)
         return QStringLiteral("it is another version's");
+    for (char const* const key : {"rate", "skipped", "source", "program"}) {
+        if (json.contains(QLatin1String(key)) && !json.value(QLatin1String(key)).isString())
+            return QStringLiteral("its %1 is no text").arg(QLatin1String(key));
+    }
+    for (char const* const key : {"rotation", "pictures", "skippedCount"}) {
+        if (json.contains(QLatin1String(key)) && !json.value(QLatin1String(key)).isDouble())
+            return QStringLiteral("its %1 is no number").arg(QLatin1String(key));
+    }
     QJsonValue const rate = json.value(QStringLiteral("rate"));
     if (rate.isString()) {
         std::optional<SxPictureRate> const read = fx_RateFromText(rate.toString());
@@ -147,21 +169,31 @@ SxFoundSidecar fx_FindSidecar(QString const& recording)
     return found;
 }
 
-bool fx_WriteSidecar(QString const& recording, SxSidecar const& sidecar, QString& error)
+/// A file without a byte was left by a full disk.
+static bool fx_IsOurs(QString const& fileName)
+{
+    QFileInfo const info(fileName);
+    if (!info.exists() || (info.isFile() && info.size() == 0))
+        return true;
+    QString why;
+    fx_ReadObject(fileName, why);
+    return why.isEmpty();
+}
+
+bool fx_WriteSidecar(QString const& recording, SxSidecar const& sidecar, QString& error, bool isFinished)
 {
     QString const fileName = fx_SidecarName(recording);
-    QString why;
-    if (QFileInfo::exists(fileName))
-        fx_ReadObject(fileName, why);
-    if (!why.isEmpty()) {
+    if (!fx_IsOurs(fileName)) {
         error = QStringLiteral("%1 is not minihost's and stays as it is, so it does not tell the recording's "
                                "rate, rotation and skipped pictures.")
                     .arg(fileName);
         return false;
     }
     QSaveFile file(fileName);
-    QByteArray const bytes = QJsonDocument(fx_Json(sidecar, fx_Identity(recording))).toJson();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    QJsonObject const identity = isFinished ? fx_Identity(recording) : fx_IdentityOfUnfinished(recording);
+    QByteArray const bytes = QJsonDocument(fx_Json(sidecar, identity)).toJson();
+    // Closing by itself does not tell Qt that the last bytes found no room.
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() && file.commit())
         return true;
     error = QStringLiteral("%1: %2.").arg(fileName, file.errorString());
     return false;
@@ -170,10 +202,6 @@ bool fx_WriteSidecar(QString const& recording, SxSidecar const& sidecar, QString
 void fx_RemoveSidecar(QString const& recording)
 {
     QString const fileName = fx_SidecarName(recording);
-    QString why;
-    if (!QFileInfo::exists(fileName))
-        return;
-    fx_ReadObject(fileName, why);
-    if (why.isEmpty())
+    if (QFileInfo::exists(fileName) && fx_IsOurs(fileName))
         QFile::remove(fileName);
 }

@@ -38,7 +38,12 @@ SxFoundSidecar fx_FindSidecar(QString const& recording);
 
 /// Writes it beside \p recording, which is complete, as a whole or not at all. \return false, with \p error
 /// one sentence, when that fails, or when a file of that name is none of ours, which is then left alone.
-bool fx_WriteSidecar(QString const& recording, SxSidecar const& sidecar, QString& error);
+///
+/// \param isFinished  false: the recording is being written. The sidecar then belongs to that very file
+/// (inode),
+///                    whatever comes into it, so that a recording that is killed keeps its rate and rotation.
+bool fx_WriteSidecar(QString const& recording, SxSidecar const& sidecar, QString& error,
+                     bool isFinished = true);
 
 /// Removes it, since \p recording is or becomes another. What is not ours stays.
 void fx_RemoveSidecar(QString const& recording);

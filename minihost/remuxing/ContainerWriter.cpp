@@ -148,6 +148,8 @@ bool CxContainerWriter::begin(SxTrack const& track, QString& error)
         result = AVERROR(ENOMEM);
     if (result < 0)
         return isWritten(result, error);
+    if (!track.description.comment.isEmpty())
+        av_dict_set(&m_format->metadata, "comment", track.description.comment.constData(), 0);
     AVDictionary* options = nullptr;
     if (track.kind != ContainerKind::Matroska)
         av_dict_set(&options, "movflags", "+faststart", 0);

@@ -11,6 +11,8 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
+static constexpr int kMostRangesTold = 200;
+
 namespace {
 
 struct SxFilterDeleter
@@ -50,6 +52,18 @@ AVRational fx_Rational(SxPictureRate const& rate)
     AVRational rational = {0, 1};
     av_reduce(&rational.num, &rational.den, rate.numerator, rate.denominator, INT_MAX);
     return rational;
+}
+
+QByteArray fx_SkippedComment(QVector<SxPictureRange> const& skipped, int count, int pictures)
+{
+    if (count == 0)
+        return QByteArray();
+    QString const numbers = fx_RangesText(skipped, kMostRangesTold);
+    return QStringLiteral("%1 of %2 pictures were skipped by the encoder%3")
+        .arg(count)
+        .arg(pictures)
+        .arg(numbers.isEmpty() ? QString() : QStringLiteral(": ") + numbers)
+        .toUtf8();
 }
 
 std::optional<QByteArray> fx_DescribeSps(QByteArray const& sps, SxStreamDescription const& description)

@@ -10,6 +10,7 @@
 #include "TestCamera.h"
 #include "support/FFmpegDecoder.h"
 #include "support/FFprobe.h"
+#include "support/NotedCopy.h"
 #include "support/RecordedCamera.h"
 
 /// The remux command as its user meets it, with FFmpeg's programs as those that read what it wrote.
@@ -34,6 +35,8 @@ private slots:
     void sidecarSaysRateAndRotation();
     void rawStreamIsNotedBeside();
     void removedInputIsWholeInTheOutput();
+    void whatTheOutputCannotSayIsKept();
+    void rateThatNobodyToldIsAssumed();
     void damagedInputIsNotRemoved();
     void inputThatIsBeingRecordedIsNotRemoved();
     void partBeginsAtAKeyFrame_data();
@@ -360,6 +363,34 @@ void tst_RemuxCommand::removedInputIsWholeInTheOutput()
     QCOMPARE(run({"remux", "--remove-input", "cut.h264", "cut.mp4"}).exitCode, 4);
     QVERIFY(!QFile::exists(path("cut.h264")));
     QCOMPARE(fx_DecodedHashes(path("cut.mp4")).size(), 13);
+}
+
+void tst_RemuxCommand::whatTheOutputCannotSayIsKept()
+{
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("in.h264")));
+    SxMinihostRun const toMp4 = run({"remux", "in.h264", "o.mp4"});
+    QVERIFY2(toMp4.exitCode == 0, toMp4.err);
+    QVERIFY2(toMp4.err.contains("at 25 pictures a second\n"), toMp4.err);
+    QVERIFY(fx_FileBytes(path("o.mp4")).contains("4 of 34 pictures were skipped by the encoder: 3-5, 7"));
+
+    // FFmpeg writes no rotation into Matroska: only the sidecar knows it, and belongs to the recording.
+    SxMinihostRun const toMkv = run({"remux", "--remove-input", "in.h264", "o.mkv"});
+    if (toMkv.err.contains("which it does not say")) {
+        QVERIFY2(toMkv.err.contains("in.h264: it stays, since o.mkv does not say"), toMkv.err);
+        QVERIFY(QFile::exists(path("in.h264")) && QFile::exists(path("in.h264.json")));
+    } else {
+        QVERIFY(!QFile::exists(path("in.h264")));
+    }
+}
+
+void tst_RemuxCommand::rateThatNobodyToldIsAssumed()
+{
+    write("in.h264", m_bytes);
+    SxMinihostRun const remuxed = run({"remux", "in.h264", "o.mp4", "--json"});
+    QVERIFY2(remuxed.err.contains("at 30 pictures a second (assumed)\n"), remuxed.err);
+    QVERIFY(remuxed.json().value("fpsIsAssumed").toBool());
+    SxMinihostRun const told = run({"remux", "in.h264", "p.mp4", "--fps", "30"});
+    QVERIFY2(told.err.contains("at 30 pictures a second\n"), told.err);
 }
 
 void tst_RemuxCommand::damagedInputIsNotRemoved()
@@ -709,7 +740,11 @@ void tst_RemuxCommand::wrongUsageIsExplained_data()
         << QStringList{"in.h264", "o.avi"} << "its name must end in .mp4, .mov, .mkv or .h264.";
     QTest::newRow("rate that is none")
         << QStringList{"in.h264", "o.mp4", "--fps", "fast"}
-        << "--fps takes pictures a second, as 25, 12.5 or 30000/1001, not 'fast'.";
+        << "--fps takes pictures a second up to 100000, as 25, 12.5 (at most three decimals) or 30000/1001, "
+           "not 'fast'.";
+    QTest::newRow("rate above Matroska's clock")
+        << QStringList{"in.h264", "o.mkv", "--fps", "2000"}
+        << "Matroska counts time in milliseconds: --fps 2000 is too many for it.";
     QTest::newRow("no rate at all") << QStringList{"in.h264", "o.mp4", "--fps", "0"} << "--fps takes";
     QTest::newRow("name of a rate") << QStringList{"in.h264", "o.mp4", "--fps", "ntsc"} << "--fps takes";
     QTest::newRow("too fast") << QStringList{"in.h264", "o.mp4", "--fps", "100001"} << "--fps takes";

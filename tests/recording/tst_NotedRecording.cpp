@@ -1,4 +1,5 @@
 #include <QJsonArray>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -15,6 +16,7 @@ class tst_NotedRecording : public QObject
 private slots:
     void init();
     void otherRateIsNoted();
+    void killedRecordingKeepsItsRate();
     void rotationIsNoted();
     void skippedPicturesAreNoted();
     void whatIsAsAssumedNeedsNoSidecar_data();
@@ -68,6 +70,20 @@ void tst_NotedRecording::otherRateIsNoted()
     QCOMPARE(found.sidecar->options.value("quality").toInt(), 7);
     QCOMPARE(found.sidecar->options.value("level").toString(), QString("5.2"));
     QCOMPARE(found.sidecar->program, QString::fromLatin1(fx_RunMinihost({"--version"}).out.trimmed()));
+}
+
+void tst_NotedRecording::killedRecordingKeepsItsRate()
+{
+    QProcess process;
+    process.start(fx_MinihostProgram(), {"record", "-q", "-", path("out.h264")});
+    QVERIFY(process.waitForStarted());
+    process.write(fx_VideoAtRate("25:1", 40));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path("out.h264.json")), 60000);
+    process.kill();
+    QVERIFY(process.waitForFinished());
+    SxFoundSidecar const found = fx_FindSidecar(path("out.h264"));
+    QVERIFY2(found.sidecar, qPrintable(found.warning));
+    QCOMPARE(found.sidecar->rate.exact(), QString("25"));
 }
 
 void tst_NotedRecording::rotationIsNoted()

@@ -1,6 +1,8 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "Sidecar.h"
@@ -27,6 +29,9 @@ private slots:
     void filesOfOthersStay();
     void tooManySkippedPicturesAreOnlyCounted();
     void failureToWriteLeavesNothing();
+    void fullDiskLeavesNothing();
+    void emptyFileOfAFullDiskIsReplaced();
+    void unfinishedRecordingIsKnownByItsFile();
 
 private:
     static SxSidecar example();
@@ -141,6 +146,10 @@ void tst_Sidecar::whatCannotBeUsedIsIgnoredWithItsCause_data()
     QTest::newRow("recording") << "recording" << QJsonValue("x") << "it describes another recording";
     QTest::newRow("rate") << "rate" << QJsonValue("1e9") << "'1e9' is no rate";
     QTest::newRow("no rate") << "rate" << QJsonValue("0") << "'0' is no rate";
+    QTest::newRow("rate that is a number") << "rate" << QJsonValue(25) << "its rate is no text";
+    QTest::newRow("rotation that is a text") << "rotation" << QJsonValue("90") << "its rotation is no number";
+    QTest::newRow("skipped that is a list")
+        << "skipped" << QJsonValue(QJsonArray()) << "its skipped is no text";
     QTest::newRow("rotation") << "rotation" << QJsonValue(45) << "45 degrees are no rotation";
     QTest::newRow("full turn") << "rotation" << QJsonValue(360) << "360 degrees are no rotation";
     QString const pictures("the pictures in it do not add up");
@@ -202,7 +211,6 @@ void tst_Sidecar::filesOfOthersStay_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("words") << QByteArray("my notes");
-    QTest::newRow("nothing") << QByteArray();
     QTest::newRow("object") << QByteArray("{\"rate\": \"25\"}");
     QTest::newRow("array") << QByteArray("[1]");
     QTest::newRow("cut off") << QByteArray("{\"format\": \"minihost-sidecar-1\"");
@@ -248,6 +256,43 @@ void tst_Sidecar::failureToWriteLeavesNothing()
     QVERIFY(!fx_WriteSidecar(elsewhere, example(), error));
     QVERIFY2(error.startsWith(fx_SidecarName(elsewhere) + ": "), qPrintable(error));
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"clip.h264"});
+}
+
+void tst_Sidecar::fullDiskLeavesNothing()
+{
+    std::signal(SIGXFSZ, SIG_IGN); // as in the program
+    rlimit before = {};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+    rlimit const small = {100, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    QString error;
+    bool const isWritten = fx_WriteSidecar(m_recording, example(), error);
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+    QVERIFY(!isWritten);
+    QVERIFY2(error.startsWith(sidecarName() + ": "), qPrintable(error));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"clip.h264"});
+}
+
+void tst_Sidecar::emptyFileOfAFullDiskIsReplaced()
+{
+    QVERIFY(fx_WriteFile(sidecarName(), QByteArray()));
+    write(example());
+    QVERIFY(fx_FindSidecar(m_recording).sidecar);
+}
+
+void tst_Sidecar::unfinishedRecordingIsKnownByItsFile()
+{
+    QString error;
+    QVERIFY2(fx_WriteSidecar(m_recording, example(), error, false), qPrintable(error));
+    QFile growing(m_recording);
+    QVERIFY(growing.open(QIODevice::Append) && growing.write("more") == 4 && growing.flush());
+    SxFoundSidecar const found = fx_FindSidecar(m_recording);
+    QVERIFY2(found.sidecar, qPrintable(found.warning));
+    QCOMPARE(found.sidecar->rotation, 90);
+
+    QString const other = m_folder->filePath("other.h264");
+    QVERIFY(QFile::copy(m_recording, other) && QFile::copy(sidecarName(), fx_SidecarName(other)));
+    QVERIFY(!fx_FindSidecar(other).sidecar);
 }
 
 QTEST_GUILESS_MAIN(tst_Sidecar)
