@@ -26,10 +26,19 @@ def decode(file, path, truth):
                    psnr=psnr(rgb[-1], truth.recorded[-1]), planes=truth.arePlanesOurs(planes))
 
 
+def decodeAsTold(path, truth):
+    """The raw file with the options that docs/players.md names."""
+    rgb = rgbPictures(run(["ffmpeg", "-v", "error", "-framerate", "30", "-i", path, "-vf",
+                           "setparams=range=pc:colorspace=smpte170m", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"]))
+    return Reading("ffmpeg, as above", "raw", frames=len(rgb), colour=colourError(rgb[-1], truth.decoded[-1]),
+                   psnr=psnr(rgb[-1], truth.recorded[-1]))
+
+
 def readings(files, truth):
     for file, path in files.items():
         yield probe(file, path)
         yield decode(file, path, truth)
+    yield decodeAsTold(files["raw"], truth)
 
 
 def versions():

@@ -24,6 +24,14 @@ def gstreamer(file, path, truth):
                    colour=colourError(rgb[-1], truth.decoded[-1]), planes=truth.arePlanesOurs(planes))
 
 
+def gstreamerAsTold(path, truth):
+    """The raw file with the pipeline that docs/players.md names."""
+    rgb = rgbPictures(run(["gst-launch-1.0", "-q", "filesrc", f"location={path}", "!", "h264parse", "!", "openh264dec",
+                           "!", "capssetter", "caps=video/x-raw,framerate=30/1,colorimetry=(string)1:4:7:1", "!",
+                           "videoconvert", "!", "video/x-raw,format=RGB", "!", "fdsink"]))
+    return Reading("GStreamer, as above", "raw", frames=len(rgb), colour=colourError(rgb[-1], truth.decoded[-1]))
+
+
 class ErrorInfo(ctypes.Structure):
     _fields_ = [("type", ctypes.c_int), ("subType", ctypes.c_int), ("size", ctypes.c_int), ("text", ctypes.c_char_p)]
 
@@ -116,6 +124,7 @@ def readings(files, truth):
     for file, path in files.items():
         for library in gstreamer, ffms2, opencv:
             yield library(file, path, truth)
+    yield gstreamerAsTold(files["raw"], truth)
 
 
 def versions():

@@ -10,19 +10,22 @@ from pathlib import Path
 
 import pattern
 from reading import asOurLoaderConverts, rgbPictures, run
-from table import KINDS, shown
+from table import KINDS, shown, write
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 MINIHOST = ROOT / "build" / "release" / "minihost"
-PROGRAMS = ["ffmpegs", "libraries", "mpv", "chromium"]
+PROGRAMS = ["ffmpegs", "libraries", "mpv", "ffplay", "vlc", "chromium"]
 
 # What a program does wrong with a file that says it right, measured as what it is.
 THEIR_OWN = {
     # Takes the range that MP4's and MOV's colr box names for the limited one (1.22).
     ("GStreamer", "mp4", "colour"), ("GStreamer", "mov", "colour"),
     # A raw stream has no index: its pictures are played in order.
-    ("mpv", "h264", "seeks"), ("OpenCV", "h264", "seeks"),
-    ("Chromium", "h264", "opens"),
+    ("mpv", "h264", "seeks"), ("OpenCV", "h264", "seeks"), ("VLC", "h264", "seeks"), ("Chromium", "h264", "opens"),
+    # Draws with OpenGL as if the range were always the limited one (3.0); with X11 as it is.
+    *(("VLC", file, "colour") for file in KINDS),
+    # Begins with the picture behind the one at that time (3.0).
+    ("VLC", "mkv", "seeks"),
 }
 
 
@@ -55,8 +58,8 @@ def remuxed(truth, folder):
 
 
 def failures(reading, truth):
-    """What is misread; of the raw file, which says nothing, only where `info` said how to open it."""
-    if reading.file == "raw" and "info" not in reading.program:
+    """What is misread; of the raw file, which says nothing, only where the program was told."""
+    if reading.file == "raw" and "," not in reading.program:
         return
     best = pattern.psnr(truth.decoded[-1], truth.recorded[-1])
     for aspect, isRight in {
@@ -73,12 +76,13 @@ def failures(reading, truth):
 
 def main():
     parser = argparse.ArgumentParser(prog="test-players", description=__doc__)
+    parser.add_argument("--record", action="store_true", help="puts the table into docs/players.md")
     parser.add_argument("programs", nargs="*", metavar="PROGRAM", help=", ".join(PROGRAMS))
     arguments = parser.parse_args()
-    if set(arguments.programs) - set(PROGRAMS):
-        parser.error(f"the programs are {', '.join(PROGRAMS)}")
+    if set(arguments.programs) - set(PROGRAMS) or arguments.record and arguments.programs:
+        parser.error(f"the programs are {', '.join(PROGRAMS)}; the table needs all of them")
 
-    wrong, versions = [], {}
+    wrong, readings, versions = [], [], {}
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         truth = Truth(folder)
@@ -93,7 +97,10 @@ def main():
             needed = [files, truth, folder][:len(inspect.signature(module.readings).parameters)]
             for reading in module.readings(*needed):
                 print(shown(reading, versions), flush=True)
+                readings.append(reading)
                 wrong += failures(reading, truth)
+    if arguments.record:
+        write(ROOT / "docs" / "players.md", readings, versions)
     for line in wrong:
         print(f"test-players: {line}", file=sys.stderr)
     print(f"test-players: {'failed' if wrong else 'passed'}")

@@ -24,7 +24,9 @@ class Screen:
         os.close(writeEnd)
         with os.fdopen(readEnd) as said:
             self.display = ":" + said.readline().strip()  # written once it answers
-        self.environment = dict(os.environ, DISPLAY=self.display, LIBGL_ALWAYS_SOFTWARE="1")
+        # ffplay draws with SDL, whose software renderer needs no OpenGL.
+        self.environment = dict(os.environ, DISPLAY=self.display, SDL_RENDER_DRIVER="software",
+                                LIBGL_ALWAYS_SOFTWARE="1")
         with open(os.path.join(self.folder.name, "Xvfb_screen0"), "rb") as file:
             self.memory = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
         # An X window dump (XWDFile.h): big-endian words, of which the first is the header's size, the 13th the bytes
@@ -43,11 +45,12 @@ class Screen:
         rows = numpy.frombuffer(self.memory[self.start:self.start + HEIGHT * self.pitch], numpy.uint8)
         return rows.reshape(HEIGHT, self.pitch)[:, :WIDTH * 4].reshape(HEIGHT, WIDTH, 4)[..., 2::-1].copy()
 
-    def waitForPicture(self, number, timeout=TIMEOUT):
-        """The screen once it shows that picture; after the timeout as it is then."""
-        deadline = time.monotonic() + timeout
+    def waitForPicture(self, isWanted):
+        """The screen once it shows a picture whose number satisfies isWanted; after TIMEOUT as it is then."""
+        deadline = time.monotonic() + TIMEOUT
         while True:
             pixels = self.pixels()
-            if numberOf(pixels) == number or time.monotonic() > deadline:
+            number = numberOf(pixels)
+            if number is not None and isWanted(number) or time.monotonic() > deadline:
                 return pixels
             time.sleep(0.02)  # else we take the processor from who is to draw
