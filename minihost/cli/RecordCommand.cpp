@@ -22,9 +22,37 @@
 #include "RecordWatcher.h"
 #include "SameFile.h"
 #include "Session.h"
+#include "Sidecar.h"
 #include "SourceFiles.h"
 
 namespace {
+
+/// A recording as the source: what its stream does not say stands in the sidecar.
+void fx_TakeSidecar(SxRecordArguments& arguments)
+{
+    QString const framerate = QStringLiteral("framerate"); // of FFmpeg's reader of raw streams
+    if (arguments.sources.size() != 1 || !arguments.input.format.isEmpty() ||
+        arguments.input.options.contains(framerate))
+        return;
+    SxFoundSidecar const found = fx_FindSidecar(arguments.sources.first());
+    if (!found.warning.isEmpty())
+        arguments.warnings += found.warning;
+    if (!found.sidecar)
+        return;
+    if (found.sidecar->rate.isKnown())
+        arguments.input.options.insert(framerate, found.sidecar->rate.exact());
+    SxPictureChanges& changes = arguments.changes;
+    if (changes.turnsItself) {
+        changes.turnsItself = false;
+        changes.rotation = found.sidecar->rotation;
+    } else if (found.sidecar->rotation != 0 && changes.rotation == 0) {
+        Console::message(
+            arguments.sources.first() +
+            QStringLiteral(": its pictures are to be turned clockwise by %1 degrees, which is left "
+                           "out: --rotate auto turns them.")
+                .arg(found.sidecar->rotation));
+    }
+}
 
 /// Finds the files that the sources stand for, and says what is to be said of them. \return what stands in
 /// the way of reading them, one sentence; empty when nothing is known to.
@@ -38,6 +66,7 @@ QString fx_TakeSources(SxRecordArguments& arguments)
         Console::message(note);
     arguments.sources = found.names;
     arguments.warnings = found.warnings;
+    fx_TakeSidecar(arguments);
     return QString();
 }
 

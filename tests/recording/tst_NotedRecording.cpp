@@ -17,6 +17,7 @@ private slots:
     void init();
     void otherRateIsNoted();
     void killedRecordingKeepsItsRate();
+    void recordingAsSourceHasTheRateOfItsSidecar();
     void rotationIsNoted();
     void skippedPicturesAreNoted();
     void whatIsAsAssumedNeedsNoSidecar_data();
@@ -82,6 +83,19 @@ void tst_NotedRecording::killedRecordingKeepsItsRate()
     process.kill();
     QVERIFY(process.waitForFinished());
     SxFoundSidecar const found = fx_FindSidecar(path("out.h264"));
+    QVERIFY2(found.sidecar, qPrintable(found.warning));
+    QCOMPARE(found.sidecar->rate.exact(), QString("25"));
+}
+
+void tst_NotedRecording::recordingAsSourceHasTheRateOfItsSidecar()
+{
+    QVERIFY(fx_WriteFile(path("long.y4m"), fx_VideoAtRate("25:1", 30)));
+    QVERIFY(record("long.y4m").exitCode == 0);
+    SxMinihostRun const again =
+        fx_RunMinihost({"record", path("out.h264"), path("again.h264"), "--start", "1s", "--json"});
+    QVERIFY2(again.exitCode == 0, again.err);
+    QCOMPARE(again.json().value("given").toInt(), 5);
+    SxFoundSidecar const found = fx_FindSidecar(path("again.h264"));
     QVERIFY2(found.sidecar, qPrintable(found.warning));
     QCOMPARE(found.sidecar->rate.exact(), QString("25"));
 }
