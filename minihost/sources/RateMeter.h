@@ -25,5 +25,6 @@ private:
     bool m_hasClock = false; ///< all inputs have
     bool m_isFirstInput = true;
     qint64 m_pictures = 0;
-    quint64 m_last = 0; ///< microseconds
+    qint64 m_uneven = 0; ///< steps to the next picture that differ by more than half a step from what is said
+    quint64 m_last = 0;  ///< microseconds
 };

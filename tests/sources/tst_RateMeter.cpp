@@ -10,6 +10,7 @@ private slots:
     void nominalRateStays_data();
     void nominalRateStays();
     void unsteadyPicturesHaveAnAverage();
+    void meanThatIsCalledTheRateIsAnAverage();
     void clockWithoutNominalRateIsMeasured();
     void withoutClockTheRateIsAsSaid();
     void inputsOfDifferentRatesHaveAnAverage();
@@ -46,6 +47,16 @@ void tst_RateMeter::unsteadyPicturesHaveAnAverage()
     meter.beginInput({30}, true);
     fx_Add(meter, 100, 1e6 / 12.5); // a webcam in the dark
     QCOMPARE(meter.rate().text(), QStringLiteral("12.5"));
+    QVERIFY(meter.rate().isAverage);
+}
+
+void tst_RateMeter::meanThatIsCalledTheRateIsAnAverage()
+{
+    CxRateMeter meter;
+    meter.beginInput({10}, true);
+    for (quint64 i = 0; i < 20; ++i)
+        meter.add(i / 2 * 200000 + i % 2 * 40000); // by turns 40 and 160 ms
+    QCOMPARE(meter.rate().text(), QStringLiteral("10"));
     QVERIFY(meter.rate().isAverage);
 }
 
