@@ -52,7 +52,9 @@ static QByteArray fx_KeyFrame(QByteArray const& sps, QByteArray const& pps)
 void tst_ParameterSets::describedSetIsTheOldOneUpToItsVui()
 {
     QByteArray const sps = fx_Sps(3);
-    std::optional<QByteArray> const described = fx_DescribeSps(sps, SxStreamDescription{{25, 1}, 0});
+    SxStreamDescription description;
+    description.rate = {25, 1};
+    std::optional<QByteArray> const described = fx_DescribeSps(sps, description);
     QVERIFY(described);
     QByteArray const before = fx_PayloadBits(sps);
     QByteArray const after = fx_PayloadBits(*described);
