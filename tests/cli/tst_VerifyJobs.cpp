@@ -30,7 +30,8 @@ static QByteArray fx_Unit(int header) { return QByteArray::fromHex("00000001") +
 /// Where the key frame nearest to \p part of the recording begins.
 static int fx_KeyAt(QByteArray const& recording, double part)
 {
-    return static_cast<int>(recording.indexOf(fx_Unit(0x67), static_cast<int>(recording.size() * part)));
+    return static_cast<int>(
+        recording.indexOf(fx_Unit(0x67), static_cast<int>(static_cast<double>(recording.size()) * part)));
 }
 
 void tst_VerifyJobs::initTestCase()
