@@ -33,6 +33,21 @@ static int fx_Rotation(int32_t const* matrix)
     return (quarters % 4 + 4) % 4 * 90;
 }
 
+/// The rate that a raw stream of H.264 names. Since FFmpeg 6.1 the average is what was offered, and what the
+/// stream says is the rate of its fields, or of the time base when it says nothing.
+static SxPictureRate fx_NamedRate(AVStream const& stream)
+{
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102)
+    bool const isNamed = stream.codecpar->codec_id == AV_CODEC_ID_H264 &&
+                         av_cmp_q(stream.r_frame_rate, av_inv_q(stream.time_base)) != 0;
+    AVRational const rate = av_mul_q(stream.r_frame_rate, {1, 2});
+    return isNamed ? SxPictureRate{rate.num, rate.den} : SxPictureRate();
+#else
+    static_cast<void>(stream);
+    return SxPictureRate();
+#endif
+}
+
 SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin)
 {
     SxStreamFacts facts;
@@ -44,8 +59,9 @@ SxStreamFacts fx_StreamFacts(AVStream const& stream, RateOrigin origin)
     SxPictureRate const rate{said.num, said.den};
     bool const isOffered =
         origin == RateOrigin::Offer && rate.numerator == kPicturesASecond * rate.denominator;
-    if (fx_IsSane(rate) && !isOffered)
-        facts.rate = rate;
+    SxPictureRate const named = isOffered ? fx_NamedRate(stream) : rate;
+    if (fx_IsSane(named))
+        facts.rate = named;
     return facts;
 }
 
