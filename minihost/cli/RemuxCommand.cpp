@@ -78,7 +78,8 @@ int fx_RemoveInput(SxRemuxArguments const& arguments, SxRemuxSummary const& summ
     QString error;
     if (summary.leftOutAtFront > 0 || !summary.damaged.isEmpty())
         Console::warning(QStringLiteral("%1: it stays, since it is damaged.").arg(input));
-    else if (!summary.hasRotation)
+    else if (!summary.hasRotation &&
+             fx_ContainerKindOf(arguments.output)) // a raw stream has it noted beside it
         Console::warning(
             QStringLiteral("%1: it stays, since %2 does not say how its pictures are to be turned.")
                 .arg(input, arguments.output));

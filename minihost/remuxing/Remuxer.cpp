@@ -225,7 +225,7 @@ bool CxRemuxing::finish()
     bool const result = m_container ? m_container->finish(error) : m_raw.finish(error);
     if (!isWritten(result, error))
         return false;
-    m_summary.hasRotation = m_container && m_container->hasRotation();
+    m_summary.hasRotation = m_container ? m_container->hasRotation() : m_request.description.rotation == 0;
     m_summary.bytes = QFileInfo(m_request.output).size();
     return true;
 }

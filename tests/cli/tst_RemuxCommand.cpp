@@ -374,6 +374,16 @@ void tst_RemuxCommand::removedInputIsWholeInTheOutput()
     QVERIFY(!QFile::exists(path("in.h264")));
     QCOMPARE(fx_DecodedHashes(path("o.mp4")), fx_DecodedHashes(m_recording));
 
+    write("in.h264", m_bytes);
+    SxMinihostRun const described = run({"remux", "--remove-input", "in.h264", "o.h264"});
+    QVERIFY2(described.exitCode == 0 && !described.err.contains("stays"), described.err);
+    QVERIFY(!QFile::exists(path("in.h264")));
+    QVERIFY(fx_CopyWithSidecar(m_recording, path("in.h264")));
+    SxMinihostRun const turned = run({"remux", "--remove-input", "--overwrite", "in.h264", "o.h264"});
+    QVERIFY2(turned.exitCode == 0 && !turned.err.contains("stays"), turned.err);
+    QVERIFY(!QFile::exists(path("in.h264")));
+    QCOMPARE(fx_FindSidecar(path("o.h264")).sidecar->rotation, 90);
+
     // What is cut off is no picture: it is not kept for that.
     write("cut.h264", m_bytes.left(offset(13) + 300));
     QCOMPARE(run({"remux", "--remove-input", "cut.h264", "cut.mp4"}).exitCode, 4);
