@@ -16,9 +16,7 @@ namespace {
 SxStreamDescription fx_DescriptionOf(IxPictureSource const& source, SxRecordSummary const& summary)
 {
     SxStreamDescription description;
-    description.isRateAssumed = !source.rate().isKnown();
-    if (source.rate().isKnown())
-        description.rate = fx_Rational(source.rate());
+    description.takeRate(source.rate());
     description.rotation = summary.rotation;
     description.comment = fx_SkippedComment(fx_RangesOf(summary.skipped),
                                             static_cast<int>(summary.skipped.size()), summary.given);

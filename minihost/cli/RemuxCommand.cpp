@@ -36,10 +36,7 @@ QString fx_OutputObstacle(SxRemuxArguments const& arguments)
 SxStreamDescription fx_DescriptionFor(CxRecordingReader const& recording, SxRemuxArguments const& arguments)
 {
     SxStreamDescription description;
-    SxPictureRate const rate = arguments.rate.value_or(recording.rate());
-    description.isRateAssumed = !rate.isKnown();
-    if (rate.isKnown())
-        description.rate = fx_Rational(rate);
+    description.takeRate(arguments.rate.value_or(recording.rate()));
     if (std::optional<SxSidecar> const& sidecar = recording.sidecar().sidecar) {
         description.rotation = sidecar->rotation;
         description.comment = fx_SkippedComment(sidecar->skipped, sidecar->skippedCount, sidecar->pictures);

@@ -30,6 +30,26 @@ QVector<SxCodedUnit> fx_UnitsOf(QByteArray const& frame)
     return units;
 }
 
+static uchar const* fx_Bytes(SxCodedUnit const& unit)
+{
+    return reinterpret_cast<uchar const*>(unit.bytes.constData());
+}
+
+std::optional<SxH264Sps> fx_SpsOf(QByteArray const& frame)
+{
+    for (SxCodedUnit const& unit : fx_UnitsOf(frame)) {
+        if (unit.type() == SxCodedUnit::kSps)
+            return fx_ReadH264Sps(fx_Bytes(unit), static_cast<size_t>(unit.bytes.size()));
+    }
+    return std::nullopt;
+}
+
+std::optional<SxH264Slice> fx_SliceOf(SxCodedUnit const& unit, SxH264Sps const& sps)
+{
+    return unit.isSlice() ? fx_ReadH264Slice(fx_Bytes(unit), static_cast<size_t>(unit.bytes.size()), sps)
+                          : std::nullopt;
+}
+
 QByteArray fx_WithStartCode(QByteArray const& unit) { return QByteArray("\0\0\0\1", 4) + unit; }
 
 QByteArray fx_PayloadBits(QByteArray const& unit)

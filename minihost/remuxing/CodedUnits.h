@@ -4,6 +4,8 @@
 #include <QVector>
 #include <optional>
 
+#include "H264Syntax.h"
+
 /// One unit of a frame with start codes (ITU-T H.264, 7.3.1 and annex B).
 struct SxCodedUnit
 {
@@ -22,6 +24,12 @@ struct SxCodedUnit
 
 /// The units of a frame, in order. They lie back to back; what comes before the first belongs to none.
 QVector<SxCodedUnit> fx_UnitsOf(QByteArray const& frame);
+
+/// What the first sequence parameter set of a frame says; nothing when there is none, or it makes no sense.
+std::optional<SxH264Sps> fx_SpsOf(QByteArray const& frame);
+
+/// What the header of a slice says; nothing when the unit is none, or it makes no sense.
+std::optional<SxH264Slice> fx_SliceOf(SxCodedUnit const& unit, SxH264Sps const& sps);
 
 /// A unit with the longer of the two start codes before it, which sets of parameters need.
 QByteArray fx_WithStartCode(QByteArray const& unit);

@@ -3,11 +3,11 @@
 #include <QFileInfo>
 #include <cstring>
 
+#include "Extradata.h"
 #include "StreamFacts.h"
 
 extern "C" {
 #include <libavutil/display.h>
-#include <libavutil/mem.h>
 }
 
 namespace {
@@ -121,13 +121,8 @@ bool CxContainerWriter::makeStream(SxTrack const& track)
     parameters.color_space = SxStreamDescription::kMatrix;
     parameters.color_primaries = SxStreamDescription::kPrimaries;
     parameters.color_trc = SxStreamDescription::kTransfer;
-    auto const size = static_cast<size_t>(track.parameterSets.size());
-    parameters.extradata = static_cast<uint8_t*>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE));
-    if (!parameters.extradata)
-        return false;
-    std::memcpy(parameters.extradata, track.parameterSets.constData(), size);
-    parameters.extradata_size = static_cast<int>(size);
-    return fx_SetRotation(*stream, track.description.rotation);
+    return fx_SetExtradata(parameters, track.parameterSets) &&
+           fx_SetRotation(*stream, track.description.rotation);
 }
 
 bool CxContainerWriter::begin(SxTrack const& track, QString& error)

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "CodedUnits.h"
-#include "H264Syntax.h"
 #include "Recorder.h"
 #include "RecordingReader.h"
 #include "RecordingSource.h"
@@ -32,17 +31,6 @@ private:
     int const m_file = memfd_create("cut", MFD_CLOEXEC);
 };
 
-/// The first set of a key frame; nothing when it makes no sense.
-std::optional<SxH264Sps> fx_SpsOf(QByteArray const& frame)
-{
-    for (SxCodedUnit const& unit : fx_UnitsOf(frame)) {
-        if (unit.type() == SxCodedUnit::kSps)
-            return fx_ReadH264Sps(reinterpret_cast<uchar const*>(unit.bytes.constData()),
-                                  static_cast<size_t>(unit.bytes.size()));
-    }
-    return std::nullopt;
-}
-
 SxEncoderOptions fx_OptionsLike(SxH264Sps const& sps)
 {
     SxEncoderOptions options;
@@ -59,10 +47,8 @@ SxEncoderOptions fx_OptionsLike(SxH264Sps const& sps)
 std::optional<quint32> fx_IdOf(QByteArray const& frame, SxH264Sps const& sps)
 {
     for (SxCodedUnit const& unit : fx_UnitsOf(frame)) {
-        auto const slice = unit.type() != SxCodedUnit::kIdrSlice
-                               ? std::nullopt
-                               : fx_ReadH264Slice(reinterpret_cast<uchar const*>(unit.bytes.constData()),
-                                                  static_cast<size_t>(unit.bytes.size()), sps);
+        bool const isIdr = unit.type() == SxCodedUnit::kIdrSlice;
+        auto const slice = isIdr ? fx_SliceOf(unit, sps) : std::nullopt;
         if (slice)
             return slice->idr_pic_id;
     }

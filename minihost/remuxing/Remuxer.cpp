@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "ContainerWriter.h"
-#include "H264Syntax.h"
 #include "ParameterSets.h"
 #include "RecordingReader.h"
 
@@ -146,11 +145,8 @@ bool CxRemuxing::gatherSets()
             return isWritten(false, QString());
         if (!read(key, bytes))
             return false;
-        for (SxCodedUnit const& unit : m_sps ? QVector<SxCodedUnit>() : fx_UnitsOf(bytes)) {
-            if (unit.type() == SxCodedUnit::kSps)
-                m_sps = fx_ReadH264Sps(reinterpret_cast<uchar const*>(unit.bytes.constData()),
-                                       static_cast<size_t>(unit.bytes.size()));
-        }
+        if (!m_sps)
+            m_sps = fx_SpsOf(bytes);
         if (!m_sets.take(bytes))
             m_withoutSets.append(key);
     }
@@ -187,8 +183,7 @@ bool CxRemuxing::isSound(int frame, QVector<SxCodedUnit> const& units)
         if (!unit.isSlice())
             continue;
         ++slices;
-        auto const slice = fx_ReadH264Slice(reinterpret_cast<uchar const*>(unit.bytes.constData()),
-                                            static_cast<size_t>(unit.bytes.size()), *m_sps);
+        auto const slice = fx_SliceOf(unit, *m_sps);
         quint32 const expected = isKey(frame) ? 0 : (m_lastFrameNum + 1) % (1U << m_sps->frameNumBits);
         isSlice = slice && slice->first_mb_in_slice == 0 && slice->frame_num == expected &&
                   slice->idr_pic_id.has_value() == isKey(frame);

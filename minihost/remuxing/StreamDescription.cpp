@@ -1,13 +1,12 @@
 #include "StreamDescription.h"
 
 #include <climits>
-#include <cstring>
 
 #include "CodedUnits.h"
+#include "Extradata.h"
 
 extern "C" {
 #include <libavcodec/bsf.h>
-#include <libavutil/mem.h>
 #include <libavutil/opt.h>
 }
 
@@ -34,24 +33,14 @@ bool fx_Set(AVBSFContext& filter, SxStreamDescription const& description)
            av_opt_set_q(options, "tick_rate", ticks, 0) >= 0;
 }
 
-bool fx_SetExtradata(AVCodecParameters& stream, QByteArray const& bytes)
-{
-    auto const size = static_cast<size_t>(bytes.size());
-    stream.extradata = static_cast<uint8_t*>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE));
-    if (!stream.extradata)
-        return false;
-    std::memcpy(stream.extradata, bytes.constData(), size);
-    stream.extradata_size = static_cast<int>(size);
-    return true;
-}
-
 } // namespace
 
-AVRational fx_Rational(SxPictureRate const& rate)
+void SxStreamDescription::takeRate(SxPictureRate const& told)
 {
-    AVRational rational = {0, 1};
-    av_reduce(&rational.num, &rational.den, rate.numerator, rate.denominator, INT_MAX);
-    return rational;
+    if (!told.isKnown())
+        return;
+    av_reduce(&rate.num, &rate.den, told.numerator, told.denominator, INT_MAX);
+    isRateAssumed = false;
 }
 
 QByteArray fx_SkippedComment(QVector<SxPictureRange> const& skipped, int count, int pictures)

@@ -10,10 +10,12 @@
 /// How the pictures of a recording are to be shown, which its stream does not say.
 struct SxStreamDescription
 {
-    AVRational rate = {kPicturesASecond, 1}; ///< pictures a second
+    AVRational rate = {kPicturesASecond, 1}; ///< pictures a second, in lowest terms
     bool isRateAssumed = true;               ///< nobody told it
     int rotation = 0;   ///< degrees clockwise by which they are to be turned: 0, 90, 180 or 270
     QByteArray comment; ///< UTF-8, for people: what a container can say otherwise nowhere; may be empty
+
+    void takeRate(SxPictureRate const& told); ///< an unknown one stays assumed
 
     // What the encoder's conversion makes of the host's pictures, whatever they are.
     static constexpr AVColorRange kRange = AVCOL_RANGE_JPEG;
@@ -21,8 +23,6 @@ struct SxStreamDescription
     static constexpr AVColorPrimaries kPrimaries = AVCOL_PRI_BT709;
     static constexpr AVColorTransferCharacteristic kTransfer = AVCOL_TRC_IEC61966_2_1; // sRGB
 };
-
-AVRational fx_Rational(SxPictureRate const& rate); ///< in lowest terms
 
 /// For a recording that lacks \p count of its source's \p pictures; empty when it lacks none.
 QByteArray fx_SkippedComment(QVector<SxPictureRange> const& skipped, int count, int pictures);
