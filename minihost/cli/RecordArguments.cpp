@@ -6,6 +6,7 @@
 
 #include "ContainerWriter.h"
 #include "ExitCode.h"
+#include "RecordingName.h"
 #include "SameFile.h"
 #include "SourceArguments.h"
 
@@ -174,7 +175,7 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
     // The last argument is going to be written: a forgotten output must not cost a picture.
     QFileInfo const output(parsed.request.outputFile);
     bool const isDevice = isStandard || (output.exists() && !output.isFile() && !output.isDir());
-    if (!isDevice && output.suffix() != QLatin1String("h264") && output.suffix() != QLatin1String("264") &&
+    if (!isDevice && !fx_IsRecordingName(parsed.request.outputFile) &&
         !fx_ContainerKindOf(parsed.request.outputFile))
         return QStringLiteral("'%1' cannot be the output: its name must end in .h264, .mp4, .mov or .mkv.")
             .arg(parsed.request.outputFile);

@@ -20,6 +20,7 @@
 #include "RecordArguments.h"
 #include "RecordReport.h"
 #include "RecordWatcher.h"
+#include "RecordingName.h"
 #include "SameFile.h"
 #include "Session.h"
 #include "Sidecar.h"
@@ -31,8 +32,8 @@ namespace {
 void fx_TakeSidecar(SxRecordArguments& arguments)
 {
     QString const framerate = QStringLiteral("framerate"); // of FFmpeg's reader of raw streams
-    if (arguments.sources.size() != 1 || !arguments.input.format.isEmpty() ||
-        arguments.input.options.contains(framerate))
+    if (arguments.sources.size() != 1 || !fx_IsRecordingName(arguments.sources.first()) ||
+        !arguments.input.format.isEmpty() || arguments.input.options.contains(framerate))
         return;
     SxFoundSidecar const found = fx_FindSidecar(arguments.sources.first());
     if (!found.warning.isEmpty())

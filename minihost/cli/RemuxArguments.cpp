@@ -1,8 +1,7 @@
 #include "RemuxArguments.h"
 
-#include <QFileInfo>
-
 #include "ContainerWriter.h"
+#include "RecordingName.h"
 
 static constexpr double kMostInMatroska = 1000; // pictures a second
 
@@ -34,9 +33,7 @@ QString fx_TakeFiles(SxRemuxArguments& parsed)
     if (files.size() > 2)
         return QStringLiteral("One recording and one output: '%1' is one too many.").arg(files[2]);
     parsed.output = files.takeLast();
-    QString const suffix = QFileInfo(parsed.output).suffix();
-    bool const isRaw = suffix == QLatin1String("h264") || suffix == QLatin1String("264");
-    if (!isRaw && !fx_ContainerKindOf(parsed.output))
+    if (!fx_IsRecordingName(parsed.output) && !fx_ContainerKindOf(parsed.output))
         return QStringLiteral("'%1' cannot be the output: its name must end in .mp4, .mov, .mkv or .h264.")
             .arg(parsed.output);
     return QString();

@@ -1,6 +1,7 @@
 #include "Sidecar.h"
 
 #include <QCryptographicHash>
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -21,8 +22,10 @@ QString const kFormatOfAnyVersion = QStringLiteral("minihost-sidecar-");
 
 QString const kBytesKey = QStringLiteral("bytes");
 QString const kHashKey = QStringLiteral("sha256OfFirst64KiB");
-QString const kInodeKey =
-    QStringLiteral("unfinishedInode"); // of a file that grows: its bytes are not known yet
+// Of a file that grows, whose bytes are not known yet. The number of one that was removed is given to the
+// next.
+QString const kInodeKey = QStringLiteral("unfinishedInode");
+QString const kBirthKey = QStringLiteral("unfinishedSince");
 
 /// What identifies a recording; empty when it cannot be read.
 QJsonObject fx_Identity(QString const& recording)
@@ -40,7 +43,11 @@ QJsonObject fx_IdentityOfUnfinished(QString const& recording)
     struct stat status = {};
     if (stat(QFile::encodeName(recording).constData(), &status) != 0)
         return {};
-    return {{kInodeKey, QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino)}};
+    QJsonObject identity{{kInodeKey, QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino)}};
+    QDateTime const birth = QFileInfo(recording).birthTime();
+    if (birth.isValid()) // not every file system keeps it
+        identity[kBirthKey] = birth.toUTC().toString(Qt::ISODateWithMs);
+    return identity;
 }
 
 bool fx_IsOf(QJsonObject const& identity, QString const& recording)

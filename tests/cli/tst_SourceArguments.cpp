@@ -32,6 +32,7 @@ private slots:
     void whatARecordingCannotSayIsTold_data();
     void whatARecordingCannotSayIsTold();
     void pictureThatSaysHowIsTurned();
+    void notesOfOtherProgramsBesideASourceAreNotRead();
     void valuesThatMakeNoSenseAreWrongUsage_data();
     void valuesThatMakeNoSenseAreWrongUsage();
     void cropBeyondThePictureRecordsNothing();
@@ -338,6 +339,15 @@ void tst_SourceArguments::pictureThatSaysHowIsTurned()
     SxMinihostRun const contained = fx_RunMinihost({"record", path("in.jpg"), path("out.mp4")});
     QVERIFY2(contained.exitCode == 0, contained.err);
     QVERIFY2(!contained.err.contains("turned"), contained.err);
+}
+
+void tst_SourceArguments::notesOfOtherProgramsBesideASourceAreNotRead()
+{
+    QVERIFY(fx_WriteFile(path("shot.pgm"), fx_QuarterFile()));
+    QVERIFY(fx_WriteFile(path("shot.pgm.json"), "{\"camera\": 3}"));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("shot.pgm"), path("shot.h264")});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(!run.err.contains("json"), run.err);
 }
 
 void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()

@@ -32,6 +32,7 @@ private slots:
     void fullDiskLeavesNothing();
     void emptyFileOfAFullDiskIsReplaced();
     void unfinishedRecordingIsKnownByItsFile();
+    void laterFileWithTheSameNumberIsAnother();
 
 private:
     static SxSidecar example();
@@ -293,6 +294,23 @@ void tst_Sidecar::unfinishedRecordingIsKnownByItsFile()
     QString const other = m_folder->filePath("other.h264");
     QVERIFY(QFile::copy(m_recording, other) && QFile::copy(sidecarName(), fx_SidecarName(other)));
     QVERIFY(!fx_FindSidecar(other).sidecar);
+}
+
+void tst_Sidecar::laterFileWithTheSameNumberIsAnother()
+{
+    if (!QFileInfo(m_recording).birthTime().isValid())
+        return; // this file system cannot tell them apart
+    QString error;
+    QVERIFY2(fx_WriteSidecar(m_recording, example(), error, false), qPrintable(error));
+    // What a file that was removed in the last second left beside the next one, which got its inode.
+    QJsonObject json = QJsonDocument::fromJson(fx_FileBytes(sidecarName())).object();
+    QJsonObject identity = json["recording"].toObject();
+    QVERIFY(identity.contains("unfinishedSince"));
+    identity["unfinishedSince"] = "2001-01-01T00:00:00.000Z";
+    edit("recording", identity);
+    SxFoundSidecar const found = fx_FindSidecar(m_recording);
+    QVERIFY(!found.sidecar);
+    QVERIFY2(found.warning.contains("describes another recording"), qPrintable(found.warning));
 }
 
 QTEST_GUILESS_MAIN(tst_Sidecar)
