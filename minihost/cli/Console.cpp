@@ -84,6 +84,11 @@ void Console::data(QString const& text)
         s_dataError = error;
 }
 
+void Console::data(QJsonDocument const& json)
+{
+    data(QString::fromUtf8(json.toJson(QJsonDocument::Indented)).trimmed());
+}
+
 QString Console::dataFailure()
 {
     return s_dataError == 0 ? QString()

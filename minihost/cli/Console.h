@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonDocument>
 #include <QString>
 
 /// The terminal, or what stands in for it: data on standard output, messages on standard error, each
@@ -16,7 +17,8 @@ void setQuiet(bool quiet); ///< leaves errors and warnings, hides everything els
 /// for one: only what this program says belongs there. Not under the sanitizers, whose reports go there.
 void hideLibraryOutput();
 
-void data(QString const& text); ///< to standard output, a newline added
+void data(QString const& text);       ///< to standard output, a newline added
+void data(QJsonDocument const& json); ///< the same, indented
 /// Why standard output did not take all that data() gave it, one sentence; empty when it did.
 QString dataFailure();
 void message(QString const& text); ///< to standard error unless quiet, a newline added

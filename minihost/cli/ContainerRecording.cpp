@@ -62,10 +62,9 @@ QString fx_ContainerObstacle(QString const& output)
 {
     if (!fx_ContainerKindOf(output))
         return QString();
-    QFileInfo const info(output);
-    if (info.exists() && !info.isFile())
-        return QStringLiteral("%1: this is no regular file, and an index can be put into no other.")
-            .arg(output);
+    QString const obstacle = fx_ObstacleToIndex(output);
+    if (!obstacle.isEmpty())
+        return obstacle;
     if (fx_IsBeingRecorded(fx_RawFileOf(output)))
         return QStringLiteral("%1: another recording is being written to it.").arg(output);
     return fx_UnfinishedText(output);

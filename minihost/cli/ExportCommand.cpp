@@ -1,4 +1,3 @@
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
 
@@ -38,13 +37,14 @@ QJsonArray fx_ExportedJson(CxRecordingReader const& recording, IxExportSink cons
     return timed;
 }
 
-QString fx_Json(CxRecordingReader const& recording, IxExportSink const& sink, CxExportFeeder const& feeder)
+QJsonObject fx_Json(CxRecordingReader const& recording, IxExportSink const& sink,
+                    CxExportFeeder const& feeder)
 {
     QJsonArray leftOut;
     for (int const frame : feeder.leftOut())
         leftOut.append(frame);
     QString const& error = feeder.error();
-    QJsonObject const json{
+    return {
         {QStringLiteral("file"), recording.fileName()},
         {QStringLiteral("fps"), recording.fps()},
         {QStringLiteral("fpsIsAssumed"), !recording.rate().isKnown()},
@@ -52,7 +52,6 @@ QString fx_Json(CxRecordingReader const& recording, IxExportSink const& sink, Cx
         {QStringLiteral("leftOut"), leftOut},
         {QStringLiteral("error"), error.isEmpty() ? QJsonValue() : QJsonValue(error)},
     };
-    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
 }
 
 int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
@@ -82,7 +81,7 @@ int fx_Export(CxRecordingReader& recording, SxExportArguments const& arguments)
     if (outcome == ExportOutcome::ReaderGone)
         return kDone; // "| head" has seen enough
     if (arguments.common.run.json)
-        Console::data(fx_Json(recording, *sink, feeder));
+        Console::data(QJsonDocument(fx_Json(recording, *sink, feeder)));
     if (outcome == ExportOutcome::Interrupted)
         return fx_Interrupted(feeder.error());
     if (outcome != ExportOutcome::Done)

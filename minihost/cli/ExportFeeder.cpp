@@ -76,12 +76,9 @@ ExportOutcome CxExportFeeder::feedAhead(QVector<int> const& frames, int place)
         return write(frames[place], next.made, next.size, m_picture ? m_picture->picBuf() : nullptr);
     }
     m_ahead.reset();
-    std::unique_ptr<CxImageData> before;
-    for (int again = 0; again < place && !stop.load(); ++again) {
-        QString cause;
-        std::unique_ptr<CxImageData> picture = m_recording.picture(frames[again], cause);
-        before = std::move(picture);
-    }
+    QString cause; // is told already
+    for (int again = 0; again < place && !stop.load(); ++again)
+        m_recording.picture(frames[again], cause);
     return stop.load() ? ExportOutcome::Interrupted : decodeOne(frames[place]);
 }
 

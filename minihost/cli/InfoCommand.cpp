@@ -1,6 +1,5 @@
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
 
@@ -204,7 +203,7 @@ QJsonValue fx_SidecarJson(std::optional<SxSidecar> const& sidecar)
     };
 }
 
-QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info, bool withFrames)
+QJsonObject fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info, bool withFrames)
 {
     QJsonObject json = fx_KindJson(recording.fileName(), info.kind);
     QJsonObject const own{
@@ -231,7 +230,7 @@ QString fx_Json(CxRecordingReader const& recording, SxRecordingInfo const& info,
             frames.append(fx_FrameJson(recording, number));
         json[QStringLiteral("frameList")] = frames;
     }
-    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
+    return json;
 }
 
 int fx_Tell(CxRecordingReader& recording, SxStreamKind const& kind, bool asJson, bool withFrames)
@@ -240,7 +239,7 @@ int fx_Tell(CxRecordingReader& recording, SxStreamKind const& kind, bool asJson,
     info.kind = kind;
     fx_ReadIndex(recording, info);
     if (asJson)
-        Console::data(fx_Json(recording, info, withFrames));
+        Console::data(QJsonDocument(fx_Json(recording, info, withFrames)));
     else
         Console::data(fx_Text(recording, info) + fx_UnfinishedLine(recording.fileName()) +
                       (withFrames ? fx_FrameLines(recording) : QString()));
@@ -259,7 +258,7 @@ int fx_TellForeign(QString const& fileName, SxStreamKind const& kind, bool asJso
         json[QStringLiteral("pictures")] = pictures;
         json[QStringLiteral("bytes")] = bytes;
         json[QStringLiteral("toRecord")] = command;
-        Console::data(QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed());
+        Console::data(QJsonDocument(json));
         return kDone;
     }
     Console::data(QStringList{

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <cmath>
 
+#include "PictureChanges.h"
 #include "RecordingReader.h"
 #include "ShellWord.h"
 #include "StreamKind.h"
@@ -54,11 +55,8 @@ QString fx_Ffplay(SxMisreading const& misreading, QString const& file)
     QStringList filters;
     if (misreading.areColoursWrong)
         filters += QStringLiteral("setparams=range=pc:colorspace=smpte170m");
-    if (misreading.rotation == 180)
-        filters += QStringLiteral("hflip,vflip");
-    else if (misreading.rotation != 0)
-        filters += misreading.rotation == 90 ? QStringLiteral("transpose=clock")
-                                             : QStringLiteral("transpose=cclock");
+    if (misreading.rotation != 0)
+        filters += QString::fromLatin1(fx_TurnFilter(misreading.rotation));
     QStringList words{QStringLiteral("ffplay")};
     if (misreading.isRateWrong)
         words += QStringLiteral("-framerate %1").arg(misreading.rate.exact());

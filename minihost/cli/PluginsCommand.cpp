@@ -1,5 +1,4 @@
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QMetaClassInfo>
 #include <QPluginLoader>
@@ -156,7 +155,7 @@ int fx_Tell(QStringList const& files, bool asJson, bool withLicence)
     }
     QJsonObject const json{{QStringLiteral("plugins"), plugins}, {QStringLiteral("failures"), failures}};
     if (asJson)
-        Console::data(QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed());
+        Console::data(QJsonDocument(json));
     else if (!texts.isEmpty())
         Console::data(texts.join(QStringLiteral("\n\n")));
     for (QString const& error : errors)

@@ -269,7 +269,7 @@ int fx_RecordAndReport(SxRecordArguments arguments)
         Console::warning(warnings.last());
     }
     if (arguments.run.json)
-        Console::data(fx_RecordSummaryJson(arguments.request, summary, warnings));
+        Console::data(QJsonDocument(fx_RecordSummaryJson(arguments.request, summary, warnings)));
     if (isInterrupted)
         return fx_Interrupted(summary.error);
     if (!summary.error.isEmpty())

@@ -1,8 +1,6 @@
 #include "RecordReport.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include "PictureRanges.h"
 #include "PictureRate.h"
@@ -81,8 +79,8 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
     return lines.join(QLatin1Char('\n'));
 }
 
-QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
-                             QStringList const& warnings)
+QJsonObject fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
+                                 QStringList const& warnings)
 {
     QJsonArray skipped;
     for (int const number : summary.skipped)
@@ -121,7 +119,7 @@ QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary con
         json[QStringLiteral("width")] = static_cast<int>(summary.savedWidth);
         json[QStringLiteral("height")] = static_cast<int>(summary.savedHeight);
     }
-    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
+    return json;
 }
 
 bool fx_IsInterrupted(SxRecordSummary const& summary)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -10,9 +11,9 @@ class CxQualityTrial;
 /// The summary for people, several lines without a newline at the end.
 QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary const& summary);
 
-/// The summary for programs, one JSON object.
-QString fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
-                             QStringList const& warnings);
+/// The summary for programs.
+QJsonObject fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
+                                 QStringList const& warnings);
 
 /// True when a recording without an error is no success: it was stopped before all was recorded that was
 /// asked for, or before anything was.

@@ -22,14 +22,10 @@ QString fx_OutputObstacle(SxRemuxArguments const& arguments)
     request.recording = arguments.common.file();
     request.overwrite = arguments.overwrite;
     QString obstacle = fx_Obstacle(arguments.output, request);
-    QFileInfo const output(arguments.output);
     QString const& input = arguments.common.file();
     if (obstacle.isEmpty() && arguments.removesInput && fx_IsBeingRecorded(input))
         return QStringLiteral("%1: a recording is being written to it, so it cannot be removed.").arg(input);
-    if (obstacle.isEmpty() && output.exists() && !output.isFile())
-        return QStringLiteral("%1: this is no regular file, and an index can be put into no other.")
-            .arg(arguments.output);
-    return obstacle;
+    return obstacle.isEmpty() ? fx_ObstacleToIndex(arguments.output) : obstacle;
 }
 
 /// What the user says of the recording, or else what stands beside it or in it.
@@ -163,7 +159,7 @@ int fx_Remux(CxRecordingReader& recording, SxRemuxArguments const& arguments)
         Console::message(fx_RemuxText(request, summary));
     }
     if (arguments.common.run.json)
-        Console::data(fx_RemuxJson(recording.fileName(), request, summary));
+        Console::data(QJsonDocument(fx_RemuxJson(recording.fileName(), request, summary)));
     if (summary.failure == RemuxFailure::Interrupted)
         return fx_Interrupted(summary.error);
     if (!summary.error.isEmpty())

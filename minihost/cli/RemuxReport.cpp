@@ -1,8 +1,6 @@
 #include "RemuxReport.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include "PictureRanges.h"
 #include "Readable.h"
@@ -65,13 +63,14 @@ QString fx_RotationWarning(SxRemuxRequest const& request, SxRemuxSummary const& 
                .arg(request.description.rotation);
 }
 
-QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary)
+QJsonObject fx_RemuxJson(QString const& recording, SxRemuxRequest const& request,
+                         SxRemuxSummary const& summary)
 {
     QJsonArray damaged;
     for (int const frame : summary.damaged)
         damaged.append(frame);
     AVRational const rate = request.description.rate;
-    QJsonObject const json{
+    return {
         {QStringLiteral("file"), recording},
         {QStringLiteral("output"), request.output},
         {QStringLiteral("pictures"), summary.pictures},
@@ -91,5 +90,4 @@ QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, Sx
         {QStringLiteral("damagedFrames"), damaged},
         {QStringLiteral("error"), summary.error.isEmpty() ? QJsonValue() : QJsonValue(summary.error)},
     };
-    return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Indented)).trimmed();
 }

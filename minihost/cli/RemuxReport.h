@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -15,4 +16,5 @@ QStringList fx_RemuxWarnings(QString const& recording, SxRemuxSummary const& sum
 QString fx_RotationWarning(SxRemuxRequest const& request, SxRemuxSummary const& summary);
 
 /// What was handed on for programs, one JSON object.
-QString fx_RemuxJson(QString const& recording, SxRemuxRequest const& request, SxRemuxSummary const& summary);
+QJsonObject fx_RemuxJson(QString const& recording, SxRemuxRequest const& request,
+                         SxRemuxSummary const& summary);

@@ -2,8 +2,6 @@
 
 #include <QRegularExpression>
 
-static constexpr int kSmallestSide = 16; // one macroblock; what the encoder takes
-
 QVector<SxOption> fx_PartOptions()
 {
     return {

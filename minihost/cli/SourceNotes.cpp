@@ -54,8 +54,7 @@ static QString fx_RotationNote(int rotation, RateKeeper keeper)
 
 static QString fx_RateNote(SxPictureRate const& rate, RateKeeper keeper)
 {
-    if (keeper != RateKeeper::Nobody || !rate.isKnown() ||
-        std::abs(rate.perSecond() - kPicturesASecond) < 0.001)
+    if (keeper != RateKeeper::Nobody || rate.isAsAssumed())
         return QString();
     return QStringLiteral("The source has %1 pictures a second, and nothing will say so: players show a "
                           "recording's at %2 "

@@ -1,5 +1,4 @@
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <algorithm>
 
 #include "Commands.h"
@@ -78,9 +77,8 @@ int fx_Verify(SxPlayArguments const& arguments, bool stopsAtFirst, int jobs)
             break; // the next file would fare no better
     }
     if (arguments.run.json) {
-        QJsonDocument const document =
-            arguments.files.size() == 1 ? QJsonDocument(json.first().toObject()) : QJsonDocument(json);
-        Console::data(QString::fromUtf8(document.toJson(QJsonDocument::Indented)).trimmed());
+        Console::data(arguments.files.size() == 1 ? QJsonDocument(json.first().toObject())
+                                                  : QJsonDocument(json));
     }
     return code;
 }

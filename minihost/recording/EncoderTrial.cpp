@@ -7,9 +7,8 @@
 #include "CxPicBufAPI.h"
 #include "CxVideoCodecManager.h"
 #include "IxVideoEncoder.h"
+#include "PictureChanges.h"
 #include "PictureFormat.h"
-
-static constexpr quint32 kSmallestSide = 16; // one macroblock
 
 bool fx_EncoderTakes(SxPicBuf const& picture)
 {
@@ -47,10 +46,14 @@ SxPicBufInfo fx_SavedFormat(SxPicBufInfo const& input, SxEncoderOptions const& o
 
 QString fx_ObstacleToEncoding(SxPicBufInfo const& input, SxPicBufInfo const& saved)
 {
-    if (saved.width >= kSmallestSide && saved.height >= kSmallestSide)
+    auto const isTaken = [](SxPicBufInfo const& info) {
+        constexpr quint32 least = kSmallestSide;
+        return info.width >= least && info.height >= least;
+    };
+    if (isTaken(saved))
         return QString();
-    // What the user cannot see: the level leaves less than the picture has.
-    bool const isShrunk = input.width >= kSmallestSide && input.height >= kSmallestSide;
+    bool const isShrunk =
+        isTaken(input); // what the user cannot see: the level leaves less than the picture has
     return QStringLiteral("Pictures of %1 x %2 %3: the encoder takes 16 x 16 and more.")
         .arg(input.width)
         .arg(input.height)

@@ -110,12 +110,11 @@ SxRecordSummary CxKeepAll::attempt(QString const& fileName, RecordProgress const
     m_source = m_make();
     SxRecordRequest request = m_request;
     request.outputFile = fileName;
-    SxRecordSummary summary = fx_RecordWithFacts(*m_source, request, [&](SxRecordSummary const& soFar) {
+    return fx_RecordWithFacts(*m_source, request, [&](SxRecordSummary const& soFar) {
         // Lists name files that only show once they are open.
         m_isRead = m_isRead || (soFar.given == 1 && fx_IsReadHere(m_target));
         progress(soFar);
     });
-    return summary;
 }
 
 /// The options for the next attempt: the first of the stages at whose highest quality the part that lost most

@@ -1,7 +1,6 @@
 #include "NotedRecording.h"
 
 #include <QFileInfo>
-#include <cmath>
 
 #include "IxPictureSource.h"
 #include "SameFile.h"
@@ -10,9 +9,7 @@
 /// True when a player that assumes what everybody does shows the recording as it was.
 static bool fx_IsAsAssumed(SxRecordSummary const& summary)
 {
-    bool const isRateAssumed =
-        !summary.rate.isKnown() || std::abs(summary.rate.perSecond() - kPicturesASecond) < 0.001;
-    return isRateAssumed && summary.rotation == 0 && summary.skipped.isEmpty();
+    return summary.rate.isAsAssumed() && summary.rotation == 0 && summary.skipped.isEmpty();
 }
 
 static SxSidecar fx_SidecarOf(SxRecordRequest const& request, SxRecordSummary const& summary)

@@ -74,6 +74,15 @@ std::optional<ContainerKind> fx_ContainerKindOf(QString const& fileName)
     return std::nullopt;
 }
 
+QString fx_ObstacleToIndex(QString const& fileName)
+{
+    QFileInfo const info(fileName);
+    if (!info.exists() || info.isFile())
+        return QString();
+    return QStringLiteral("%1: this is no regular file, and an index can be put into no other.")
+        .arg(fileName);
+}
+
 CxContainerWriter::CxContainerWriter(QString const& fileName, std::atomic<bool> const* stop)
     : m_fileName(fileName)
     , m_stop(stop)

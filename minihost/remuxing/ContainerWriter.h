@@ -15,6 +15,9 @@ enum class ContainerKind { Mp4, Mov, Matroska };
 /// The one that a file name's end stands for, as "out.mp4"; nothing for others.
 std::optional<ContainerKind> fx_ContainerKindOf(QString const& fileName);
 
+/// Why nothing can be remuxed to what stands under a name, one sentence; empty when it can.
+QString fx_ObstacleToIndex(QString const& fileName);
+
 /// What a container says of its one track.
 struct SxTrack
 {

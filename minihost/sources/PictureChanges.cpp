@@ -1,8 +1,6 @@
 #include "PictureChanges.h"
 
-static constexpr int kSmallestSide = 16; // one macroblock: what is smaller is refused as it is
-
-static QByteArray fx_TurnFilter(int rotation)
+QByteArray fx_TurnFilter(int rotation)
 {
     switch (rotation) {
     case 90:
@@ -65,6 +63,7 @@ SxChangePlan fx_PlanChanges(SxPictureChanges const& changes, QSize stored, int o
                   changes.scale);
     plan.whole = plan.size;
     QSize const even(plan.size.width() & ~1, plan.size.height() & ~1);
+    // What is smaller is refused as it is.
     bool const isLargeEnough = even.width() >= kSmallestSide && even.height() >= kSmallestSide;
     if (changes.isEven && even != plan.size && isLargeEnough)
         fx_Append(plan, fx_CropFilter(QRect(QPoint(0, 0), even)), even);

@@ -5,6 +5,8 @@
 #include <QSize>
 #include <QString>
 
+constexpr int kSmallestSide = 16; ///< of pictures that the encoder takes: one macroblock
+
 /// What is done to every picture of a source, in this order.
 struct SxPictureChanges
 {
@@ -24,6 +26,9 @@ struct SxChangePlan
     QSize whole;           ///< the same before an odd last column and row were left out
     QString obstacle;      ///< why not, the end of a sentence
 };
+
+/// FFmpeg's filters that turn pictures by 0, 90, 180 or 270 degrees clockwise; empty for 0.
+QByteArray fx_TurnFilter(int rotation);
 
 /// \param stored  size of the picture as it comes.
 /// \param ownRotation  what the source says of it, degrees clockwise; any multiple of 90.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cmath>
 #include <optional>
 
 /// Pictures a second of everything that carries no rate of its own: the encoder counts on it, players assume
@@ -17,6 +18,8 @@ struct SxPictureRate
 
     bool isKnown() const { return numerator > 0; }
     double perSecond() const { return static_cast<double>(numerator) / denominator; }
+    /// Whether players that assume a rate show it at the right speed.
+    bool isAsAssumed() const { return std::abs(orAssumed() - kPicturesASecond) < 0.001; }
     double orAssumed() const { return isKnown() ? perSecond() : kPicturesASecond; }
 
     QString text() const;      ///< for people, "29.97"
