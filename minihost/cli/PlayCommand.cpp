@@ -20,7 +20,8 @@ bool fx_ParseSeveralPlayArguments(QCommandLineParser& parser, QStringList const&
         return true;
     parsed.files = parser.positionalArguments();
     if (parsed.files.isEmpty() || parsed.files.contains(QString())) {
-        error = QStringLiteral("No recording is given.");
+        error = parsed.files.isEmpty() ? QStringLiteral("No recording is given.")
+                                       : QStringLiteral("A file has no name.");
         return false;
     }
     return true;

@@ -214,6 +214,9 @@ SxRecordSummary fx_RecordEvery(SxRecordArguments& arguments, QStringList& warnin
     std::optional<CxRecordWatcher> watcher;
     for (QString const& warning : arguments.warnings)
         Console::warning(warning);
+    for (QString const& left : keeper.leftAttempts())
+        Console::message(left + QStringLiteral(": left by a recording with --keep-all that was killed; "
+                                               "nothing needs it any more."));
     SxRecordSummary summary = keeper.run([&](SxRecordSummary const& soFar) {
         if (soFar.given == 1) {
             auto const tells = watcher ? CxRecordWatcher::Tells::News : CxRecordWatcher::Tells::NoSkips;

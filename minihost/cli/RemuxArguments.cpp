@@ -55,8 +55,13 @@ bool fx_ParseRemuxArguments(QStringList const& arguments, SxRemuxArguments& pars
         error = QStringLiteral("--fps takes pictures a second up to 100000, as 25, 12.5 (at most three "
                                "decimals) or 30000/1001, not '%1'.")
                     .arg(parser.value(fps));
-    if (error.isEmpty() && parser.isSet(QStringLiteral("frames")))
-        parsed.frames = CxFrameSelection::parse(parser.value(QStringLiteral("frames")), error);
+    QString const frames = QStringLiteral("frames");
+    if (error.isEmpty() && parser.isSet(frames)) {
+        parsed.frames = CxFrameSelection::parse(parser.value(frames), error);
+        if (!parsed.frames)
+            error = QStringLiteral("--frames takes one range here, as 100-250 or 100-, not '%1'.")
+                        .arg(parser.value(frames));
+    }
     if (error.isEmpty())
         error = fx_TakeFiles(parsed);
     if (error.isEmpty() && parsed.rate && parsed.rate->perSecond() > kMostInMatroska &&

@@ -1,5 +1,6 @@
 #include "KeepAll.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
@@ -61,12 +62,14 @@ QVector<SxEncoderOptions> fx_Stages(SxEncoderOptions const& asked, SxKeepAllCons
     return stages;
 }
 
+QString const kAttempt = QStringLiteral(".attempt"); // and a number, behind the name of the output
+
 /// A name beside \p target that is not taken.
 QString fx_NameBeside(QString const& target)
 {
     QString name;
     for (int number = 1; name.isEmpty() || QFile::exists(name); ++number)
-        name = target + QStringLiteral(".attempt%1").arg(number);
+        name = target + kAttempt + QString::number(number);
     return name;
 }
 
@@ -82,6 +85,20 @@ QString fx_ChangedOptions(SxEncoderOptions const& from, SxEncoderOptions const& 
     if (to.keyFrameInterval != from.keyFrameInterval)
         changed += QStringLiteral("--keyframe-rate %1").arg(to.keyFrameInterval);
     return changed.join(QLatin1Char(' '));
+}
+
+QStringList CxKeepAll::leftAttempts() const
+{
+    QFileInfo const target(m_target);
+    QStringList left;
+    for (QString const& name : target.dir().entryList(QDir::Files)) {
+        bool isNumber = false;
+        QString const begin = target.fileName() + kAttempt;
+        name.mid(begin.size()).toInt(&isNumber);
+        if (name.startsWith(begin) && isNumber)
+            left.append(target.dir().filePath(name));
+    }
+    return left;
 }
 
 SxEncoderOptions fx_MostKeeping(SxEncoderOptions options, SxKeepAllConsent const& consent)

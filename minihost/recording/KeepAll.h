@@ -32,6 +32,9 @@ public:
     /// \param progress  called after every picture of every attempt
     SxRecordSummary run(RecordProgress const& progress);
 
+    /// Files of earlier attempts beside the output, which were killed: nothing needs them.
+    QStringList leftAttempts() const;
+
     SxRecordRequest const& request() const { return m_request; } ///< with the options of the last attempt
     int attempts() const { return m_attempts; }
 

@@ -773,8 +773,9 @@ void tst_RemuxCommand::wrongUsageIsExplained_data()
     QTest::newRow("no rate at all") << QStringList{"in.h264", "o.mp4", "--fps", "0"} << "--fps takes";
     QTest::newRow("name of a rate") << QStringList{"in.h264", "o.mp4", "--fps", "ntsc"} << "--fps takes";
     QTest::newRow("too fast") << QStringList{"in.h264", "o.mp4", "--fps", "100001"} << "--fps takes";
-    QTest::newRow("frames that are none")
-        << QStringList{"in.h264", "o.mp4", "--frames", "some"} << "--frames takes numbers";
+    QTest::newRow("frames that are none") << QStringList{"in.h264", "o.mp4", "--frames", "some"}
+                                          << "--frames takes one range here, as 100-250 or 100-, not 'some'.";
+    QTest::newRow("output without a name") << QStringList{"in.h264", ""} << "A file has no name.";
     QTest::newRow("part of what is removed")
         << QStringList{"in.h264", "o.mp4", "--frames", "0-9", "--remove-input"}
         << "--remove-input is for whole recordings, so --frames has no place.";

@@ -411,6 +411,13 @@ void tst_SourceArguments::helpShowsEveryOptionWithAnExample()
     for (char const* text : {"--rotate R", "auto", "--crop WxH+X+Y", "640x480+0+120", "--scale WxH",
                              "1280x720", "--start T", "1:02.5", "500ms", "100f", "--duration T", "300f"})
         QVERIFY2(run.out.contains(text), text);
+    QByteArray const examples = run.out.left(run.out.indexOf("Usage:"));
+    for (char const* option :
+         {"--size",         "--format",     "--seed",          "--frames",     "--bits",    "--input-format",
+          "--input-option", "--quality",    "--keyframe-rate", "--complexity", "--profile", "--level",
+          "--keep-all",     "--may-change", "--rotate",        "--crop",       "--scale",   "--start",
+          "--duration",     "--overwrite",  "--strict",        "--no-sidecar", "--json",    "-q"})
+        QVERIFY2(examples.contains(QByteArray(" ") + option + ' '), option);
 }
 
 QTEST_GUILESS_MAIN(tst_SourceArguments)

@@ -22,6 +22,7 @@ private slots:
     void wholeRecordingReplacesTheOld();
     void sourceThatComesOnlyOnceHasTheHighestQualityAndExitCodeThree();
     void containerHoldsEveryPicture();
+    void attemptThatWasKilledIsNamed();
     void damagedSourceKeepsWhatCouldBeRead();
     void consentWithoutItsOptionIsWrongUsage_data();
     void consentWithoutItsOptionIsWrongUsage();
@@ -187,6 +188,20 @@ void tst_KeepAll::containerHoldsEveryPicture()
                  .value("given")
                  .toInt(),
              40);
+}
+
+void tst_KeepAll::attemptThatWasKilledIsNamed()
+{
+    QVERIFY(fx_WriteFile(path("out.h264.attempt1"), "left"));
+    QVERIFY(fx_WriteFile(path("out.h264.attempt-notes"), "mine"));
+    SxMinihostRun const run = record("noisy.y4m", {"--quality", "1"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QVERIFY2(
+        run.err.contains("out.h264.attempt1: left by a recording with --keep-all that was killed; nothing "
+                         "needs it any more.\n"),
+        run.err);
+    QVERIFY2(!run.err.contains("notes"), run.err);
+    QCOMPARE(fx_FileBytes(path("out.h264.attempt1")), QByteArray("left")); // whose it is, a person says
 }
 
 void tst_KeepAll::damagedSourceKeepsWhatCouldBeRead()
