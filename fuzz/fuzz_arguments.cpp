@@ -10,6 +10,7 @@
 #include "FuzzInput.h"
 #include "NumberedFileName.h"
 #include "RecordArguments.h"
+#include "RemuxArguments.h"
 
 static constexpr int kMostFrames = 200; // of the recording
 
@@ -45,7 +46,7 @@ static void fx_CheckFileName(QString const& pattern, int frame)
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     CxFuzzInput input(data, size);
-    std::uint8_t const kind = input.byte() % 4;
+    std::uint8_t const kind = input.byte() % 5;
     int const number = 1 + static_cast<int>(input.below(kMostFrames));
     QString const text =
         QString::fromUtf8(reinterpret_cast<char const*>(input.data()), static_cast<int>(input.left()));
@@ -53,6 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     QString error;
     SxRecordArguments record;
     SxExportArguments exported;
+    SxRemuxArguments remuxed;
     switch (kind) {
     case 0:
         fx_CheckFrames(text, number);
@@ -62,6 +64,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         break;
     case 2:
         TARN_EXPECT(fx_ParseRecordArguments(line, record, error) == error.isEmpty());
+        break;
+    case 3:
+        TARN_EXPECT(fx_ParseRemuxArguments(line, remuxed, error) == error.isEmpty());
         break;
     default:
         TARN_EXPECT(fx_ParseExportArguments(line, exported, error) == error.isEmpty());

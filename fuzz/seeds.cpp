@@ -49,6 +49,7 @@ static void fx_WriteStreams()
         QByteArray const stream =
             fx_CodeStream(8, 48, 32, {{"h264_profile_idc", profile}, {"h264_keyframerate", 4}}).bytes();
         fx_Write(QStringLiteral("annexb"), name, stream);
+        fx_Write(QStringLiteral("remuxing"), name, stream.left(stream.size() / 3));
         QByteArray const none(1, '\0');
         fx_Write(QStringLiteral("decoder"), name, none + none + stream);
         // Pictures of the caller's and back and forth; an accessor that lies now and then.
@@ -122,10 +123,20 @@ static void fx_WriteLines()
           "--quality\n8\n--keyframe-rate=5\n--level\n3.1\n--profile\nhigh\n--size\n64x48\n--"
           "frames\n9\ncamera:\nout.h264");
     write("record-files", 2, "--bits\n12\n--input-option\nvideo_size=64x48\n--json\na.png\n-\nout.h264");
-    write("export", 3, "in.h264\n--frames\n0-9:3\n-o\nframe_%05d.png\n--overwrite");
-    write("export-sheet", 3, "in.h264\n--frames=all\n--sheet\n4\n--output\nsheet.png");
-    write("export-hash", 3, "in.h264\n--frames\nkey\n--hash\nmd5\n--json");
-    write("export-stream", 3, "in.h264\n--frames\n9-0\n--stream\nbgr24\n-o\n-");
+    write("export", 4, "in.h264\n--frames\n0-9:3\n-o\nframe_%05d.png\n--overwrite");
+    write("export-sheet", 4, "in.h264\n--frames=all\n--sheet\n4\n--output\nsheet.png");
+    write("export-hash", 4, "in.h264\n--frames\nkey\n--hash\nmd5\n--json");
+    write("remux", 3, "--fps\n30000/1001\n--frames\n100-250\n--exact\nin.h264\nout.mkv");
+    write("export-stream", 4, "in.h264\n--frames\n9-0\n--stream\nbgr24\n-o\n-");
+}
+
+static void fx_WriteNotes()
+{
+    fx_Write(QStringLiteral("sidecar"), QStringLiteral("all"),
+             R"(, "rate": "30000/1001", "rateIsAverage": true, "rotation": 90, "source": "clip.mp4", )"
+             R"("options": {"quality": 5}, "pictures": 20, "skippedCount": 4, "skipped": "3-5, 7", )"
+             R"("program": "minihost 1"})");
+    fx_Write(QStringLiteral("sidecar"), QStringLiteral("foreign"), R"({"format": "none", "recording": []})");
 }
 
 int main(int argc, char** argv)
@@ -140,6 +151,7 @@ int main(int argc, char** argv)
     fx_WriteSizeChanges();
     fx_WriteRecords();
     fx_WriteLines();
+    fx_WriteNotes();
     if (!s_isWritten)
         std::printf("The seeds cannot be written to '%s'.\n", argv[1]); // standard error is OpenH264's
     return s_isWritten ? 0 : 1;
