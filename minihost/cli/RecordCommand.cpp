@@ -24,6 +24,7 @@
 #include "SameFile.h"
 #include "Session.h"
 #include "Sidecar.h"
+#include "SourceAhead.h"
 #include "SourceFiles.h"
 
 namespace {
@@ -124,17 +125,36 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     return QString();
 }
 
-std::unique_ptr<CxFilteredSource> fx_MakeSource(SxRecordArguments const& arguments)
+std::unique_ptr<IxPictureSource> fx_MakeReader(SxRecordArguments const& arguments,
+                                               std::atomic<bool> const* stop)
 {
     std::unique_ptr<IxPictureSource> source;
     if (arguments.isCamera)
         source = std::make_unique<CxTestCamera>(arguments.camera);
     else
-        source = std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, arguments.request.stop,
-                                                  arguments.input);
+        source = std::make_unique<CxFFmpegSource>(arguments.sources, arguments.bits, stop, arguments.input);
     if (arguments.part.start || arguments.part.duration)
-        source = std::make_unique<CxPartOfSource>(std::move(source), arguments.part, arguments.request.stop);
-    return std::make_unique<CxFilteredSource>(std::move(source), arguments.changes);
+        source = std::make_unique<CxPartOfSource>(std::move(source), arguments.part, stop);
+    return source;
+}
+
+/// Reads in one thread, changes the pictures in another where that is work, and leaves this one to the
+/// encoder.
+std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& arguments)
+{
+    SxPictureChanges const& changes = arguments.changes;
+    auto const read = [&arguments](std::atomic<bool> const* stop) { return fx_MakeReader(arguments, stop); };
+    bool const isWork =
+        changes.rotation != 0 || changes.turnsItself || !changes.crop.isNull() || !changes.scale.isEmpty();
+    auto const change = [&](std::atomic<bool> const* stop) {
+        std::unique_ptr<IxPictureSource> source;
+        if (isWork)
+            source = std::make_unique<CxSourceAhead>(read, stop);
+        else
+            source = read(stop);
+        return std::make_unique<CxFilteredSource>(std::move(source), changes);
+    };
+    return std::make_unique<CxSourceAhead>(change, arguments.request.stop);
 }
 
 /// What is wrong with --scale for the encoder, one sentence; empty when nothing is. Needs the plug-in.
@@ -183,7 +203,7 @@ ExitCode fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& 
 /// Records once, and tries what would have kept skipped pictures.
 SxRecordSummary fx_RecordOnce(SxRecordArguments const& arguments, QStringList& warnings)
 {
-    std::unique_ptr<CxFilteredSource> const source = fx_MakeSource(arguments);
+    std::unique_ptr<IxPictureSource> const source = fx_MakeSource(arguments);
     CxRecordWatcher watcher(*source, arguments.request);
     for (QString const& warning : arguments.warnings)
         watcher.warn(warning);
@@ -203,7 +223,7 @@ SxRecordSummary fx_RecordOnce(SxRecordArguments const& arguments, QStringList& w
 /// Records until nothing is skipped; the arguments' encoder options are then those with which that was so.
 SxRecordSummary fx_RecordEvery(SxRecordArguments& arguments, QStringList& warnings)
 {
-    CxFilteredSource* source = nullptr;
+    IxPictureSource* source = nullptr;
     auto const make = [&] {
         auto made = fx_MakeSource(arguments);
         source = made.get();

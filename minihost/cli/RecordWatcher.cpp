@@ -5,6 +5,7 @@
 #include "Console.h"
 #include "ContainerWriter.h"
 #include "EncoderOptions.h"
+#include "IxPictureSource.h"
 #include "QualityTrial.h"
 #include "RecordReport.h"
 #include "SourceNotes.h"
@@ -12,7 +13,7 @@
 static constexpr int kProfileExtended = 88;          // profile_idc (ITU-T H.264, A.2.3)
 static constexpr int kPicturesBeforeBitsAdvice = 30; // enough to have seen something bright
 
-CxRecordWatcher::CxRecordWatcher(CxFilteredSource& source, SxRecordRequest const& request, Tells tells,
+CxRecordWatcher::CxRecordWatcher(IxPictureSource& source, SxRecordRequest const& request, Tells tells,
                                  QStringList const& told)
     : m_source(source)
     , m_request(request)
@@ -87,7 +88,8 @@ void CxRecordWatcher::onFirstPicture(SxRecordSummary const& summary)
     RateKeeper const keeper = fx_ContainerKindOf(m_request.outputFile) ? RateKeeper::Container
                               : hasSidecar                             ? RateKeeper::Sidecar
                                                                        : RateKeeper::Nobody;
-    for (QString const& note : fx_SourceNotes(m_source, keeper))
+    QSize const size(static_cast<int>(summary.input.width), static_cast<int>(summary.input.height));
+    for (QString const& note : fx_SourceNotes(m_source, size, keeper))
         Console::message(note);
     tellAboutScaling(summary);
 }

@@ -2,11 +2,11 @@
 
 #include <QStringList>
 
-#include "FilteredSource.h"
 #include "ProgressLine.h"
 #include "Recorder.h"
 
 class CxQualityTrial;
+class IxPictureSource;
 
 /// What the user reads while a recording runs.
 class CxRecordWatcher
@@ -20,7 +20,7 @@ public:
     };
 
     /// \param told  warnings of attempts before, which are not repeated
-    CxRecordWatcher(CxFilteredSource& source, SxRecordRequest const& request, Tells tells = Tells::All,
+    CxRecordWatcher(IxPictureSource& source, SxRecordRequest const& request, Tells tells = Tells::All,
                     QStringList const& told = {});
 
     void onPicture(SxRecordSummary const& summary);
@@ -37,7 +37,7 @@ private:
     void onFirstPicture(SxRecordSummary const& summary);
     void tellAboutScaling(SxRecordSummary const& summary);
 
-    CxFilteredSource& m_source;
+    IxPictureSource& m_source;
     SxRecordRequest const& m_request;
     Tells m_tells;
     CxProgressLine m_line;

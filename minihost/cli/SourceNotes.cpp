@@ -2,25 +2,25 @@
 
 #include <cmath>
 
-#include "FilteredSource.h"
+#include "IxPictureSource.h"
 
-static QString fx_OddSidesNote(SxChangePlan const& plan)
+static QString fx_OddSidesNote(QSize whole, QSize size)
 {
     QStringList lost;
-    if (plan.size.width() != plan.whole.width())
+    if (size.width() != whole.width())
         lost += QStringLiteral("column");
-    if (plan.size.height() != plan.whole.height())
+    if (size.height() != whole.height())
         lost += QStringLiteral("row");
-    if (lost.isEmpty())
+    if (lost.isEmpty() || whole.isEmpty())
         return QString();
     return QStringLiteral(
                "A recording's sides are even: without their last %1 the pictures of %2 x %3 become %4 x %5 "
                "(--scale %4x%5 would resample them).")
         .arg(lost.join(QStringLiteral(" and ")))
-        .arg(plan.whole.width())
-        .arg(plan.whole.height())
-        .arg(plan.size.width())
-        .arg(plan.size.height());
+        .arg(whole.width())
+        .arg(whole.height())
+        .arg(size.width())
+        .arg(size.height());
 }
 
 static QString fx_PixelNote(SxPixelShape const& shape, QSize size)
@@ -63,10 +63,9 @@ static QString fx_RateNote(SxPictureRate const& rate, RateKeeper keeper)
         .arg(kPicturesASecond);
 }
 
-QStringList fx_SourceNotes(CxFilteredSource const& source, RateKeeper keeper)
+QStringList fx_SourceNotes(IxPictureSource const& source, QSize size, RateKeeper keeper)
 {
-    QStringList notes{fx_OddSidesNote(source.lastPlan()),
-                      fx_PixelNote(source.pixelShape(), source.lastPlan().size),
+    QStringList notes{fx_OddSidesNote(source.wholeSize(), size), fx_PixelNote(source.pixelShape(), size),
                       fx_RotationNote(source.rotation(), keeper), fx_RateNote(source.rate(), keeper)};
     notes.removeAll(QString());
     return notes;

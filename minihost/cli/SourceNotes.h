@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QSize>
 #include <QStringList>
 
-class CxFilteredSource;
+class IxPictureSource;
 
 /// What keeps the rate and the rotation of a source for those who show the recording.
 enum class RateKeeper {
@@ -11,5 +12,6 @@ enum class RateKeeper {
     Container,
 };
 
-/// What is said about the first picture's source that a recording cannot hold as it is, in sentences.
-QStringList fx_SourceNotes(CxFilteredSource const& source, RateKeeper keeper);
+/// What is said about a source that a recording cannot hold as it is, in sentences.
+/// \param size  of its first picture, which came last.
+QStringList fx_SourceNotes(IxPictureSource const& source, QSize size, RateKeeper keeper);

@@ -21,11 +21,10 @@ public:
     int rotation() const override; ///< none is left where one was asked for
     SxPixelShape
     pixelShape() const override; ///< square once pictures are scaled: their new shape was asked for
+    QSize wholeSize() const override { return m_plan.whole; }
     bool knowsSignificantBits() const override { return m_source->knowsSignificantBits(); }
     QStringList takeWarnings() override { return m_source->takeWarnings(); }
     bool isDamaged() const override { return m_source->isDamaged(); }
-
-    SxChangePlan const& lastPlan() const { return m_plan; } ///< that of the last picture
 
 private:
     std::unique_ptr<IxPictureSource> m_source;

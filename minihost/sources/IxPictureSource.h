@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -46,6 +47,10 @@ public:
 
     /// The shape of the pixels of the picture that came last.
     virtual SxPixelShape pixelShape() const { return {}; }
+
+    /// Size of the picture that came last before an odd last column and row were left out of it; empty when
+    /// nothing leaves them out.
+    virtual QSize wholeSize() const { return {}; }
 
     /// True when the source itself says how many bits of a word sample count; false when 16 is only
     /// the size of the word.
