@@ -117,6 +117,7 @@ bool CxFFmpegConverter::convert(AVFrame const& frame, SxPicBuf& picture)
         return false;
     auto const width = static_cast<quint32>(frame.width);
     auto const height = static_cast<quint32>(frame.height);
+    m_sourceBits = 0;
 
     if (fx_IsCopiedAsWords(*format)) {
         auto const bits = static_cast<quint32>(format->comp[0].depth);
@@ -148,6 +149,8 @@ bool CxFFmpegConverter::convert(AVFrame const& frame, SxPicBuf& picture)
         target = AV_PIX_FMT_BGR48;
         components = 3;
     }
+    if (deep && format->comp[0].depth < 16)
+        m_sourceBits = format->comp[0].depth;
     return fx_PreparePicture(picture, fx_PackedFormat(width, height, components, deep ? 16 : 8)) &&
            scaleInto(frame, target, picture);
 }

@@ -18,9 +18,12 @@ public:
     /// For the last picture: false when its bits are only the size of its words.
     bool knowsSignificantBits() const { return m_knowsBits; }
 
+    int sourceBits() const { return m_sourceBits; } ///< of the last picture, see IxPictureSource
+
 private:
     bool scaleInto(AVFrame const& frame, AVPixelFormat target, SxPicBuf& picture);
 
     ScalerPtr m_scaler; ///< kept between frames of one format
     bool m_knowsBits = true;
+    int m_sourceBits = 0;
 };

@@ -44,6 +44,7 @@ public:
     int rotation() const override { return m_rotation; }
     SxPixelShape pixelShape() const override { return m_pixelShape; }
     bool knowsSignificantBits() const override;
+    int sourceBits() const override { return m_picture.sourceBits(); }
     QStringList takeWarnings() override;
     bool isDamaged() const override { return m_damage.isAny(); }
 

@@ -56,6 +56,10 @@ public:
     /// the size of the word.
     virtual bool knowsSignificantBits() const = 0;
 
+    /// Bits that a sample of the picture that came last has in the source, where its words hold it shifted up
+    /// to more; 0: those of the picture.
+    virtual int sourceBits() const { return 0; }
+
     /// Sentences about what was left out or assumed since the last call.
     virtual QStringList takeWarnings() = 0;
 

@@ -113,7 +113,7 @@ bool CxLiveSource::isWindowWaiting()
 
 void CxLiveSource::publish(std::unique_ptr<CxImageData> data)
 {
-    SxShownPicture const picture = fx_ShownPicture(m_count - 1, std::move(data));
+    SxShownPicture const picture = fx_ShownPicture(m_count - 1, std::move(data), m_source->sourceBits());
     QMutexLocker const lock(&m_mutex);
     m_newest = picture;
     if (m_isAnnounced)

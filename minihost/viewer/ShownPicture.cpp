@@ -64,12 +64,18 @@ static QImage fx_ImageOfWords(SxPicBuf const& picture)
     return image;
 }
 
-SxShownPicture fx_ShownPicture(int number, std::unique_ptr<CxImageData> data)
+int fx_SourceShift(SxShownPicture const& picture)
+{
+    return static_cast<int>(picture.data->picBuf()->bitsPerSample - picture.bits);
+}
+
+SxShownPicture fx_ShownPicture(int number, std::unique_ptr<CxImageData> data, int sourceBits)
 {
     SxShownPicture shown;
     shown.number = number;
     shown.data = std::move(data);
     SxPicBuf const& picture = *shown.data->picBuf();
+    shown.bits = sourceBits > 0 ? static_cast<quint32>(sourceBits) : picture.bitsPerSample;
     QImage::Format const format = fx_ByteFormat(picture.components);
     if (!picture.data || format == QImage::Format_Invalid)
         return shown;
@@ -85,8 +91,10 @@ SxPixel fx_Pixel(SxShownPicture const& picture, QPoint const& position)
     SxPicBuf const& samples = *picture.data->picBuf();
     size_t const first = static_cast<size_t>(position.x()) * samples.components;
     uchar const* const row = fx_Row(samples, static_cast<quint32>(position.y()));
+    int const shift = fx_SourceShift(picture);
     auto const sample = [&](size_t i) -> int {
-        return fx_IsWordFormat(samples) ? reinterpret_cast<quint16 const*>(row)[first + i] : row[first + i];
+        return fx_IsWordFormat(samples) ? reinterpret_cast<quint16 const*>(row)[first + i] >> shift
+                                        : row[first + i];
     };
     pixel.components = samples.components == 1 ? 1 : 3;
     if (pixel.components == 1)

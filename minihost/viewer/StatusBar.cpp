@@ -91,7 +91,7 @@ void CxStatusBar::showFormat(SxShownPicture const& picture)
 {
     SxPicBufInfo const& format = *picture.data->picBuf();
     QString const kind = format.components == 1 ? tr("%1 × %2, %3-bit grey") : tr("%1 × %2, %3-bit colour");
-    m_format->setText(kind.arg(format.width).arg(format.height).arg(format.bitsPerSample));
+    m_format->setText(kind.arg(format.width).arg(format.height).arg(picture.bits));
 }
 
 void CxStatusBar::showZoom(double zoom)

@@ -20,6 +20,7 @@ private slots:
     void videoColoursFollowTheirMatrix_data();
     void videoColoursFollowTheirMatrix();
     void deepVideoStaysDeep();
+    void deepVideoIsShiftedUpFromItsOwnBits();
     void deepVideoKeepsItsColourEdges_data();
     void deepVideoKeepsItsColourEdges();
 };
@@ -158,6 +159,27 @@ void tst_FFmpegConverter::deepVideoStaysDeep()
     QVector<quint16> const samples = fx_SamplesOf(picture.get());
     QVERIFY(std::abs(samples[0] - 32768) < 256);
     QVERIFY(samples[40 * 3] > samples[0]); // a step that 8 bits would have lost
+}
+
+void tst_FFmpegConverter::deepVideoIsShiftedUpFromItsOwnBits()
+{
+    FramePtr const frame = fx_Frame(AV_PIX_FMT_YUV444P12, 64, 64);
+    QVERIFY(frame);
+    frame->color_range = AVCOL_RANGE_JPEG;
+    fx_FillPlane(*frame, 0, [](int x, int y) { return y * 64 + x; }); // every sample that there is
+    fx_FillPlane(*frame, 1, [](int, int) { return 2048; });
+    fx_FillPlane(*frame, 2, [](int, int) { return 2048; });
+    CxFFmpegConverter converter;
+    CxOwnedPicture picture;
+    QVERIFY(converter.convert(*frame, picture.get()));
+    QCOMPARE(converter.sourceBits(), 12);
+    QVector<quint16> const samples = fx_SamplesOf(picture.get());
+    for (int i = 0; i < samples.size(); ++i)
+        QCOMPARE(samples[i] >> 4, i / 3);
+
+    FramePtr const grey = fx_Frame(AV_PIX_FMT_GRAY12, 64, 64);
+    QVERIFY(grey && converter.convert(*grey, picture.get()));
+    QCOMPARE(converter.sourceBits(), 0); // the picture has its bits as they are
 }
 
 static int const kSide = 96; // of a picture with colour edges

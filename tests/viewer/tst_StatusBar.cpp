@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QFile>
 #include <QSettings>
 #include <QTest>
 
@@ -16,6 +17,7 @@ private slots:
 
     void showsPixelUnderMouse();
     void showsAllBitsOfGreyWords();
+    void showsDeepVideoInItsOwnScale();
     void showsWhatTheSidecarNotes();
 
 private:
@@ -76,6 +78,24 @@ void tst_StatusBar::showsAllBitsOfGreyWords()
     QTRY_COMPARE(viewer.text("pixel"),
                  QStringLiteral("(%1, %2): grey %3").arg(pixel.x()).arg(pixel.y()).arg(sample));
     QCOMPARE(qGray(viewer.view->picture().image.pixel(pixel)), sample >> 4);
+}
+
+void tst_StatusBar::showsDeepVideoInItsOwnScale()
+{
+    QString const name = m_fixture->path(QStringLiteral("deep.y4m"));
+    QFile video(name);
+    QVERIFY(video.open(QIODevice::WriteOnly));
+    video.write("YUV4MPEG2 W16 H16 F30:1 C444p12 XCOLORRANGE=FULL\nFRAME\n");
+    for (int const sample : {1910, 2048, 2048}) // grey
+        video.write(QByteArray(1, char(sample & 0xFF)).append(char(sample >> 8)).repeated(256));
+    video.close();
+    CxViewerWindow viewer(*m_fixture);
+    viewer.window.openNamed(name);
+    QTRY_COMPARE(viewer.text("format"), QStringLiteral("16 × 16, 12-bit colour"));
+    QPoint const place(viewer.view->width() / 2, viewer.view->height() / 2);
+    fx_MoveMouse(viewer.view, place);
+    QTRY_COMPARE(viewer.text("pixel").section(QStringLiteral(": "), 1),
+                 QStringLiteral("red 1910, green 1910, blue 1910"));
 }
 
 void tst_StatusBar::showsWhatTheSidecarNotes()
