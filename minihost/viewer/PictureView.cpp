@@ -12,7 +12,6 @@ static constexpr double kLargestZoom = 64.0;
 static constexpr double kSmallestZoom = 1.0 / 32.0;
 static constexpr double kZoomStep = 1.25;
 static constexpr double kPanStep = 48.0;
-static constexpr int kRestTime = 150; // milliseconds; longer than from picture to picture while playing
 
 // Pictures are judged against the same dark surround whatever the desktop's colours.
 static QColor const kSurround(0x1c, 0x1c, 0x1e);
@@ -25,26 +24,11 @@ CxPictureView::CxPictureView(QWidget* parent)
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    m_rest.setSingleShot(true);
-    m_rest.setInterval(kRestTime);
-    connect(&m_rest, &QTimer::timeout, this, &CxPictureView::sharpen);
 }
 
-void CxPictureView::repaintSoon()
+void CxPictureView::redraw()
 {
-    m_sharp = {};
-    m_rest.start();
-    update();
-}
-
-/// Averages where painting only samples: fine patterns would be alias patterns otherwise.
-void CxPictureView::sharpen()
-{
-    if (zoom() >= 1.0 || m_picture.image.isNull())
-        return;
-    QSize const size = (shownSize() * devicePixelRatioF()).toSize();
-    m_sharp =
-        m_picture.image.scaled(size.expandedTo({1, 1}), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    m_reduced = {};
     update();
 }
 
@@ -66,7 +50,7 @@ void CxPictureView::setPicture(SxShownPicture const& picture)
     }
     if (isNewSize || isFirst != isNone)
         emit zoomChanged(zoom());
-    repaintSoon();
+    redraw();
     point(m_mouse);
     if (m_picture.data)
         emit pictureShown(m_picture, isFirst);
@@ -81,6 +65,11 @@ void CxPictureView::setNotice(QString const& text)
 double CxPictureView::zoom() const { return m_scale * devicePixelRatioF(); }
 
 QSizeF CxPictureView::shownSize() const { return QSizeF(m_picture.image.size()) * m_scale; }
+
+QSize CxPictureView::screenSize() const
+{
+    return (shownSize() * devicePixelRatioF()).toSize().expandedTo({1, 1});
+}
 
 QRectF CxPictureView::target() const { return {m_offset, shownSize()}; }
 
@@ -109,7 +98,7 @@ void CxPictureView::setZoom(double zoom, QPointF const& anchor)
     m_scale = scale;
     m_isFitted = false;
     keepInside();
-    repaintSoon();
+    redraw();
     emit zoomChanged(this->zoom());
     point(m_mouse);
 }
@@ -119,7 +108,7 @@ void CxPictureView::fit()
     m_isFitted = true;
     m_scale = fittingScale();
     keepInside();
-    repaintSoon();
+    redraw();
     emit zoomChanged(zoom());
     point(m_mouse);
 }
@@ -134,7 +123,7 @@ void CxPictureView::pan(QPointF const& distance)
 {
     m_offset += distance;
     keepInside();
-    repaintSoon();
+    redraw();
     point(m_mouse);
 }
 
@@ -160,8 +149,10 @@ void CxPictureView::paintEvent(QPaintEvent* event)
                          m_notice);
         return;
     }
+    if (m_reduced.isNull() && zoom() < 1.0)
+        m_reduced = m_picture.image.scaled(screenSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom() < 2.0);
-    painter.drawImage(target(), m_sharp.isNull() ? m_picture.image : m_sharp);
+    painter.drawImage(target(), m_reduced.isNull() ? m_picture.image : m_reduced);
 }
 
 void CxPictureView::resizeEvent(QResizeEvent*)

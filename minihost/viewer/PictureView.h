@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QTimer>
 #include <QWidget>
 
 #include "ShownPicture.h"
@@ -8,7 +7,7 @@
 /// Shows one picture: fitted to the window or enlarged, with wheel and mouse as in any image viewer.
 ///
 /// Enlarged at least twice, pixels are shown as squares, so that each can be told from its neighbours.
-/// Reduced, a picture that rests is soon drawn once more, from all of its pixels.
+/// Reduced, it is drawn from all of its pixels: fine patterns would be alias patterns otherwise.
 class CxPictureView : public QWidget
 {
     Q_OBJECT
@@ -57,11 +56,11 @@ protected:
 private:
     QRectF target() const;
     QSizeF shownSize() const;
+    QSize screenSize() const;
     double fittingScale() const;
     void keepInside();
     void point(QPointF const& position);
-    void repaintSoon();
-    void sharpen();
+    void redraw();
 
     SxShownPicture m_picture;
     QSize m_size; ///< of the last picture that was none of the missing
@@ -71,6 +70,5 @@ private:
     QPointF m_offset;        ///< top left corner of the picture in the widget
     QPointF m_mouse{-1, -1}; ///< last place of the mouse, negative when it is elsewhere
     bool m_isDragging = false;
-    QTimer m_rest;  ///< runs out when nothing has changed for a moment
-    QImage m_sharp; ///< the picture reduced with care, in screen pixels; null while things move
+    QImage m_reduced; ///< the picture in screen pixels, when these are fewer; null until painted
 };
