@@ -32,6 +32,11 @@ CxActions::CxActions(QObject* parent)
     , savePicture(add("savePicture", tr("&Save Picture…"), {fx_Ctrl(Qt::Key_S)}))
     , quit(add("quit", tr("&Quit"), {fx_Ctrl(Qt::Key_Q)}))
     , copy(add("copy", tr("&Copy Picture"), {fx_Ctrl(Qt::Key_C)}))
+    , setIn(add("setIn", tr("Set &In Mark"), {Qt::Key_I}))
+    , setOut(add("setOut", tr("Set &Out Mark"), {Qt::Key_O}))
+    , goToIn(add("goToIn", tr("Go to I&n Mark"), {fx_Shift(Qt::Key_I)}))
+    , goToOut(add("goToOut", tr("Go to O&ut Mark"), {fx_Shift(Qt::Key_O)}))
+    , clearMarks(add("clearMarks", tr("C&lear Marks"), {fx_Shift(Qt::Key_X)}))
     , play(add("play", tr("&Play"), {Qt::Key_Space}))
     , previousPicture(add("previousPicture", tr("Pre&vious Picture"), {Qt::Key_Left, Qt::Key_Comma}))
     , nextPicture(add("nextPicture", tr("&Next Picture"), {Qt::Key_Right, Qt::Key_Period}))
@@ -72,7 +77,10 @@ void CxActions::fill(QMenuBar* bar)
     file->addSeparator();
     file->addAction(quit);
 
-    bar->addMenu(tr("&Edit"))->addAction(copy);
+    QMenu* const edit = bar->addMenu(tr("&Edit"));
+    edit->addAction(copy);
+    edit->addSeparator();
+    edit->addActions({setIn, setOut, goToIn, goToOut, clearMarks});
 
     QMenu* const playback = bar->addMenu(tr("&Playback"));
     playback->addAction(play);

@@ -30,6 +30,11 @@ public:
     QAction* savePicture;
     QAction* quit;
     QAction* copy;
+    QAction* setIn;
+    QAction* setOut;
+    QAction* goToIn;
+    QAction* goToOut;
+    QAction* clearMarks;
     QAction* play;
     QAction* previousPicture;
     QAction* nextPicture;

@@ -132,6 +132,7 @@ void CxMainWindow::connectControls()
 {
     connect(&m_play, &CxPlayControl::opened, this, &CxMainWindow::takeOpened);
     connect(&m_play, &CxPlayControl::opened, m_status, &CxStatusBar::showNotes);
+    connect(&m_play.marks(), &CxMarkControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_play, &CxPlayControl::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_live, &CxLiveControl::begun, this, &CxMainWindow::takeLive);
     connect(&m_live, &CxLiveControl::openFailed, this, &CxMainWindow::takeOpenFailure);
@@ -273,11 +274,7 @@ void CxMainWindow::updateActions()
     bool const isSaving = m_record.isRunning() && !isLive; // the recording is being read for that
     bool const hasRecording = player().isOpen() && !isSaving;
     bool const hasPicture = !m_view->picture().image.isNull();
-    for (QAction* const action : {a.previousPicture, a.nextPicture, a.previousKeyFrame, a.nextKeyFrame,
-                                  a.first, a.last, a.goTo, a.loop})
-        action->setEnabled(hasRecording);
-    a.speeds->setEnabled(hasRecording);
-    m_transport->timeline()->setEnabled(hasRecording);
+    m_play.setEnabled(hasRecording);
     m_transport->timeline()->setVisible(!isLive);
     m_transport->setVisible(m_pages->currentWidget() == m_view && !isFullScreen());
     a.play->setEnabled(hasRecording || isLive);

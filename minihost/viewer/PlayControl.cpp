@@ -21,6 +21,7 @@ CxPlayControl::CxPlayControl(CxActions& actions, CxPictureView& view, CxTranspor
     , m_transport(transport)
     , m_messages(messages)
     , m_window(window)
+    , m_marks(actions, m_player, *transport.timeline())
 {
     connectPlayer();
     connectActions();
@@ -65,11 +66,23 @@ void CxPlayControl::connectTimeline()
             [this] { m_player.setPlaying(m_resumesAfterDrag); });
 }
 
+void CxPlayControl::setEnabled(bool isEnabled)
+{
+    CxActions const& a = m_actions;
+    for (QAction* const action : {a.previousPicture, a.nextPicture, a.previousKeyFrame, a.nextKeyFrame,
+                                  a.first, a.last, a.goTo, a.loop})
+        action->setEnabled(isEnabled);
+    a.speeds->setEnabled(isEnabled);
+    m_transport.timeline()->setEnabled(isEnabled);
+    m_marks.updateActions(isEnabled);
+}
+
 void CxPlayControl::open(QString const& fileName) { m_player.open(fileName); }
 
 void CxPlayControl::close()
 {
     m_player.close();
+    m_marks.clear();
     m_transport.setRecording({});
     m_broken.clear();
 }
@@ -88,6 +101,7 @@ void CxPlayControl::takeOpened(SxOpenedRecording const& info)
     m_broken.clear();
     m_isAnyShown = false;
     m_transport.setRecording(info);
+    m_marks.clear();
     emit opened(info);
     if (!info.sidecar.warning.isEmpty())
         m_messages.showMessage(

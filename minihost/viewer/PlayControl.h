@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QSet>
 
+#include "MarkControl.h"
 #include "Player.h"
 
 class CxActions;
@@ -22,6 +23,8 @@ public:
                   QWidget& window);
 
     CxPlayer& player() { return m_player; }
+    CxMarkControl& marks() { return m_marks; }
+    void setEnabled(bool isEnabled); ///< what can be done with a recording
 
     /// opened() or openFailed() follows. Until then, and when it fails, what was open stays so.
     void open(QString const& fileName);
@@ -51,6 +54,7 @@ private:
     CxMessageBar& m_messages;
     QWidget& m_window; ///< of its questions
     CxPlayer m_player;
+    CxMarkControl m_marks;
     bool m_resumesAfterDrag = false;
     QSet<int> m_broken;                ///< numbers of the pictures found broken
     bool m_isAnyShown = false;         ///< of this recording, so that its kind is one that can be

@@ -36,6 +36,7 @@ void CxPlayer::takeOpened(SxOpenedRecording const& info)
 {
     setPlaying(false);
     m_info = info;
+    m_order.setRecording(info.count);
     m_shown = m_reached = m_wanted = -1;
     m_firstTicket = m_reader.request(0) + 1; // what was asked of the one before is of no interest any more
     emit opened(m_info);
@@ -88,6 +89,12 @@ void CxPlayer::toPreviousKeyFrame()
         seek(*(here - 1));
 }
 
+void CxPlayer::setLoopedPart(int first, int last)
+{
+    m_order.first = first;
+    m_order.last = last;
+}
+
 void CxPlayer::setSpeed(double speed)
 {
     m_speed = speed;
@@ -116,8 +123,8 @@ void CxPlayer::setPlaying(bool isPlaying)
     }
     if (m_wanted != m_reached) {
         seek(m_wanted); // still on its way: playing starts there
-    } else if (m_wanted == m_info.count - 1) {
-        seek(0); // from the end, playing starts over
+    } else if (m_order.after(m_wanted) < 0) {
+        seek(m_order.start()); // from the end, playing starts over
     } else {
         m_due = m_clock.nsecsElapsed() + interval();
         requestAhead();
@@ -127,13 +134,10 @@ void CxPlayer::setPlaying(bool isPlaying)
 /// Asks for the picture behind the one shown while that is on the screen.
 void CxPlayer::requestAhead()
 {
-    int next = m_wanted + 1;
-    if (next == m_info.count) {
-        if (!m_isLooping) {
-            setPlaying(false);
-            return;
-        }
-        next = 0;
+    int const next = m_order.after(m_wanted);
+    if (next < 0) {
+        setPlaying(false);
+        return;
     }
     m_wanted = next;
     m_isSeeking = false;

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "PictureReader.h"
+#include "PlayOrder.h"
 
 /// Plays one recording: decides which picture comes next and when. GUI thread.
 ///
@@ -27,11 +28,17 @@ public:
     bool isOpen() const { return m_info.count > 0; }
     SxOpenedRecording const& info() const { return m_info; }
     int shownNumber() const { return m_shown; } ///< of the picture on the screen, -1 for none
+    int reachedNumber() const
+    {
+        return m_reached;
+    } ///< of the picture last shown or found broken, -1 for none
     bool isPlaying() const { return m_isPlaying; }
     int picturesDecoded() const { return m_reader.picturesDecoded(); }
 
-    void setLooping(bool isLooping) { m_isLooping = isLooping; }
-    void setSpeed(double speed); ///< 1.0 is the recording's own
+    void setLooping(bool isLooping) { m_order.isLooping = isLooping; }
+    void setLoopedPart(int first,
+                       int last); ///< numbers of its pictures; another recording is looped as a whole
+    void setSpeed(double speed);  ///< 1.0 is the recording's own
 
 public slots:
     void seek(int number); ///< shows a picture; numbers outside are brought inside
@@ -70,12 +77,12 @@ private:
     CxPictureReader m_reader;
     SxOpenedRecording m_info;
     int m_shown = -1;
-    int m_reached = -1;    ///< the picture last shown or found broken
+    int m_reached = -1;
     int m_wanted = -1;     ///< the picture last asked for, which steps count from
     int m_firstTicket = 1; ///< results of earlier tickets are of no interest any more
 
     bool m_isPlaying = false;
-    bool m_isLooping = false;
+    SxPlayOrder m_order;
     double m_speed = 1.0;
     int m_aheadTicket = 0;          ///< of the picture that playing waits for; 0 for none
     bool m_isSeeking = false;       ///< that picture was asked for by the user, not by the clock

@@ -31,9 +31,12 @@ CxRecordControl::~CxRecordControl()
 void CxRecordControl::ask(SxPicBufInfo const& shown)
 {
     SxOpenedRecording const& recording = m_play.player().info();
+    SxMarks const& marks = m_play.marks().marks();
     auto* const dialog = m_live.isOpen() ? new CxRecordDialog(-1, 0.0, m_live.fileName(), shown, &m_window)
                                          : new CxRecordDialog(recording.count, recording.fps,
                                                               recording.fileName, shown, &m_window);
+    if (!m_live.isOpen())
+        dialog->setRange(marks.first(), marks.last(recording.count));
     m_play.player().setPlaying(false);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog] { start(dialog->choice()); });

@@ -142,6 +142,12 @@ void CxRecordDialog::addRange(QFormLayout* form, int pictures)
     form->addRow(QString(), m_leaveOutBroken);
 }
 
+void CxRecordDialog::setRange(int first, int last)
+{
+    m_first->setValue(first);
+    m_last->setValue(last);
+}
+
 void CxRecordDialog::applyRememberedOptions()
 {
     QVariantMap const remembered = QSettings().value(kCodecOptionsKey).toMap();

@@ -35,6 +35,8 @@ public:
     CxRecordDialog(int pictures, double fps, QString const& sourceFile, SxPicBufInfo const& format,
                    QWidget* parent);
 
+    void setRange(int first, int last); ///< of a recording: the part to begin with
+
     SxRecordChoice choice() const { return m_choice; } ///< valid once accepted
 
     /// Gives the codec manager the codec options that the user last chose, so that panels show them.

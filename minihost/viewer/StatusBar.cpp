@@ -5,6 +5,8 @@
 
 #include "PictureView.h"
 
+static constexpr int kConfirmation = 6000; // milliseconds
+
 CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
     : QStatusBar(parent)
     , m_view(view)
@@ -32,6 +34,10 @@ CxStatusBar::CxStatusBar(CxPictureView const& view, QWidget* parent)
     for (QLabel* const label : {m_broken, m_rate, m_notes, m_format, m_zoom})
         addPermanentWidget(label);
 
+    connect(this, &QStatusBar::messageChanged, this, [this](QString const& text) {
+        for (QLabel* const label : {m_notes, m_format})
+            label->setVisible(text.isEmpty()); // they leave a confirmation its room
+    });
     connect(&view, &CxPictureView::pixelPointed, this, &CxStatusBar::showPixel);
     connect(&view, &CxPictureView::pictureShown, this, &CxStatusBar::showFormat);
     connect(&view, &CxPictureView::zoomChanged, this, &CxStatusBar::showZoom);
@@ -54,6 +60,8 @@ void CxStatusBar::showBroken(int pictures)
 {
     m_broken->setText(tr("%n broken picture(s)", nullptr, pictures));
 }
+
+void CxStatusBar::confirm(QString const& text) { showMessage(text, kConfirmation); }
 
 void CxStatusBar::showNotes(SxOpenedRecording const& recording)
 {

@@ -20,6 +20,7 @@ public:
     void clearTexts();
     void showRate(double picturesPerSecond);            ///< 0 while not playing
     void showBroken(int pictures);                      ///< found broken so far
+    void confirm(QString const& text);                  ///< what was just done, for some seconds
     void showNotes(SxOpenedRecording const& recording); ///< what is known of it beyond its pictures
 
 private:

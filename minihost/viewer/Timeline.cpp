@@ -34,6 +34,7 @@ void CxTimeline::setRecording(int count, double fps, QList<int> const& keyFrames
     m_fps = fps;
     m_keyFrames = keyFrames;
     m_broken.clear();
+    m_marks = {};
     setRange(0, std::max(count - 1, 0));
     setPageStep(std::max(count / 20, 1));
     setValue(0);
@@ -44,6 +45,12 @@ void CxTimeline::setRecording(int count, double fps, QList<int> const& keyFrames
 void CxTimeline::markBroken(int number)
 {
     m_broken.insert(number);
+    update();
+}
+
+void CxTimeline::setMarks(SxMarks const& marks)
+{
+    m_marks = marks;
     update();
 }
 
@@ -108,6 +115,12 @@ void CxTimeline::paintBroken(QPainter& painter) const
     }
 }
 
+QRectF CxTimeline::markedPart() const
+{
+    QPointF const top(positionOf(m_marks.first()), 0.0);
+    return {top, QPointF(positionOf(m_marks.last(maximum() + 1)), groove().bottom() + kMarkGap)};
+}
+
 void CxTimeline::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
@@ -134,6 +147,8 @@ void CxTimeline::paintEvent(QPaintEvent*)
     painter.setBrush(colours.color(QPalette::Highlight));
     painter.drawRoundedRect(played, kGrooveHeight / 2.0, kGrooveHeight / 2.0);
     paintBroken(painter);
+    if (m_marks.isAny())
+        fx_PaintMarks(painter, markedPart(), m_marks, colours);
 
     bool const isActive = m_isHovered || isSliderDown();
     QPointF const centre(x, whole.center().y());
@@ -169,6 +184,10 @@ void CxTimeline::mouseMoveEvent(QMouseEvent* event)
         text = tr("%1 · key frame").arg(text);
     if (m_broken.count(number) != 0)
         text = tr("%1 · broken").arg(text);
+    if (number == m_marks.in)
+        text = tr("%1 · in mark").arg(text);
+    if (number == m_marks.out)
+        text = tr("%1 · out mark").arg(text);
     QToolTip::showText(mapToGlobal(event->pos()) + QPoint(0, -2 * height()), text, this);
     update();
 }

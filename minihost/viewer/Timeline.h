@@ -4,6 +4,8 @@
 #include <QList>
 #include <set>
 
+#include "Marks.h"
+
 /// The recording as a line: where the picture shown lies, where its key frames are, and in red which pictures
 /// were found broken. A slider whose
 /// value is the picture's number; a click goes to that place, and dragging reports every place passed.
@@ -16,6 +18,7 @@ public:
 
     void setRecording(int count, double fps, QList<int> const& keyFrames); ///< no pictures: an empty line
     void markBroken(int number);                                           ///< until the next setRecording()
+    void setMarks(SxMarks const& marks);                                   ///< likewise
     void setShownNumber(int number); ///< moves the handle, unless the user holds it, without valueChanged()
 
     QSize sizeHint() const override;
@@ -34,9 +37,11 @@ private:
     int numberAt(double x) const;
     void paintKeyFrames(QPainter& painter) const;
     void paintBroken(QPainter& painter) const;
+    QRectF markedPart() const;
 
     double m_fps = 0.0;
     QList<int> m_keyFrames;
     std::set<int> m_broken;
+    SxMarks m_marks;
     bool m_isHovered = false;
 };

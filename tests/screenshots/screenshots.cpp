@@ -103,6 +103,19 @@ static QPixmap fx_RenderDialog(CxMainWindow& window)
     return dialog->grab();
 }
 
+/// A part marked around the picture shown.
+static QPixmap fx_RenderMarks(CxMainWindow& window)
+{
+    std::pair<int, char const*> const marks[] = {{90, "setIn"}, {210, "setOut"}, {150, "fit"}};
+    for (auto const& mark : marks) {
+        window.player().seek(mark.first);
+        if (!QTest::qWaitFor([&] { return window.player().shownNumber() == mark.first; }, 20000))
+            return {};
+        window.findChild<QAction*>(QLatin1String(mark.second))->trigger();
+    }
+    return window.grab();
+}
+
 /// What \p scene is about; for any other name the main window at picture 150.
 static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString const& recording)
 {
@@ -116,6 +129,8 @@ static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString con
         return {};
     if (scene == QLatin1String("dialog"))
         return fx_RenderDialog(window);
+    if (scene == QLatin1String("marks"))
+        return fx_RenderMarks(window);
     auto* const view = window.findChild<CxPictureView*>();
     QTest::mouseMove(view, QPoint(view->width() / 2, view->height() / 3));
     QTest::qWait(100);

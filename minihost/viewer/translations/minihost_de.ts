@@ -138,6 +138,26 @@
         <source>&amp;Pause</source>
         <translation>&amp;Pause</translation>
     </message>
+    <message>
+        <source>Set &amp;In Mark</source>
+        <translation>&amp;Anfangsmarke setzen</translation>
+    </message>
+    <message>
+        <source>Set &amp;Out Mark</source>
+        <translation>&amp;Endmarke setzen</translation>
+    </message>
+    <message>
+        <source>Go to I&amp;n Mark</source>
+        <translation>Zur Anfan&amp;gsmarke</translation>
+    </message>
+    <message>
+        <source>Go to O&amp;ut Mark</source>
+        <translation>Zur En&amp;dmarke</translation>
+    </message>
+    <message>
+        <source>C&amp;lear Marks</source>
+        <translation>&amp;Marken löschen</translation>
+    </message>
 </context>
 <context>
     <name>CxFileDialogs</name>
@@ -276,6 +296,24 @@
     <message>
         <source>Waiting for the first picture…</source>
         <translation>Warten auf das erste Bild …</translation>
+    </message>
+</context>
+<context>
+    <name>CxMarkControl</name>
+    <message>
+        <source>No part is marked.</source>
+        <translation>Kein Teil ist markiert.</translation>
+    </message>
+    <message>
+        <source>Marked: pictures %1 to %2, %3</source>
+        <translation>Markiert: Bild %1 bis %2, %3</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s), %1</source>
+        <translation>
+            <numerusform>%n Bild, %1</numerusform>
+            <numerusform>%n Bilder, %1</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -681,6 +719,14 @@
     <message>
         <source>%1 · broken</source>
         <translation>%1 · kaputt</translation>
+    </message>
+    <message>
+        <source>%1 · in mark</source>
+        <translation>%1 · Anfangsmarke</translation>
+    </message>
+    <message>
+        <source>%1 · out mark</source>
+        <translation>%1 · Endmarke</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,16 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
+    <name>CxMarkControl</name>
+    <message numerus="yes">
+        <source>%n picture(s), %1</source>
+        <translation>
+            <numerusform>%n picture, %1</numerusform>
+            <numerusform>%n pictures, %1</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>CxRecordBar</name>
     <message numerus="yes">
         <source>%n picture(s)</source>
