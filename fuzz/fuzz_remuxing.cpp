@@ -1,5 +1,5 @@
-// What remux reads of a recording before it hands it on: the units of its frames, and their parameter sets, which
-// it describes anew.
+// What remux reads of a recording before it hands it on: the units of its frames, and their parameter sets,
+// which it describes anew.
 #include <QByteArray>
 #include <cstdint>
 

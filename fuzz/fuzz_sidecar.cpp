@@ -1,5 +1,5 @@
-// Notes beside a recording, which a person or another program may have written: used as a whole, or ignored with
-// a sentence.
+// Notes beside a recording, which a person or another program may have written: used as a whole, or ignored
+// with a sentence.
 #include <QCryptographicHash>
 #include <QFile>
 #include <QTemporaryDir>

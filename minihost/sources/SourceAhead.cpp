@@ -60,9 +60,11 @@ void CxSourceAhead::fetch(SxFetched& fetched)
 {
     try {
         fetched.result = m_source->next(fetched.picture.get());
-        fetched.told = {m_source->errorText(),  m_source->expectedPictures(),     m_source->hasEnd(),
-                        m_source->rate(),       m_source->rotation(),             m_source->pixelShape(),
-                        m_source->wholeSize(),  m_source->knowsSignificantBits(), m_source->isDamaged()};
+        fetched.told = {m_source->errorText(), m_source->expectedPictures(),
+                        m_source->hasEnd(),    m_source->rate(),
+                        m_source->rotation(),  m_source->pixelShape(),
+                        m_source->wholeSize(), m_source->knowsSignificantBits(),
+                        m_source->isDamaged()};
         fetched.warnings = m_source->takeWarnings();
     } catch (...) {
         fetched.failure = std::current_exception(); // the caller's to tell

@@ -15,12 +15,13 @@
 #include "IxPictureSource.h"
 #include "PictureFormat.h"
 
-/// Another source's pictures, fetched in a thread of its own while the caller works with those before. What is
-/// told, rate, warnings, damage and the rest, is what that source told with the picture that came last here.
+/// Another source's pictures, fetched in a thread of its own while the caller works with those before. What
+/// is told, rate, warnings, damage and the rest, is what that source told with the picture that came last
+/// here.
 ///
 /// The thread begins with the first picture and goes on with the second: until that is asked for, what the
-/// source has opened for the first stays open. It is kMostWaiting pictures ahead at most, so that no more than
-/// these and the caller's exist, and their memory serves again.
+/// source has opened for the first stays open. It is kMostWaiting pictures ahead at most, so that no more
+/// than these and the caller's exist, and their memory serves again.
 class CxSourceAhead : public IxPictureSource
 {
 public:

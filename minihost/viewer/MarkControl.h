@@ -8,8 +8,8 @@ class CxActions;
 class CxPlayer;
 class CxTimeline;
 
-/// The in and out marks of the recording shown: set where the picture on the screen is, drawn on the timeline,
-/// and what a loop repeats.
+/// The in and out marks of the recording shown: set where the picture on the screen is, drawn on the
+/// timeline, and what a loop repeats.
 class CxMarkControl : public QObject
 {
     Q_OBJECT

@@ -202,7 +202,9 @@ void tst_SourceAhead::nothingIsFetchedAheadOfTheFirst()
         std::atomic<int> begun{0};
         {
             CxSourceAhead source(
-                [&](std::atomic<bool> const*) { return std::make_unique<CxNumberedSource>(100, Then::End, &begun); },
+                [&](std::atomic<bool> const*) {
+                    return std::make_unique<CxNumberedSource>(100, Then::End, &begun);
+                },
                 nullptr);
             CxOwnedPicture picture;
             QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);

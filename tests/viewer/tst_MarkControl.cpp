@@ -66,10 +66,12 @@ void tst_MarkControl::keysMarkPictureShown()
     QVERIFY(openAt(viewer, 6));
     auto* const status = viewer.window.statusBar();
     viewer.key(Qt::Key_I);
-    QCOMPARE(status->currentMessage(), QStringLiteral("Marked: pictures 6 to 29, 24 picture(s), 0:00:00.800"));
+    QCOMPARE(status->currentMessage(),
+             QStringLiteral("Marked: pictures 6 to 29, 24 picture(s), 0:00:00.800"));
     QVERIFY(fx_GoTo(viewer, 20));
     viewer.key(Qt::Key_O);
-    QCOMPARE(status->currentMessage(), QStringLiteral("Marked: pictures 6 to 20, 15 picture(s), 0:00:00.500"));
+    QCOMPARE(status->currentMessage(),
+             QStringLiteral("Marked: pictures 6 to 20, 15 picture(s), 0:00:00.500"));
 }
 
 void tst_MarkControl::markOnWrongSideTakesOtherAway()
