@@ -1,13 +1,13 @@
 #include "Actions.h"
 
 #include <QActionGroup>
-#include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
 
 #include "Icons.h"
 
 static QKeySequence fx_Ctrl(Qt::Key key) { return {int(Qt::CTRL) | int(key)}; }
+static QKeySequence fx_CtrlShift(Qt::Key key) { return {int(Qt::CTRL) | int(Qt::SHIFT) | int(key)}; }
 static QKeySequence fx_Shift(Qt::Key key) { return {int(Qt::SHIFT) | int(key)}; }
 
 QAction* CxActions::add(char const* objectName, QString const& text, QList<QKeySequence> const& shortcuts)
@@ -37,15 +37,23 @@ CxActions::CxActions(QObject* parent)
     , goToIn(add("goToIn", tr("Go to I&n Mark"), {fx_Shift(Qt::Key_I)}))
     , goToOut(add("goToOut", tr("Go to O&ut Mark"), {fx_Shift(Qt::Key_O)}))
     , clearMarks(add("clearMarks", tr("C&lear Marks"), {fx_Shift(Qt::Key_X)}))
-    , play(add("play", tr("&Play"), {Qt::Key_Space}))
+    , play(add("play", tr("&Play"), {Qt::Key_Space, Qt::Key_K, Qt::Key_P}))
+    , playBackwards(add("playBackwards", tr("Play &Backwards"), {Qt::Key_J, fx_Shift(Qt::Key_Space)}))
     , previousPicture(add("previousPicture", tr("Pre&vious Picture"), {Qt::Key_Left, Qt::Key_Comma}))
-    , nextPicture(add("nextPicture", tr("&Next Picture"), {Qt::Key_Right, Qt::Key_Period}))
+    , nextPicture(add("nextPicture", tr("&Next Picture"), {Qt::Key_Right, Qt::Key_Period, Qt::Key_E}))
     , previousKeyFrame(add("previousKeyFrame", tr("Previous &Key Frame"), {fx_Shift(Qt::Key_Left)}))
     , nextKeyFrame(add("nextKeyFrame", tr("Next Key F&rame"), {fx_Shift(Qt::Key_Right)}))
     , first(add("first", tr("&First Picture"), {Qt::Key_Home}))
     , last(add("last", tr("L&ast Picture"), {Qt::Key_End}))
-    , goTo(add("goTo", tr("&Go to Picture…"), {fx_Ctrl(Qt::Key_G)}))
+    , back1(add("back1", tr("1 Second Bac&k"), {fx_Ctrl(Qt::Key_Left)}))
+    , forward1(add("forward1", tr("1 Second &On"), {fx_Ctrl(Qt::Key_Right)}))
+    , back10(add("back10", tr("10 Seconds Ba&ck"), {fx_CtrlShift(Qt::Key_Left)}))
+    , forward10(add("forward10", tr("10 Seconds O&n"), {fx_CtrlShift(Qt::Key_Right)}))
+    , goTo(add("goTo", tr("&Go to Picture or Time…"), {fx_Ctrl(Qt::Key_G)}))
     , loop(add("loop", tr("&Loop"), {Qt::Key_L}))
+    , slower(add("slower", tr("&Slower"), {Qt::Key_BracketLeft, Qt::Key_Minus}))
+    , faster(add("faster", tr("&Faster"), {Qt::Key_BracketRight, Qt::Key_Plus}))
+    , normalSpeed(add("normalSpeed", tr("&Normal Speed"), {Qt::Key_Backspace, Qt::Key_Equal}))
     , speeds(new QActionGroup(this))
     , fit(add("fit", tr("&Fit to Window"), {fx_Ctrl(Qt::Key_0)}))
     , actualSize(add("actualSize", tr("&Actual Size"), {fx_Ctrl(Qt::Key_1)}))
@@ -57,8 +65,9 @@ CxActions::CxActions(QObject* parent)
 {
     loop->setCheckable(true);
     fullScreen->setCheckable(true);
-    for (double const speed : {0.25, 0.5, 1.0, 2.0, 4.0}) {
-        auto* const action = speeds->addAction(tr("%1 ×").arg(QLocale().toString(speed)));
+    for (double const speed : {0.0625, 0.125, 0.25, 0.5, 1.0, 2.0, 4.0, 8.0, 16.0}) {
+        QString const number = speed < 1.0 ? QStringLiteral("1/%1").arg(1.0 / speed) : QString::number(speed);
+        auto* const action = speeds->addAction(tr("%1 ×").arg(number));
         action->setCheckable(true);
         action->setChecked(speed == 1.0);
         action->setData(speed);
@@ -83,12 +92,18 @@ void CxActions::fill(QMenuBar* bar)
     edit->addActions({setIn, setOut, goToIn, goToOut, clearMarks});
 
     QMenu* const playback = bar->addMenu(tr("&Playback"));
-    playback->addAction(play);
+    playback->addActions({play, playBackwards});
     playback->addSeparator();
-    playback->addActions({previousPicture, nextPicture, previousKeyFrame, nextKeyFrame, first, last, goTo});
+    playback->addActions({previousPicture, nextPicture, previousKeyFrame, nextKeyFrame, first, last});
+    QMenu* const times = playback->addMenu(tr("By &Time"));
+    times->addActions({back1, forward1, back10, forward10});
+    playback->addAction(goTo);
     playback->addSeparator();
     playback->addAction(loop);
-    playback->addMenu(tr("&Speed"))->addActions(speeds->actions());
+    QMenu* const speed = playback->addMenu(tr("&Speed"));
+    speed->addActions({slower, faster, normalSpeed});
+    speed->addSeparator();
+    speed->addActions(speeds->actions());
 
     QMenu* const view = bar->addMenu(tr("&View"));
     view->addActions({fit, actualSize, zoomIn, zoomOut});

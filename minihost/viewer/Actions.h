@@ -36,14 +36,22 @@ public:
     QAction* goToOut;
     QAction* clearMarks;
     QAction* play;
+    QAction* playBackwards;
     QAction* previousPicture;
     QAction* nextPicture;
     QAction* previousKeyFrame;
     QAction* nextKeyFrame;
     QAction* first;
     QAction* last;
+    QAction* back1;    ///< seconds
+    QAction* forward1; ///< likewise
+    QAction* back10;
+    QAction* forward10;
     QAction* goTo;
     QAction* loop;
+    QAction* slower;
+    QAction* faster;
+    QAction* normalSpeed;
     QActionGroup* speeds; ///< each action's data is a factor
     QAction* fit;
     QAction* actualSize;

@@ -58,6 +58,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     setStatusBar(m_status);
     connectActions();
     connectControls();
+    m_play.speed().restore();
     setTitle({});
     updateActions();
     if (!restoreGeometry(QSettings().value(kGeometryKey).toByteArray()))

@@ -1,6 +1,6 @@
 #include "PlayControl.h"
 
-#include <QActionGroup>
+#include <QAction>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,6 +22,7 @@ CxPlayControl::CxPlayControl(CxActions& actions, CxPictureView& view, CxTranspor
     , m_messages(messages)
     , m_window(window)
     , m_marks(actions, m_player, *transport.timeline())
+    , m_speed(actions, m_player)
 {
     connectPlayer();
     connectActions();
@@ -48,10 +49,12 @@ void CxPlayControl::connectActions()
     on(m_actions.nextKeyFrame, [this] { m_player.toNextKeyFrame(); });
     on(m_actions.first, [this] { m_player.seek(0); });
     on(m_actions.last, [this] { m_player.seek(m_player.info().count - 1); });
-    on(m_actions.goTo, [this] { askForNumber(); });
-    on(m_actions.loop, [this](bool isOn) { m_player.setLooping(isOn); });
-    connect(m_actions.speeds, &QActionGroup::triggered, this,
-            [this](QAction* action) { m_player.setSpeed(action->data().toDouble()); });
+    on(m_actions.back1, [this] { m_player.skip(-1.0); });
+    on(m_actions.forward1, [this] { m_player.skip(1.0); });
+    on(m_actions.back10, [this] { m_player.skip(-10.0); });
+    on(m_actions.forward10, [this] { m_player.skip(10.0); });
+    on(m_actions.playBackwards, [this] { togglePlaying(true); });
+    on(m_actions.goTo, [this] { askForPlace(); });
 }
 
 void CxPlayControl::connectTimeline()
@@ -69,12 +72,21 @@ void CxPlayControl::connectTimeline()
 void CxPlayControl::setEnabled(bool isEnabled)
 {
     CxActions const& a = m_actions;
-    for (QAction* const action : {a.previousPicture, a.nextPicture, a.previousKeyFrame, a.nextKeyFrame,
-                                  a.first, a.last, a.goTo, a.loop})
+    for (QAction* const action :
+         {a.playBackwards, a.previousPicture, a.nextPicture, a.previousKeyFrame, a.nextKeyFrame, a.first,
+          a.last, a.back1, a.forward1, a.back10, a.forward10, a.goTo})
         action->setEnabled(isEnabled);
-    a.speeds->setEnabled(isEnabled);
+    m_speed.setEnabled(isEnabled);
     m_transport.timeline()->setEnabled(isEnabled);
     m_marks.updateActions(isEnabled);
+}
+
+void CxPlayControl::togglePlaying(bool isBackwards)
+{
+    bool const isPlaying = m_player.isPlaying();
+    if (!isPlaying)
+        m_player.setBackwards(isBackwards);
+    m_player.setPlaying(!isPlaying);
 }
 
 void CxPlayControl::open(QString const& fileName) { m_player.open(fileName); }
@@ -87,10 +99,11 @@ void CxPlayControl::close()
     m_broken.clear();
 }
 
-void CxPlayControl::askForNumber()
+void CxPlayControl::askForPlace()
 {
+    SxOpenedRecording const& info = m_player.info();
     auto* const dialog =
-        new CxGoToDialog(std::max(m_player.shownNumber(), 0), m_player.info().count - 1, &m_window);
+        new CxGoToDialog(std::max(m_player.reachedNumber(), 0), info.count - 1, info.fps, &m_window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &CxGoToDialog::chosen, &m_player, &CxPlayer::seek);
     dialog->open();

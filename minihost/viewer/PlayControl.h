@@ -5,6 +5,7 @@
 
 #include "MarkControl.h"
 #include "Player.h"
+#include "SpeedControl.h"
 
 class CxActions;
 class CxMessageBar;
@@ -24,12 +25,13 @@ public:
 
     CxPlayer& player() { return m_player; }
     CxMarkControl& marks() { return m_marks; }
+    CxSpeedControl& speed() { return m_speed; }
     void setEnabled(bool isEnabled); ///< what can be done with a recording
 
     /// opened() or openFailed() follows. Until then, and when it fails, what was open stays so.
     void open(QString const& fileName);
     void close();
-    void togglePlaying() { m_player.setPlaying(!m_player.isPlaying()); }
+    void togglePlaying(bool isBackwards = false); ///< pauses, whatever plays, or plays so
 
 signals:
     void opened(SxOpenedRecording const& info);
@@ -41,7 +43,7 @@ private:
     void connectPlayer();
     void connectActions();
     void connectTimeline();
-    void askForNumber();
+    void askForPlace();
     void takeOpened(SxOpenedRecording const& info);
     void takeOpenFailure(QString const& fileName, QString const& error);
     QString whereToGoOn(int number) const;
@@ -55,6 +57,7 @@ private:
     QWidget& m_window; ///< of its questions
     CxPlayer m_player;
     CxMarkControl m_marks;
+    CxSpeedControl m_speed;
     bool m_resumesAfterDrag = false;
     QSet<int> m_broken;                ///< numbers of the pictures found broken
     bool m_isAnyShown = false;         ///< of this recording, so that its kind is one that can be

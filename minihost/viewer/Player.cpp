@@ -1,8 +1,10 @@
 #include "Player.h"
 
 #include <algorithm>
+#include <cmath>
 
 static constexpr qint64 kSecond = 1000000000;
+static constexpr double kMostOfAll = 4.0; // speed; beyond, no screen shows every picture
 
 CxPlayer::CxPlayer(QObject* parent)
     : QObject(parent)
@@ -55,7 +57,7 @@ void CxPlayer::seek(int number)
     if (!isOpen())
         return;
     number = std::clamp(number, 0, m_info.count - 1);
-    bool const isBackwards = number == m_wanted - 1;
+    bool const isBackwards = number == m_wanted - 1 || (m_isPlaying && m_order.isBackwards);
     m_wanted = number;
     m_held.reset();
     m_timer.stop();
@@ -71,6 +73,12 @@ void CxPlayer::step(int pictures)
 {
     setPlaying(false);
     seek(m_wanted + pictures);
+}
+
+void CxPlayer::skip(double seconds)
+{
+    int const pictures = std::max(static_cast<int>(std::lround(std::abs(seconds) * m_info.fps)), 1);
+    seek(m_wanted + (seconds < 0.0 ? -pictures : pictures));
 }
 
 void CxPlayer::toNextKeyFrame()
@@ -98,8 +106,19 @@ void CxPlayer::setLoopedPart(int first, int last)
 void CxPlayer::setSpeed(double speed)
 {
     m_speed = speed;
+    m_order.stride = std::max(static_cast<int>(std::lround(speed / kMostOfAll)), 1);
     m_due = m_clock.nsecsElapsed();
     m_shownTimes.clear();
+}
+
+void CxPlayer::setBackwards(bool isBackwards)
+{
+    if (isBackwards == m_order.isBackwards)
+        return;
+    bool const wasPlaying = m_isPlaying;
+    setPlaying(false); // what was read ahead lies on the other side
+    m_order.isBackwards = isBackwards;
+    setPlaying(wasPlaying);
 }
 
 void CxPlayer::setPlaying(bool isPlaying)
@@ -131,7 +150,7 @@ void CxPlayer::setPlaying(bool isPlaying)
     }
 }
 
-/// Asks for the picture behind the one shown while that is on the screen.
+/// Asks for the picture that follows the one shown while that is on the screen.
 void CxPlayer::requestAhead()
 {
     int const next = m_order.after(m_wanted);
@@ -141,7 +160,7 @@ void CxPlayer::requestAhead()
     }
     m_wanted = next;
     m_isSeeking = false;
-    m_aheadTicket = m_reader.request(next);
+    m_aheadTicket = m_reader.request(next, m_order.isBackwards);
 }
 
 void CxPlayer::takePicture(int ticket, SxShownPicture const& picture) { take(ticket, {picture, {}}); }

@@ -11,9 +11,9 @@
 
 /// Plays one recording: decides which picture comes next and when. GUI thread.
 ///
-/// Every picture is played; where decoding is slower than the clock, playing is slower too. A broken one
-/// takes its time like any other, and playing goes on behind it. Only shown() says which picture is on the
-/// screen; it comes with the picture.
+/// Up to four times the recording's speed every picture is played, faster every second or fourth; where
+/// decoding is slower than the clock, playing is slower too. A broken one takes its time like any other, and
+/// playing goes on behind it. Only shown() says which picture is on the screen; it comes with the picture.
 class CxPlayer : public QObject
 {
     Q_OBJECT
@@ -27,22 +27,22 @@ public:
 
     bool isOpen() const { return m_info.count > 0; }
     SxOpenedRecording const& info() const { return m_info; }
-    int shownNumber() const { return m_shown; } ///< of the picture on the screen, -1 for none
-    int reachedNumber() const
-    {
-        return m_reached;
-    } ///< of the picture last shown or found broken, -1 for none
+    int shownNumber() const { return m_shown; }     ///< of the picture on the screen, -1 for none
+    int reachedNumber() const { return m_reached; } ///< likewise, or of one found broken since
     bool isPlaying() const { return m_isPlaying; }
     int picturesDecoded() const { return m_reader.picturesDecoded(); }
 
     void setLooping(bool isLooping) { m_order.isLooping = isLooping; }
-    void setLoopedPart(int first,
-                       int last); ///< numbers of its pictures; another recording is looped as a whole
-    void setSpeed(double speed);  ///< 1.0 is the recording's own
+    /// Numbers of the pictures that a loop repeats. Another recording is looped as a whole.
+    void setLoopedPart(int first, int last);
+    void setSpeed(double speed); ///< 1.0 is the recording's own
+    void setBackwards(bool isBackwards);
+    bool isBackwards() const { return m_order.isBackwards; }
 
 public slots:
     void seek(int number); ///< shows a picture; numbers outside are brought inside
     void step(int pictures);
+    void skip(double seconds); ///< of the recording; playing goes on from there
     void toNextKeyFrame();
     void toPreviousKeyFrame();
     void setPlaying(bool isPlaying);
@@ -72,7 +72,7 @@ private:
     void showHeld();
     void show(SxAnswer const& answer);
     void measureRate();
-    qint64 interval() const { return static_cast<qint64>(1e9 / (m_info.fps * m_speed)); }
+    qint64 interval() const { return static_cast<qint64>(1e9 * m_order.stride / (m_info.fps * m_speed)); }
 
     CxPictureReader m_reader;
     SxOpenedRecording m_info;

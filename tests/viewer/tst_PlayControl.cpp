@@ -42,6 +42,10 @@ private slots:
     void keysChoosePicture_data();
     void keysChoosePicture();
     void goesToPictureWithNumber();
+    void goesToPictureAtTime_data();
+    void goesToPictureAtTime();
+    void keysSkipSeconds();
+    void playsBackwardsByKey();
     void playsToTheEnd();
     void loopKeyStartsOver();
     void saysWhyFileDoesNotOpen_data();
@@ -153,20 +157,86 @@ void tst_PlayControl::goesToPictureWithNumber()
     auto* const number = viewer.child<QLineEdit>("goToNumber");
     auto* const note = viewer.child<QLabel>("goToNote");
     QVERIFY(number);
-    for (QString const text : {"9999", "40", "-1", "x", ""}) {
+    for (QString const text : {"9999", "40", "-1", "x", "", "1:61", "0:02", "1.34 s"}) {
         number->selectAll();
         QTest::keyClick(number, Qt::Key_Delete);
         QTest::keyClicks(number, text);
         QTest::keyClick(number, Qt::Key_Return);
         QVERIFY(note->isVisible());
-        QCOMPARE(note->text(),
-                 QStringLiteral("There is no picture “%1”: they are numbered from 0 to 39.").arg(text));
+        QCOMPARE(
+            note->text(),
+            QStringLiteral("There is no picture “%1”: they are numbered from 0 to 39, and the last begins at "
+                           "0:00:01.300.")
+                .arg(text));
     }
     number->selectAll();
     QTest::keyClicks(number, QStringLiteral("31"));
     QTest::keyClick(number, Qt::Key_Return);
     QTRY_COMPARE(viewer.window.player().shownNumber(), 31);
     QTRY_VERIFY(!viewer.window.findChild<QDialog*>(QStringLiteral("goToDialog")));
+}
+
+void tst_PlayControl::goesToPictureAtTime_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("number");
+    QTest::newRow("as shown") << "0:00:00.900" << 27;
+    QTest::newRow("as shown, rounded off") << "0:00:00.766" << 23;
+    QTest::newRow("just before") << "0:00:00.899" << 26;
+    QTest::newRow("minutes") << "0:01" << 30;
+    QTest::newRow("seconds") << "1 s" << 30;
+    QTest::newRow("comma") << "0,5" << 15;
+}
+
+void tst_PlayControl::goesToPictureAtTime()
+{
+    QFETCH(QString, text);
+    QFETCH(int, number);
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_G, Qt::ControlModifier);
+    auto* const place = viewer.child<QLineEdit>("goToNumber");
+    QVERIFY(place);
+    QTest::keyClicks(place, text);
+    QVERIFY(viewer.text("goToMeaning").startsWith(QStringLiteral("Picture %1, ").arg(number)));
+    QTest::keyClick(place, Qt::Key_Return);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), number);
+}
+
+void tst_PlayControl::keysSkipSeconds()
+{
+    QString const noted = m_fixture->path(QStringLiteral("slow.h264"));
+    SxSidecar sidecar;
+    sidecar.rate = {2};
+    QVERIFY(fx_CopyWithSidecar(m_recording, noted, sidecar));
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(noted));
+    auto const goesTo = [&](Qt::Key key, Qt::KeyboardModifiers modifiers, int number) {
+        viewer.key(key, modifiers);
+        return QTest::qWaitFor([&] { return viewer.window.player().shownNumber() == number; });
+    };
+    Qt::KeyboardModifiers const both = Qt::ControlModifier | Qt::ShiftModifier;
+    QVERIFY(goesTo(Qt::Key_Right, Qt::ControlModifier, 2));
+    QVERIFY(goesTo(Qt::Key_Right, both, 22));
+    QVERIFY(goesTo(Qt::Key_Right, both, 39));
+    QVERIFY(goesTo(Qt::Key_Left, Qt::ControlModifier, 37));
+    QVERIFY(goesTo(Qt::Key_Left, both, 17));
+}
+
+void tst_PlayControl::playsBackwardsByKey()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_End);
+    QTRY_COMPARE(viewer.window.player().shownNumber(), 39);
+    viewer.key(Qt::Key_J);
+    QTRY_VERIFY(viewer.window.player().shownNumber() < 36);
+    QVERIFY(viewer.window.player().isPlaying());
+    viewer.key(Qt::Key_Space); // pauses
+    QVERIFY(!viewer.window.player().isPlaying());
+    int const paused = viewer.window.player().shownNumber();
+    viewer.key(Qt::Key_Space); // and then plays forwards
+    QTRY_VERIFY(viewer.window.player().shownNumber() > paused);
 }
 
 void tst_PlayControl::playsToTheEnd()

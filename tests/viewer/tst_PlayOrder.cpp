@@ -12,6 +12,8 @@ private slots:
     void loopRepeatsPart();
     void loopFromBehindPartGoesOnToTheEnd();
     void partAloneLoopsNothing();
+    void backwardsRunsTheOtherWay();
+    void longStridesMeetBothEnds();
 
 private:
     SxPlayOrder m_order;
@@ -59,6 +61,32 @@ void tst_PlayOrder::partAloneLoopsNothing()
     QCOMPARE(m_order.start(), 0);
     QCOMPARE(m_order.after(6), 7);
     QCOMPARE(m_order.after(9), -1);
+}
+
+void tst_PlayOrder::backwardsRunsTheOtherWay()
+{
+    m_order = {10, 4, 6, false, true};
+    QCOMPARE(m_order.start(), 9);
+    QCOMPARE(m_order.after(9), 8);
+    QCOMPARE(m_order.after(0), -1);
+    m_order.isLooping = true;
+    QCOMPARE(m_order.start(), 6);
+    QCOMPARE(m_order.after(9), 8);
+    QCOMPARE(m_order.after(4), 6);
+    QCOMPARE(m_order.after(3), 2);
+    QCOMPARE(m_order.after(0), 6);
+}
+
+void tst_PlayOrder::longStridesMeetBothEnds()
+{
+    m_order = {10, 4, 6, true, false, 4};
+    QCOMPARE(m_order.after(0), 4);
+    QCOMPARE(m_order.after(4), 6);
+    QCOMPARE(m_order.after(6), 4);
+    m_order = {10, 0, 9, false, true, 4};
+    QCOMPARE(m_order.after(9), 5);
+    QCOMPARE(m_order.after(1), 0);
+    QCOMPARE(m_order.after(0), -1);
 }
 
 QTEST_MAIN(tst_PlayOrder)

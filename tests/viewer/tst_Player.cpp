@@ -13,6 +13,9 @@ private slots:
 
     void numberIsThatOfThePicture();
     void playsEveryPictureOnce();
+    void playsEveryPictureBackwardsDecodingItOnce();
+    void turnsRoundWhilePlaying();
+    void fastestPassesPicturesOverButNotTheLast();
     void playsFromTheEndAgain();
     void pauseStaysAtPictureShown();
     void seekWhilePlayingGoesOn();
@@ -72,6 +75,59 @@ void tst_Player::playsEveryPictureOnce()
     QVERIFY(rate.size() > 20);
     QVERIFY(rate.first().first().toDouble() > 0.0);
     QCOMPARE(rate.last().first().toDouble(), 0.0);
+}
+
+void tst_Player::playsEveryPictureBackwardsDecodingItOnce()
+{
+    CxPlayer player;
+    QSignalSpy shown(&player, &CxPlayer::shown);
+    player.open(m_recording);
+    QVERIFY(shown.wait());
+    shown.clear();
+    int const decodedBefore = player.picturesDecoded();
+    player.setSpeed(4.0);
+    player.setBackwards(true);
+    player.setPlaying(true); // from the beginning, that is from the end
+    QTRY_VERIFY(!player.isPlaying());
+    QCOMPARE(shown.size(), 24);
+    for (int i = 0; i < 24; ++i) {
+        auto const picture = shown[i].first().value<SxShownPicture>();
+        QCOMPARE(picture.number, 23 - i);
+        QCOMPARE(picture.image, CxViewerFixture::decoded(m_recording, 23 - i));
+    }
+    QVERIFY(player.picturesDecoded() - decodedBefore <= 24);
+}
+
+void tst_Player::turnsRoundWhilePlaying()
+{
+    CxPlayer player;
+    QSignalSpy shown(&player, &CxPlayer::shown);
+    player.open(m_recording);
+    QVERIFY(shown.wait());
+    player.setPlaying(true);
+    QTRY_VERIFY(player.shownNumber() >= 3);
+    int const turned = player.shownNumber();
+    shown.clear();
+    player.setBackwards(true);
+    QVERIFY(player.isPlaying());
+    QTRY_VERIFY(shown.size() >= 2);
+    QCOMPARE(shown[0].first().value<SxShownPicture>().number, turned - 1);
+    QCOMPARE(shown[1].first().value<SxShownPicture>().number, turned - 2);
+}
+
+void tst_Player::fastestPassesPicturesOverButNotTheLast()
+{
+    CxPlayer player;
+    QSignalSpy shown(&player, &CxPlayer::shown);
+    player.open(m_recording);
+    QVERIFY(shown.wait());
+    player.setSpeed(16.0);
+    player.setPlaying(true);
+    QTRY_VERIFY(!player.isPlaying());
+    QVector<int> numbers;
+    for (auto const& arguments : shown)
+        numbers.append(arguments.first().value<SxShownPicture>().number);
+    QCOMPARE(numbers, (QVector<int>{0, 4, 8, 12, 16, 20, 23}));
 }
 
 void tst_Player::playsFromTheEndAgain()

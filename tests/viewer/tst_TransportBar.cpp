@@ -60,16 +60,16 @@ void tst_TransportBar::speedBoxFollowsSpeedsAndSetsThem()
     CxViewerWindow viewer(*m_fixture);
     QVERIFY(viewer.open(m_recording));
     auto* const box = viewer.child<QComboBox>("speed");
-    QCOMPARE(box->count(), 5);
-    QCOMPARE(box->currentIndex(), 2);
+    QCOMPARE(box->count(), 9);
+    QCOMPARE(box->currentIndex(), 4);
     box->setFocus();
     QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(box->currentIndex(), 3);
+    QCOMPARE(box->currentIndex(), 5);
     auto* const group = viewer.window.findChild<CxActions*>()->speeds;
     QCOMPARE(group->checkedAction()->data().toDouble(), 2.0);
     group->actions().first()->trigger();
     QCOMPARE(box->currentIndex(), 0);
-    QCOMPARE(group->checkedAction()->data().toDouble(), 0.25);
+    QCOMPARE(group->checkedAction()->data().toDouble(), 0.0625);
 }
 
 QTEST_MAIN(tst_TransportBar)

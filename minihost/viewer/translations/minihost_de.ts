@@ -67,10 +67,6 @@
         <translation>Le&amp;tztes Bild</translation>
     </message>
     <message>
-        <source>&amp;Go to Picture…</source>
-        <translation>&amp;Gehe zu Bild …</translation>
-    </message>
-    <message>
         <source>&amp;Loop</source>
         <translation>Endloss&amp;chleife</translation>
     </message>
@@ -158,6 +154,46 @@
         <source>C&amp;lear Marks</source>
         <translation>&amp;Marken löschen</translation>
     </message>
+    <message>
+        <source>Play &amp;Backwards</source>
+        <translation>&amp;Rückwärts wiedergeben</translation>
+    </message>
+    <message>
+        <source>1 Second Bac&amp;k</source>
+        <translation>1 Sekunde &amp;zurück</translation>
+    </message>
+    <message>
+        <source>1 Second &amp;On</source>
+        <translation>1 Sekunde &amp;vor</translation>
+    </message>
+    <message>
+        <source>10 Seconds Ba&amp;ck</source>
+        <translation>10 Sekunden z&amp;urück</translation>
+    </message>
+    <message>
+        <source>10 Seconds O&amp;n</source>
+        <translation>10 Sekunden v&amp;or</translation>
+    </message>
+    <message>
+        <source>&amp;Go to Picture or Time…</source>
+        <translation>&amp;Gehe zu Bild oder Zeit …</translation>
+    </message>
+    <message>
+        <source>&amp;Slower</source>
+        <translation>&amp;Langsamer</translation>
+    </message>
+    <message>
+        <source>&amp;Faster</source>
+        <translation>&amp;Schneller</translation>
+    </message>
+    <message>
+        <source>&amp;Normal Speed</source>
+        <translation>&amp;Normale Geschwindigkeit</translation>
+    </message>
+    <message>
+        <source>By &amp;Time</source>
+        <translation>Nach &amp;Zeit</translation>
+    </message>
 </context>
 <context>
     <name>CxFileDialogs</name>
@@ -189,16 +225,24 @@
 <context>
     <name>CxGoToDialog</name>
     <message>
-        <source>Go to Picture</source>
-        <translation>Gehe zu Bild</translation>
+        <source>Go to Picture or Time</source>
+        <translation>Gehe zu Bild oder Zeit</translation>
     </message>
     <message>
-        <source>&amp;Number, 0 to %1:</source>
-        <translation>&amp;Nummer, 0 bis %1:</translation>
+        <source>&amp;Number, or time as 1:02.500 or 62.5 s:</source>
+        <translation>&amp;Nummer, oder Zeit wie 1:02,500 oder 62,5 s:</translation>
     </message>
     <message>
-        <source>There is no picture “%1”: they are numbered from 0 to %2.</source>
-        <translation>Es gibt kein Bild „%1“: Die Nummern gehen von 0 bis %2.</translation>
+        <source>Picture %1, %2</source>
+        <translation>Bild %1, %2</translation>
+    </message>
+    <message>
+        <source>Pictures 0 to %1, times 0:00:00.000 to %2</source>
+        <translation>Bilder 0 bis %1, Zeiten 0:00:00.000 bis %2</translation>
+    </message>
+    <message>
+        <source>There is no picture “%1”: they are numbered from 0 to %2, and the last begins at %3.</source>
+        <translation>Es gibt kein Bild „%1“: Die Nummern gehen von 0 bis %2, und das letzte beginnt bei %3.</translation>
     </message>
 </context>
 <context>
