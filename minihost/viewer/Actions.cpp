@@ -60,6 +60,7 @@ CxActions::CxActions(QObject* parent)
     , zoomIn(add("zoomIn", tr("Zoom &In"), {fx_Ctrl(Qt::Key_Plus), fx_Ctrl(Qt::Key_Equal)}))
     , zoomOut(add("zoomOut", tr("Zoom &Out"), {fx_Ctrl(Qt::Key_Minus)}))
     , fullScreen(add("fullScreen", tr("F&ull Screen"), {Qt::Key_F, Qt::Key_F11}))
+    , look(*this)
     , keys(add("keys", tr("&Keys"), {Qt::Key_F1}))
     , about(add("about", tr("&About and Licences")))
 {
@@ -107,6 +108,7 @@ void CxActions::fill(QMenuBar* bar)
 
     QMenu* const view = bar->addMenu(tr("&View"));
     view->addActions({fit, actualSize, zoomIn, zoomOut});
+    look.fill(view);
     view->addSeparator();
     view->addAction(fullScreen);
 

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPalette>
 
+#include "LookActions.h"
+
 class QAction;
 class QActionGroup;
 class QMenu;
@@ -19,6 +21,7 @@ public:
     explicit CxActions(QObject* parent);
 
     void fill(QMenuBar* bar);
+    QAction* add(char const* objectName, QString const& text, QList<QKeySequence> const& keys = {});
     void updateIcons(QPalette const& palette);
     void showPlaying(bool isPlaying); ///< the one button plays or pauses
 
@@ -58,12 +61,11 @@ public:
     QAction* zoomIn;
     QAction* zoomOut;
     QAction* fullScreen;
+    CxLookActions look;
     QAction* keys;
     QAction* about;
 
 private:
-    QAction* add(char const* objectName, QString const& text, QList<QKeySequence> const& keys = {});
-
     QIcon m_playIcon;
     QIcon m_pauseIcon;
     bool m_isPlaying = false;

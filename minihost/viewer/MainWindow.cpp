@@ -44,6 +44,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_status(new CxStatusBar(*m_view, this))
     , m_play(*m_actions, *m_view, *m_transport, *m_messageBar, *this)
     , m_live(*m_actions, *m_view, *m_transport, *m_messageBar)
+    , m_look(*m_actions, *m_view, *this)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
 {
     setObjectName(QStringLiteral("mainWindow"));
@@ -80,7 +81,7 @@ void CxMainWindow::buildCentre()
     column->setSpacing(0);
     column->addWidget(m_messageBar);
     column->addWidget(m_recordBar);
-    column->addWidget(m_pages, 1);
+    column->addWidget(m_look.frame(m_pages), 1);
     column->addWidget(m_transport);
     setCentralWidget(centre);
 }
@@ -112,10 +113,6 @@ void CxMainWindow::connectActions()
     on(a.quit, [this] { close(); });
     on(a.copy, [this] { QApplication::clipboard()->setImage(m_view->picture().image.copy()); });
     on(a.play, [this] { m_live.isOpen() ? m_live.toggleFrozen() : m_play.togglePlaying(); });
-    on(a.fit, [this] { m_view->fit(); });
-    on(a.actualSize, [this] { m_view->showActualSize(); });
-    on(a.zoomIn, [this] { m_view->zoomIn(); });
-    on(a.zoomOut, [this] { m_view->zoomOut(); });
     on(a.fullScreen, [this](bool isOn) { setFullScreen(isOn); });
     on(a.keys, [this] {
         auto* const window = new CxHelpWindow(*m_actions, this);

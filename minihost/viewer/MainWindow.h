@@ -3,6 +3,7 @@
 #include <QMainWindow>
 
 #include "LiveControl.h"
+#include "LookControl.h"
 #include "PlayControl.h"
 #include "RecordControl.h"
 
@@ -70,6 +71,7 @@ private:
     CxRecentFiles* m_recent;
     CxPlayControl m_play;
     CxLiveControl m_live;
+    CxLookControl m_look;
     bool m_isOpening = false; ///< something else than what is shown
     CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

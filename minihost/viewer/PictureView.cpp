@@ -12,6 +12,7 @@ static constexpr double kLargestZoom = 64.0;
 static constexpr double kSmallestZoom = 1.0 / 32.0;
 static constexpr double kZoomStep = 1.25;
 static constexpr double kPanStep = 48.0;
+static constexpr double kStripe = 4.0; // screen pixels that a stripe over clipped pixels is wide
 
 // Pictures are judged against the same dark surround whatever the desktop's colours.
 static QColor const kSurround(0x1c, 0x1c, 0x1e);
@@ -29,7 +30,18 @@ CxPictureView::CxPictureView(QWidget* parent)
 void CxPictureView::redraw()
 {
     m_reduced = {};
+    if (m_look.marksClipping) // stripes are as wide at any zoom
+        m_looked = {};
     update();
+}
+
+void CxPictureView::setLook(SxPictureLook const& look)
+{
+    if (look == m_look)
+        return;
+    m_look = look;
+    m_looked = {};
+    redraw();
 }
 
 void CxPictureView::setPicture(SxShownPicture const& picture)
@@ -38,6 +50,7 @@ void CxPictureView::setPicture(SxShownPicture const& picture)
     bool const isNone = picture.image.isNull();
     bool const isNewSize = !isNone && picture.image.size() != m_size;
     m_picture = picture;
+    m_looked = {};
     m_notice.clear();
     if (isNewSize) {
         m_size = picture.image.size();
@@ -123,7 +136,7 @@ void CxPictureView::pan(QPointF const& distance)
 {
     m_offset += distance;
     keepInside();
-    redraw();
+    update();
     point(m_mouse);
 }
 
@@ -139,6 +152,20 @@ void CxPictureView::point(QPointF const& position)
     emit pixelPointed(isInside ? pixelAt(position) : QPoint(-1, -1));
 }
 
+/// What is painted, in pixels of the picture or, where these are fewer, of the screen.
+QImage CxPictureView::screenImage()
+{
+    if (m_looked.isNull()) {
+        int const stripe = std::max(static_cast<int>(std::lround(kStripe / zoom())), 1);
+        m_looked = fx_LookedAt(m_picture, m_look, stripe);
+    }
+    if (zoom() >= 1.0)
+        return m_looked;
+    if (m_reduced.isNull())
+        m_reduced = m_looked.scaled(screenSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return m_reduced;
+}
+
 void CxPictureView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
@@ -149,10 +176,8 @@ void CxPictureView::paintEvent(QPaintEvent* event)
                          m_notice);
         return;
     }
-    if (m_reduced.isNull() && zoom() < 1.0)
-        m_reduced = m_picture.image.scaled(screenSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom() < 2.0);
-    painter.drawImage(target(), m_reduced.isNull() ? m_picture.image : m_reduced);
+    painter.drawImage(target(), screenImage());
 }
 
 void CxPictureView::resizeEvent(QResizeEvent*)

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "ShownPicture.h"
+#include "PictureLook.h"
 
 /// Shows one picture: fitted to the window or enlarged, with wheel and mouse as in any image viewer.
 ///
@@ -19,6 +19,9 @@ public:
     void setPicture(SxShownPicture const& picture);
     void setNotice(QString const& text); ///< text in place of a picture
     SxShownPicture const& picture() const { return m_picture; }
+
+    void setLook(SxPictureLook const& look); ///< how it is shown from now on
+    SxPictureLook const& look() const { return m_look; }
 
     bool isFitted() const { return m_isFitted; }
     double zoom() const;                              ///< screen pixels for each pixel of the picture
@@ -61,8 +64,10 @@ private:
     void keepInside();
     void point(QPointF const& position);
     void redraw();
+    QImage screenImage();
 
     SxShownPicture m_picture;
+    SxPictureLook m_look;
     QSize m_size; ///< of the last picture that was none of the missing
     QString m_notice;
     bool m_isFitted = true;
@@ -70,5 +75,6 @@ private:
     QPointF m_offset;        ///< top left corner of the picture in the widget
     QPointF m_mouse{-1, -1}; ///< last place of the mouse, negative when it is elsewhere
     bool m_isDragging = false;
-    QImage m_reduced; ///< the picture in screen pixels, when these are fewer; null until painted
+    QImage m_looked;  ///< the picture as it is to look; null until painted
+    QImage m_reduced; ///< that in screen pixels, when these are fewer; null until painted
 };

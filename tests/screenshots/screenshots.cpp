@@ -132,6 +132,10 @@ static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString con
     if (scene == QLatin1String("marks"))
         return fx_RenderMarks(window);
     auto* const view = window.findChild<CxPictureView*>();
+    if (scene == QLatin1String("levels")) {
+        window.findChild<QAction*>(QStringLiteral("levels"))->trigger();
+        window.findChild<QAction*>(QStringLiteral("markClipping"))->trigger();
+    }
     QTest::mouseMove(view, QPoint(view->width() / 2, view->height() / 3));
     QTest::qWait(100);
     return window.grab();

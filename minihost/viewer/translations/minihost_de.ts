@@ -194,6 +194,18 @@
         <source>By &amp;Time</source>
         <translation>Nach &amp;Zeit</translation>
     </message>
+    <message>
+        <source>&amp;Histogram and Levels</source>
+        <translation>&amp;Histogramm und Tonwerte</translation>
+    </message>
+    <message>
+        <source>&amp;Mark Clipped Pixels</source>
+        <translation>Ausgefressene &amp;Pixel markieren</translation>
+    </message>
+    <message>
+        <source>Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail</source>
+        <translation>Streifen über Pixeln am oberen Ende der Skala (rot) und bei 0 (blau), wo das Bild keine Zeichnung mehr hat</translation>
+    </message>
 </context>
 <context>
     <name>CxFileDialogs</name>
@@ -285,6 +297,68 @@
     </message>
 </context>
 <context>
+    <name>CxHistogramPlot</name>
+    <message>
+        <source>Value %1: %2 samples</source>
+        <translation>Wert %1: %2 Abtastwerte</translation>
+    </message>
+</context>
+<context>
+    <name>CxLevelsPanel</name>
+    <message>
+        <source>Histogram</source>
+        <translation>Histogramm</translation>
+    </message>
+    <message>
+        <source>Values up to this are shown black</source>
+        <translation>Werte bis hierher erscheinen schwarz</translation>
+    </message>
+    <message>
+        <source>Values from this on are shown white</source>
+        <translation>Werte von hier an erscheinen weiß</translation>
+    </message>
+    <message>
+        <source>Above 1 dark parts are shown brighter, below 1 darker</source>
+        <translation>Über 1 erscheinen dunkle Teile heller, unter 1 dunkler</translation>
+    </message>
+    <message>
+        <source>&amp;Auto</source>
+        <translation>&amp;Automatisch</translation>
+    </message>
+    <message>
+        <source>Spreads the values of this picture from black to white</source>
+        <translation>Spreizt die Werte dieses Bildes von Schwarz bis Weiß</translation>
+    </message>
+    <message>
+        <source>Rese&amp;t</source>
+        <translation>&amp;Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Shows the picture as it is</source>
+        <translation>Zeigt das Bild, wie es ist</translation>
+    </message>
+    <message>
+        <source>&amp;Black:</source>
+        <translation>&amp;Schwarz:</translation>
+    </message>
+    <message>
+        <source>&amp;White:</source>
+        <translation>&amp;Weiß:</translation>
+    </message>
+    <message>
+        <source>&amp;Gamma:</source>
+        <translation>&amp;Gamma:</translation>
+    </message>
+    <message>
+        <source>Only what is shown changes, not what is saved.</source>
+        <translation>Nur die Anzeige ändert sich, nicht was gespeichert wird.</translation>
+    </message>
+    <message>
+        <source>%1 % of the values are 0, %2 % are %3.</source>
+        <translation>%1 % der Werte sind 0, %2 % sind %3.</translation>
+    </message>
+</context>
+<context>
     <name>CxLiveControl</name>
     <message>
         <source>The source has ended.</source>
@@ -293,6 +367,13 @@
     <message>
         <source>The source cannot be read.</source>
         <translation>Die Quelle lässt sich nicht lesen.</translation>
+    </message>
+</context>
+<context>
+    <name>CxLookControl</name>
+    <message>
+        <source>Histogram and Levels</source>
+        <translation>Histogramm und Tonwerte</translation>
     </message>
 </context>
 <context>
