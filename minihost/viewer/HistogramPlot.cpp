@@ -83,8 +83,8 @@ void CxHistogramPlot::mouseMoveEvent(QMouseEvent* event)
         return;
     std::vector<quint32> const& counts = m_histogram.counts[0];
     double const share = std::clamp(fx_MousePosition(*event).x() / width(), 0.0, 1.0);
-    auto const sample = std::min(static_cast<size_t>(share * static_cast<double>(counts.size())),
-                                 counts.size() - 1);
+    auto const sample =
+        std::min(static_cast<size_t>(share * static_cast<double>(counts.size())), counts.size() - 1);
     quint32 pixels = 0;
     for (std::vector<quint32> const& component : m_histogram.counts)
         pixels += component.empty() ? 0 : component[sample];

@@ -7,8 +7,8 @@
 /// Which samples the screen shows black and white, and how those between.
 struct SxLevels
 {
-    int black = 0; ///< samples up to this, in the scale of their source, are black
-    int white = 0; ///< samples from this on are white; above black
+    int black = 0;      ///< samples up to this, in the scale of their source, are black
+    int white = 0;      ///< samples from this on are white; above black
     double gamma = 1.0; ///< 1: evenly between; more: dark ones brighter
 
     bool operator==(SxLevels const& other) const

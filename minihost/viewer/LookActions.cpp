@@ -11,8 +11,8 @@ CxLookActions::CxLookActions(CxActions& actions)
 {
     for (QAction* const action : {levels, markClipping})
         action->setCheckable(true);
-    markClipping->setToolTip(
-        CxActions::tr("Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail"));
+    markClipping->setToolTip(CxActions::tr(
+        "Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail"));
 }
 
 void CxLookActions::fill(QMenu* view)

@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QMainWindow>
 
-
 #include "Actions.h"
 #include "LevelsPanel.h"
 #include "LookDock.h"

@@ -10,8 +10,8 @@ class CxLookActions;
 class CxPictureView;
 class QMainWindow;
 
-/// Looks closer at the picture shown: its zoom, its histogram, with which levels it is shown, where it is clipped.
-/// Whole pictures are looked through only while there is somebody to see it.
+/// Looks closer at the picture shown: its zoom, its histogram, with which levels it is shown, where it is
+/// clipped. Whole pictures are looked through only while there is somebody to see it.
 class CxLookControl : public QObject
 {
     Q_OBJECT

@@ -15,7 +15,10 @@ public:
         int const bar = verticalScrollBar()->sizeHint().width();
         return {widget()->minimumSizeHint().width() + bar, 60};
     }
-    QSize sizeHint() const override { return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0); }
+    QSize sizeHint() const override
+    {
+        return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0);
+    }
 };
 
 void fx_AddLookDock(QMainWindow& window, QString const& name, QString const& title, QWidget* panel,

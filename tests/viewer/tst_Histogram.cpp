@@ -23,7 +23,8 @@ private slots:
 static SxShownPicture fx_Words(std::vector<quint16> const& words, quint32 bits, int sourceBits = 0)
 {
     SxPicBuf picture;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(picture, fx_PackedFormat(quint32(words.size()), 1, 1, bits), false, 0))
+    if (!CxPicBufAPI::AllocPicBufFromHeap(picture, fx_PackedFormat(quint32(words.size()), 1, 1, bits), false,
+                                          0))
         return {};
     std::copy(words.begin(), words.end(), reinterpret_cast<quint16*>(picture.data));
     auto data = std::make_unique<CxImageData>();
@@ -65,7 +66,8 @@ void tst_Histogram::countsEverySample()
 
 void tst_Histogram::countsInTheScaleOfTheSource()
 {
-    SxHistogram const histogram = fx_Histogram(fx_Words({0, 0, 16, 1910 << 4, 0xFFF0, 0xFFFF, 32, 48}, 16, 12));
+    SxHistogram const histogram =
+        fx_Histogram(fx_Words({0, 0, 16, 1910 << 4, 0xFFF0, 0xFFFF, 32, 48}, 16, 12));
     QCOMPARE(histogram.bits, 12u);
     QCOMPARE(histogram.counts[0].size(), size_t{4096});
     QCOMPARE(histogram.counts[0][1910], 1u);
@@ -79,8 +81,8 @@ void tst_Histogram::countsInTheScaleOfTheSource()
 void tst_Histogram::autoLevelsLeaveOutAThousandth()
 {
     std::vector<quint16> words(2000, 1000);
-    words[0] = 3;                                    // a dead pixel
-    words[1] = 4095;                                 // a light
+    words[0] = 3;    // a dead pixel
+    words[1] = 4095; // a light
     std::fill(words.begin() + 2, words.begin() + 102, quint16{200});
     std::fill(words.begin() + 102, words.begin() + 302, quint16{1500});
     SxLevels const levels = fx_AutoLevels(fx_Histogram(fx_Words(words, 12)));
@@ -102,8 +104,8 @@ void tst_Histogram::levelsSpreadSamplesOverTheScreen()
 {
     std::vector<uchar> const table = fx_LevelTable({100, 300, 1.0}, 12);
     QCOMPARE(table.size(), size_t{4096});
-    for (auto const& at : {std::pair(0, 0), std::pair(100, 0), std::pair(200, 128), std::pair(300, 255),
-                           std::pair(4095, 255)})
+    for (auto const& at :
+         {std::pair(0, 0), std::pair(100, 0), std::pair(200, 128), std::pair(300, 255), std::pair(4095, 255)})
         QCOMPARE(int(table[size_t(at.first)]), at.second);
     QCOMPARE(int(fx_LevelTable({0, 200, 2.0}, 8)[50]), 128); // the root of a quarter
 
@@ -138,7 +140,8 @@ void tst_Histogram::marksClippedPixelsOnly()
     SxPictureLook look;
     look.marksClipping = true;
     // Of a 12-bit source in 16 bits: two each of black, nearly so, nearly white, white.
-    SxShownPicture const picture = fx_Words({0, 0, 16, 16, 4094 << 4, 4094 << 4, 4095 << 4, 4095 << 4}, 16, 12);
+    SxShownPicture const picture =
+        fx_Words({0, 0, 16, 16, 4094 << 4, 4094 << 4, 4095 << 4, 4095 << 4}, 16, 12);
     QImage const marked = fx_LookedAt(picture, look, 1);
     QImage const plain = picture.image.convertToFormat(QImage::Format_RGB32);
     auto const isMarked = [&](int x) { return marked.pixel(x, 0) != plain.pixel(x, 0); };

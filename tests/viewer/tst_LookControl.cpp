@@ -76,7 +76,8 @@ void tst_LookControl::levelsChangeTheDisplayOnly()
     int brighter = 0;
     int darker = 0;
     for (int x = 0; x < before.width(); ++x) {
-        int const difference = qGray(after.pixel(x, before.height() / 2)) - qGray(before.pixel(x, before.height() / 2));
+        int const difference =
+            qGray(after.pixel(x, before.height() / 2)) - qGray(before.pixel(x, before.height() / 2));
         brighter += difference > 0 ? 1 : 0;
         darker += difference < 0 ? 1 : 0;
     }
