@@ -9,6 +9,7 @@
 #include "ProgressLine.h"
 #include "VerifyExamination.h"
 #include "VerifyReport.h"
+#include "VerifyWatch.h"
 #include "VerifyWorker.h"
 
 namespace {
@@ -89,6 +90,8 @@ int fx_RunVerify(QStringList const& arguments)
 {
     if (arguments.value(1) == QLatin1String("--worker")) // for this program alone
         return fx_RunVerifyWorker(arguments.mid(2));
+    if (arguments.value(1) == QLatin1String("--watched"))
+        return fx_RunWatchedVerify(arguments.mid(2));
     QCommandLineParser parser;
     fx_AddOptions(parser, fx_Options());
     SxPlayArguments parsed;

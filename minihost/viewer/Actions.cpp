@@ -30,6 +30,7 @@ CxActions::CxActions(QObject* parent)
     , openSource(add("openSource", tr("Open &Video, Stream or Device…"), {fx_Ctrl(Qt::Key_U)}))
     , record(add("record", tr("&Record…"), {fx_Ctrl(Qt::Key_R)}))
     , savePicture(add("savePicture", tr("&Save Picture…"), {fx_Ctrl(Qt::Key_S)}))
+    , verify(add("verify", tr("Verif&y Recording"), {Qt::Key_F7}))
     , quit(add("quit", tr("&Quit"), {fx_Ctrl(Qt::Key_Q)}))
     , copy(add("copy", tr("&Copy Picture"), {fx_Ctrl(Qt::Key_C)}))
     , setIn(add("setIn", tr("Set &In Mark"), {Qt::Key_I}))
@@ -43,6 +44,8 @@ CxActions::CxActions(QObject* parent)
     , nextPicture(add("nextPicture", tr("&Next Picture"), {Qt::Key_Right, Qt::Key_Period, Qt::Key_E}))
     , previousKeyFrame(add("previousKeyFrame", tr("Previous &Key Frame"), {fx_Shift(Qt::Key_Left)}))
     , nextKeyFrame(add("nextKeyFrame", tr("Next Key F&rame"), {fx_Shift(Qt::Key_Right)}))
+    , previousBroken(add("previousBroken", tr("Prev&ious Broken Picture"), {fx_Shift(Qt::Key_F8)}))
+    , nextBroken(add("nextBroken", tr("Ne&xt Broken Picture"), {Qt::Key_F8}))
     , first(add("first", tr("&First Picture"), {Qt::Key_Home}))
     , last(add("last", tr("L&ast Picture"), {Qt::Key_End}))
     , back1(add("back1", tr("1 Second Bac&k"), {fx_Ctrl(Qt::Key_Left)}))
@@ -83,7 +86,7 @@ void CxActions::fill(QMenuBar* bar)
     file->addSeparator();
     file->addActions({openCamera, openSource});
     file->addSeparator();
-    file->addActions({record, savePicture});
+    file->addActions({record, savePicture, verify});
     file->addSeparator();
     file->addAction(quit);
 
@@ -95,7 +98,8 @@ void CxActions::fill(QMenuBar* bar)
     QMenu* const playback = bar->addMenu(tr("&Playback"));
     playback->addActions({play, playBackwards});
     playback->addSeparator();
-    playback->addActions({previousPicture, nextPicture, previousKeyFrame, nextKeyFrame, first, last});
+    playback->addActions({previousPicture, nextPicture, previousKeyFrame, nextKeyFrame, previousBroken,
+                          nextBroken, first, last});
     QMenu* const times = playback->addMenu(tr("By &Time"));
     times->addActions({back1, forward1, back10, forward10});
     playback->addAction(goTo);

@@ -31,6 +31,7 @@ public:
     QAction* openSource;
     QAction* record;
     QAction* savePicture;
+    QAction* verify;
     QAction* quit;
     QAction* copy;
     QAction* setIn;
@@ -44,6 +45,8 @@ public:
     QAction* nextPicture;
     QAction* previousKeyFrame;
     QAction* nextKeyFrame;
+    QAction* previousBroken;
+    QAction* nextBroken;
     QAction* first;
     QAction* last;
     QAction* back1;    ///< seconds

@@ -28,6 +28,7 @@
 #include "TestCamera.h"
 #include "Timeline.h"
 #include "TransportBar.h"
+#include "VerifyControl.h"
 
 static QString const kGeometryKey = QStringLiteral("window/geometry");
 
@@ -43,6 +44,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_transport(new CxTransportBar(*m_actions, this))
     , m_status(new CxStatusBar(*m_view, this))
     , m_play(*m_actions, *m_view, *m_transport, *m_messageBar, *this)
+    , m_verify(new CxVerifyControl(*m_actions, m_play, *m_messageBar, *m_status, plugins.fileNames(), *this))
     , m_live(*m_actions, *m_view, *m_transport, *m_messageBar)
     , m_look(*m_actions, *m_view, *this)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
@@ -273,6 +275,7 @@ void CxMainWindow::updateActions()
     bool const hasRecording = player().isOpen() && !isSaving;
     bool const hasPicture = !m_view->picture().image.isNull();
     m_play.setEnabled(hasRecording);
+    m_verify->setEnabled(hasRecording);
     m_transport->timeline()->setVisible(!isLive);
     m_transport->setVisible(m_pages->currentWidget() == m_view && !isFullScreen());
     a.play->setEnabled(hasRecording || isLive);

@@ -12,6 +12,7 @@ class CxRecentFiles;
 class CxRecordBar;
 class CxStartPage;
 class CxStatusBar;
+class CxVerifyControl;
 class QStackedWidget;
 
 /// The viewer's window: menus, pages and what may be done when. What a recording or a live source does in it
@@ -70,6 +71,7 @@ private:
     CxStatusBar* m_status;
     CxRecentFiles* m_recent;
     CxPlayControl m_play;
+    CxVerifyControl* m_verify;
     CxLiveControl m_live;
     CxLookControl m_look;
     bool m_isOpening = false; ///< something else than what is shown

@@ -47,6 +47,8 @@ void CxPlayControl::connectActions()
     on(m_actions.nextPicture, [this] { m_player.step(1); });
     on(m_actions.previousKeyFrame, [this] { m_player.toPreviousKeyFrame(); });
     on(m_actions.nextKeyFrame, [this] { m_player.toNextKeyFrame(); });
+    on(m_actions.previousBroken, [this] { toPreviousBroken(); });
+    on(m_actions.nextBroken, [this] { toNextBroken(); });
     on(m_actions.first, [this] { m_player.seek(0); });
     on(m_actions.last, [this] { m_player.seek(m_player.info().count - 1); });
     on(m_actions.back1, [this] { m_player.skip(-1.0); });
@@ -77,6 +79,7 @@ void CxPlayControl::setEnabled(bool isEnabled)
           a.last, a.back1, a.forward1, a.back10, a.forward10, a.goTo})
         action->setEnabled(isEnabled);
     m_speed.setEnabled(isEnabled);
+    updateBrokenActions();
     m_transport.timeline()->setEnabled(isEnabled);
     m_marks.updateActions(isEnabled);
 }
@@ -97,6 +100,47 @@ void CxPlayControl::close()
     m_marks.clear();
     m_transport.setRecording({});
     m_broken.clear();
+    emit closed();
+}
+
+void CxPlayControl::addBroken(int first, int last)
+{
+    for (int number = first; number <= last; ++number) {
+        m_broken.insert(number);
+        m_transport.timeline()->markBroken(number);
+    }
+    updateBrokenActions();
+    emit brokenFound(static_cast<int>(m_broken.size()));
+}
+
+void CxPlayControl::updateBrokenActions()
+{
+    for (QAction* const action : {m_actions.previousBroken, m_actions.nextBroken})
+        action->setEnabled(m_actions.goTo->isEnabled() && !m_broken.empty());
+}
+
+/// To the first of those behind that follow a good one: broken pictures mostly come in rows.
+void CxPlayControl::toNextBroken()
+{
+    int const here = m_player.reachedNumber();
+    for (auto it = m_broken.upper_bound(here); it != m_broken.end(); ++it) {
+        if (m_broken.count(*it - 1) == 0) {
+            m_player.seek(*it);
+            return;
+        }
+    }
+}
+
+void CxPlayControl::toPreviousBroken()
+{
+    auto it = m_broken.lower_bound(m_player.reachedNumber());
+    while (it != m_broken.begin()) {
+        --it;
+        if (m_broken.count(*it - 1) == 0) {
+            m_player.seek(*it);
+            return;
+        }
+    }
 }
 
 void CxPlayControl::askForPlace()
@@ -202,7 +246,7 @@ QString CxPlayControl::whereToGoOn(int number) const
 /// Says what is wrong with the picture; while playing only for the first, since others soon follow.
 void CxPlayControl::takePictureFailure(int number, QString const& error)
 {
-    bool const isFirst = m_broken.isEmpty();
+    bool const isFirst = m_broken.empty();
     m_broken.insert(number);
     QString const text =
         (m_isAnyShown
@@ -213,6 +257,7 @@ void CxPlayControl::takePictureFailure(int number, QString const& error)
     m_view.setNotice(text);
     m_transport.showNumber(number);
     m_transport.timeline()->markBroken(number);
+    updateBrokenActions();
     if (isFirst || !m_player.isPlaying()) {
         m_isMessageOfPlaying = m_player.isPlaying();
         m_pictureMessage =

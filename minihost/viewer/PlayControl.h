@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <QSet>
+#include <set>
 
 #include "MarkControl.h"
 #include "Player.h"
@@ -31,10 +31,12 @@ public:
     /// opened() or openFailed() follows. Until then, and when it fails, what was open stays so.
     void open(QString const& fileName);
     void close();
+    void addBroken(int first, int last);          ///< pictures that somebody else found broken
     void togglePlaying(bool isBackwards = false); ///< pauses, whatever plays, or plays so
 
 signals:
     void opened(SxOpenedRecording const& info);
+    void closed();
     void openFailed();              ///< the reason is shown
     void pictureFailed();           ///< likewise; the view is empty
     void brokenFound(int pictures); ///< so many until now
@@ -44,6 +46,9 @@ private:
     void connectActions();
     void connectTimeline();
     void askForPlace();
+    void updateBrokenActions();
+    void toNextBroken();
+    void toPreviousBroken();
     void takeOpened(SxOpenedRecording const& info);
     void takeOpenFailure(QString const& fileName, QString const& error);
     QString whereToGoOn(int number) const;
@@ -59,7 +64,7 @@ private:
     CxMarkControl m_marks;
     CxSpeedControl m_speed;
     bool m_resumesAfterDrag = false;
-    QSet<int> m_broken;                ///< numbers of the pictures found broken
+    std::set<int> m_broken;            ///< numbers of the pictures found broken
     bool m_isAnyShown = false;         ///< of this recording, so that its kind is one that can be
     QString m_pictureMessage;          ///< in the bar, about a broken picture
     bool m_isMessageOfPlaying = false; ///< it came up on the way, to be read while playing goes on

@@ -18,6 +18,7 @@
 #include "RecordBar.h"
 #include "Timeline.h"
 #include "Translations.h"
+#include "VerifyControl.h"
 
 static void fx_UseDarkPalette()
 {
@@ -47,10 +48,9 @@ static bool fx_Show(CxMainWindow& window, QString const& recording, int number)
     return QTest::qWaitFor([&] { return window.player().shownNumber() == number; }, 20000);
 }
 
-/// A recording damaged in its middle, played up to there, with the message's details unfolded.
-static QPixmap fx_RenderMessage(CxMainWindow& window, QString const& recording)
+/// The recording with a piece of its middle overwritten.
+static QString fx_DamagedCopy(QString const& recording, QTemporaryDir const& folder)
 {
-    QTemporaryDir const folder;
     QString const broken = folder.filePath(QStringLiteral("yesterday.h264"));
     QFile source(recording);
     QFile target(broken);
@@ -59,7 +59,14 @@ static QPixmap fx_RenderMessage(CxMainWindow& window, QString const& recording)
     QByteArray bytes = source.readAll();
     bytes.replace(bytes.size() / 2, bytes.size() / 50, QByteArray(bytes.size() / 50, '\x55'));
     target.write(bytes);
-    target.close();
+    return broken;
+}
+
+/// A recording damaged in its middle, played up to there, with the message's details unfolded.
+static QPixmap fx_RenderMessage(CxMainWindow& window, QString const& recording)
+{
+    QTemporaryDir const folder;
+    QString const broken = fx_DamagedCopy(recording, folder);
     if (!fx_Show(window, broken, window.player().info().count / 2))
         return {};
     auto* const bar = window.findChild<CxMessageBar*>();
@@ -103,6 +110,23 @@ static QPixmap fx_RenderDialog(CxMainWindow& window)
     return dialog->grab();
 }
 
+/// A recording damaged in its middle, verified.
+static QPixmap fx_RenderVerified(CxMainWindow& window, QString const& recording)
+{
+    QTemporaryDir const folder;
+    QString const broken = fx_DamagedCopy(recording, folder);
+    if (!fx_Show(window, broken, 20))
+        return {};
+    auto* const control = window.findChild<CxVerifyControl*>();
+    control->setProgram(QApplication::applicationDirPath() + QStringLiteral("/minihost"));
+    window.findChild<QAction*>(QStringLiteral("verify"))->trigger();
+    QTest::qWait(1500);
+    if (!QTest::qWaitFor([&] { return !control->isRunning(); }, 60000))
+        return {};
+    QTest::qWait(100);
+    return window.grab();
+}
+
 /// A part marked around the picture shown.
 static QPixmap fx_RenderMarks(CxMainWindow& window)
 {
@@ -123,6 +147,8 @@ static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString con
         return window.grab();
     if (scene == QLatin1String("message"))
         return fx_RenderMessage(window, recording);
+    if (scene == QLatin1String("verified"))
+        return fx_RenderVerified(window, recording);
     if (scene == QLatin1String("live"))
         return fx_RenderLive(window);
     if (!fx_Show(window, recording, 150))

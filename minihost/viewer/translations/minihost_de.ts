@@ -206,6 +206,41 @@
         <source>Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail</source>
         <translation>Streifen über Pixeln am oberen Ende der Skala (rot) und bei 0 (blau), wo das Bild keine Zeichnung mehr hat</translation>
     </message>
+    <message>
+        <source>Verif&amp;y Recording</source>
+        <translation>Aufnahme &amp;prüfen</translation>
+    </message>
+    <message>
+        <source>Prev&amp;ious Broken Picture</source>
+        <translation>Vor&amp;iges kaputtes Bild</translation>
+    </message>
+    <message>
+        <source>Ne&amp;xt Broken Picture</source>
+        <translation>Nächstes kap&amp;uttes Bild</translation>
+    </message>
+</context>
+<context>
+    <name>CxBrokenList</name>
+    <message>
+        <source>Broken Pictures</source>
+        <translation>Kaputte Bilder</translation>
+    </message>
+    <message>
+        <source>Broken pictures</source>
+        <translation>Kaputte Bilder</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source>Cause</source>
+        <translation>Ursache</translation>
+    </message>
 </context>
 <context>
     <name>CxFileDialogs</name>
@@ -883,6 +918,80 @@
     <message>
         <source>Number of the picture shown; marks below show key frames, red ones broken pictures</source>
         <translation>Nummer des gezeigten Bildes; Striche darunter zeigen Schlüsselbilder, rote kaputte Bilder</translation>
+    </message>
+</context>
+<context>
+    <name>CxVerifyBar</name>
+    <message>
+        <source>Progress of verifying</source>
+        <translation>Fortschritt der Prüfung</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stopp</translation>
+    </message>
+    <message>
+        <source>Stop verifying</source>
+        <translation>Prüfung beenden</translation>
+    </message>
+    <message>
+        <source>Verifying</source>
+        <translation>Prüfung</translation>
+    </message>
+    <message>
+        <source>%1 of %2 pictures looked at</source>
+        <translation>%1 von %2 Bildern angesehen</translation>
+    </message>
+</context>
+<context>
+    <name>CxVerifyControl</name>
+    <message>
+        <source>“%1” could not be verified.</source>
+        <translation>„%1“ konnte nicht geprüft werden.</translation>
+    </message>
+    <message>
+        <source>Stopped: %1 of %2 pictures of “%3” were looked at.</source>
+        <translation>Beendet: %1 von %2 Bildern von „%3“ wurden angesehen.</translation>
+    </message>
+    <message>
+        <source>“%1”: every picture can be shown, %2.</source>
+        <translation>„%1“: Jedes Bild lässt sich zeigen, %2.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s)</source>
+        <translation>
+            <numerusform>%n Bild</numerusform>
+            <numerusform>%n Bilder</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>“%1”: %2 in %3.</source>
+        <translation>„%1“: %2 an %3.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n broken picture(s)</source>
+        <translation>
+            <numerusform>%n kaputtes Bild</numerusform>
+            <numerusform>%n kaputte Bilder</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n place(s)</source>
+        <translation>
+            <numerusform>%n Stelle</numerusform>
+            <numerusform>%n Stellen</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s) vanished, the first before picture %1.</source>
+        <translation>
+            <numerusform>%n Bild fehlt, vor Bild %1.</numerusform>
+            <numerusform>%n Bilder fehlen, das erste vor Bild %1.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The last bytes belong to no picture; the file seems cut off.</source>
+        <translation>Die letzten Bytes gehören zu keinem Bild; die Datei scheint abgeschnitten.</translation>
     </message>
 </context>
 </TS>

@@ -68,4 +68,35 @@
         </translation>
     </message>
 </context>
+<context>
+    <name>CxVerifyControl</name>
+    <message numerus="yes">
+        <source>%n picture(s)</source>
+        <translation>
+            <numerusform>%n picture</numerusform>
+            <numerusform>%n pictures</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n broken picture(s)</source>
+        <translation>
+            <numerusform>%n broken picture</numerusform>
+            <numerusform>%n broken pictures</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n place(s)</source>
+        <translation>
+            <numerusform>%n place</numerusform>
+            <numerusform>%n places</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n picture(s) vanished, the first before picture %1.</source>
+        <translation>
+            <numerusform>%n picture vanished, before picture %1.</numerusform>
+            <numerusform>%n pictures vanished, the first before picture %1.</numerusform>
+        </translation>
+    </message>
+</context>
 </TS>

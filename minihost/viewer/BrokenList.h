@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDockWidget>
+
+#include "VerifyJob.h"
+
+class QTreeWidget;
+
+/// Below the picture: which pictures are broken and why, each a click or Enter away.
+class CxBrokenList : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CxBrokenList(QWidget* parent);
+
+    void setRanges(QVector<SxBrokenRange> const& ranges, double fps);
+
+signals:
+    void chosen(int number);
+
+private:
+    QTreeWidget* m_rows;
+};
