@@ -24,7 +24,7 @@ static void fx_Say(QByteArray const& line)
 int fx_RunWatchedVerify(QStringList const& arguments)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL); // with the window goes whoever wants to know
-    fx_CatchInterrupts(); // from here on SIGTERM ends it with what is known
+    fx_CatchInterrupts();             // from here on SIGTERM ends it with what is known
     SxExamination how;
     how.options.pluginPath = arguments.value(0);
     how.jobs = std::max(arguments.value(1).toInt(), 1);

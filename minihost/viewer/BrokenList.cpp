@@ -36,8 +36,7 @@ void CxBrokenList::setRanges(QVector<SxBrokenRange> const& ranges, double fps)
             range.first == range.last
                 ? QString::number(range.first)
                 : QStringLiteral("%1–%2").arg(QString::number(range.first), QString::number(range.last));
-        auto* const row =
-            new QTreeWidgetItem(m_rows, {numbers, fx_TimeCode(range.first, fps), range.cause});
+        auto* const row = new QTreeWidgetItem(m_rows, {numbers, fx_TimeCode(range.first, fps), range.cause});
         row->setData(0, Qt::UserRole, range.first);
         row->setToolTip(2, range.cause);
     }

@@ -14,4 +14,5 @@ public:
 
     QAction* levels;
     QAction* markClipping;
+    QAction* measure;
 };

@@ -14,6 +14,7 @@ CxLookControl::CxLookControl(CxActions& actions, CxPictureView& view, QWidget& w
     , m_frame(new QMainWindow(&window, Qt::Widget))
     , m_levels(new CxLevelsPanel(actions.look.markClipping, m_frame))
     , m_histogram([this] { showHistogram(); })
+    , m_measure(actions.look.measure, view, *m_frame)
 {
     connectZoom(actions);
     buildLevels();

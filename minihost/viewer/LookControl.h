@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-#include "Pace.h"
+#include "MeasureControl.h"
 
 class CxActions;
 class CxLevelsPanel;
@@ -11,7 +11,7 @@ class CxPictureView;
 class QMainWindow;
 
 /// Looks closer at the picture shown: its zoom, its histogram, with which levels it is shown, where it is
-/// clipped. Whole pictures are looked through only while there is somebody to see it.
+/// clipped, what its parts measure. Whole pictures are looked through only while there is somebody to see it.
 class CxLookControl : public QObject
 {
     Q_OBJECT
@@ -34,4 +34,5 @@ private:
     QMainWindow* m_frame;
     CxLevelsPanel* m_levels;
     CxPace m_histogram;
+    CxMeasureControl m_measure;
 };

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QDockWidget>
+#include <QEvent>
 #include <QMainWindow>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -10,15 +11,19 @@
 class CxLookScroller : public QScrollArea
 {
 public:
-    QSize minimumSizeHint() const override
+    QSize minimumSizeHint() const override { return {widget()->minimumSizeHint().width() + barWidth(), 60}; }
+    QSize sizeHint() const override { return widget()->sizeHint() + QSize(barWidth(), 0); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
-        int const bar = verticalScrollBar()->sizeHint().width();
-        return {widget()->minimumSizeHint().width() + bar, 60};
+        if (event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
     }
-    QSize sizeHint() const override
-    {
-        return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0);
-    }
+
+private:
+    int barWidth() const { return verticalScrollBar()->sizeHint().width(); }
 };
 
 void fx_AddLookDock(QMainWindow& window, QString const& name, QString const& title, QWidget* panel,

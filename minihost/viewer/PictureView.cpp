@@ -140,6 +140,11 @@ void CxPictureView::pan(QPointF const& distance)
     point(m_mouse);
 }
 
+QTransform CxPictureView::toView() const
+{
+    return QTransform::fromTranslate(m_offset.x(), m_offset.y()).scale(m_scale, m_scale);
+}
+
 QPoint CxPictureView::pixelAt(QPointF const& position) const
 {
     QPointF const place = (position - m_offset) / m_scale;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTransform>
 #include <QWidget>
 
 #include "PictureLook.h"
@@ -26,6 +27,7 @@ public:
     bool isFitted() const { return m_isFitted; }
     double zoom() const;                              ///< screen pixels for each pixel of the picture
     void setZoom(double zoom, QPointF const& anchor); ///< what lies under \p anchor stays there
+    QTransform toView() const;                        ///< from places in the picture to those in the widget
     QPoint pixelAt(QPointF const& position) const;    ///< may lie outside the picture
 
     QSize sizeHint() const override { return {960, 540}; }

@@ -13,7 +13,8 @@ class CxStatusBar;
 class CxVerifyBar;
 class QMainWindow;
 
-/// Examines the recording shown while it can be played on, marks what is broken, lists it and says how it went.
+/// Examines the recording shown while it can be played on, marks what is broken, lists it and says how it
+/// went.
 class CxVerifyControl : public QObject
 {
     Q_OBJECT

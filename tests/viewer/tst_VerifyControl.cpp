@@ -86,7 +86,8 @@ void tst_VerifyControl::brokenPicturesAreListedAndMarked()
     QVERIFY(viewer.rows()->topLevelItemCount() >= 1);
     QVERIFY2(viewer.rows()->topLevelItem(0)->text(2).contains(QStringLiteral("decoder")),
              qPrintable(viewer.rows()->topLevelItem(0)->text(2)));
-    QVERIFY2(viewer.bar->text().startsWith(QStringLiteral("“damaged.h264”: ")), qPrintable(viewer.bar->text()));
+    QVERIFY2(viewer.bar->text().startsWith(QStringLiteral("“damaged.h264”: ")),
+             qPrintable(viewer.bar->text()));
     QVERIFY(viewer.bar->details().contains(QStringLiteral("cannot be decoded")));
     QVERIFY(viewer.text("broken").contains(QStringLiteral("broken picture(s)")));
     QVERIFY(viewer.timeline->grab().toImage() != before);
@@ -101,7 +102,8 @@ void tst_VerifyControl::listAndKeysGoToBrokenPictures()
     auto* const row = viewer.rows()->topLevelItem(0);
     int const broken = row->text(0).section(QChar(0x2013), 0, 0).toInt();
     QVERIFY(broken > 0);
-    QTest::mouseClick(viewer.rows()->viewport(), Qt::LeftButton, {}, viewer.rows()->visualItemRect(row).topLeft() + QPoint(8, 8));
+    QTest::mouseClick(viewer.rows()->viewport(), Qt::LeftButton, {},
+                      viewer.rows()->visualItemRect(row).topLeft() + QPoint(8, 8));
     QTRY_COMPARE(viewer.window.player().reachedNumber(), broken);
     viewer.view->setFocus();
     viewer.key(Qt::Key_Home);

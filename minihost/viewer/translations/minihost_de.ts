@@ -218,6 +218,10 @@
         <source>Ne&amp;xt Broken Picture</source>
         <translation>Nächstes kap&amp;uttes Bild</translation>
     </message>
+    <message>
+        <source>&amp;Region and Profile</source>
+        <translation>&amp;Bereich und Profil</translation>
+    </message>
 </context>
 <context>
     <name>CxBrokenList</name>
@@ -477,6 +481,128 @@
     </message>
 </context>
 <context>
+    <name>CxMeasureControl</name>
+    <message>
+        <source>Region and Profile</source>
+        <translation>Bereich und Profil</translation>
+    </message>
+</context>
+<context>
+    <name>CxMeasurePanel</name>
+    <message>
+        <source>&amp;Region</source>
+        <translation>&amp;Bereich</translation>
+    </message>
+    <message>
+        <source>Profile &amp;line</source>
+        <translation>&amp;Profillinie</translation>
+    </message>
+    <message>
+        <source>The mouse draws the region in the picture</source>
+        <translation>Die Maus zieht den Bereich im Bild auf</translation>
+    </message>
+    <message>
+        <source>The mouse draws the line in the picture</source>
+        <translation>Die Maus zieht die Linie im Bild</translation>
+    </message>
+    <message>
+        <source>Profile along the line</source>
+        <translation>Profil entlang der Linie</translation>
+    </message>
+    <message>
+        <source>Mean</source>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>Min</source>
+        <translation>Min.</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>Max.</translation>
+    </message>
+    <message>
+        <source>Grey</source>
+        <translation>Grau</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>Rot</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>Grün</translation>
+    </message>
+    <message>
+        <source>Blue</source>
+        <translation>Blau</translation>
+    </message>
+    <message>
+        <source>Left edge of the region</source>
+        <translation>Linker Rand des Bereichs</translation>
+    </message>
+    <message>
+        <source>Top edge of the region</source>
+        <translation>Oberer Rand des Bereichs</translation>
+    </message>
+    <message>
+        <source>Width of the region</source>
+        <translation>Breite des Bereichs</translation>
+    </message>
+    <message>
+        <source>Height of the region</source>
+        <translation>Höhe des Bereichs</translation>
+    </message>
+    <message>
+        <source>Where the line begins, from the left</source>
+        <translation>Wo die Linie beginnt, von links</translation>
+    </message>
+    <message>
+        <source>Where the line begins, from the top</source>
+        <translation>Wo die Linie beginnt, von oben</translation>
+    </message>
+    <message>
+        <source>Where the line ends, from the left</source>
+        <translation>Wo die Linie endet, von links</translation>
+    </message>
+    <message>
+        <source>Where the line ends, from the top</source>
+        <translation>Wo die Linie endet, von oben</translation>
+    </message>
+    <message>
+        <source>Standard deviation</source>
+        <translation>Standardabweichung</translation>
+    </message>
+    <message>
+        <source>X:</source>
+        <translation>X:</translation>
+    </message>
+    <message>
+        <source>Y:</source>
+        <translation>Y:</translation>
+    </message>
+    <message>
+        <source>Width:</source>
+        <translation>Breite:</translation>
+    </message>
+    <message>
+        <source>Height:</source>
+        <translation>Höhe:</translation>
+    </message>
+    <message>
+        <source>Dev.</source>
+        <translation>Abw.</translation>
+    </message>
+    <message>
+        <source>From X:</source>
+        <translation>Von X:</translation>
+    </message>
+    <message>
+        <source>To X:</source>
+        <translation>Bis X:</translation>
+    </message>
+</context>
+<context>
     <name>CxMessageBar</name>
     <message>
         <source>&amp;Details</source>
@@ -559,6 +685,17 @@
     <message>
         <source>The notes beside “%1” do not belong to it or are damaged, so its speed is assumed.</source>
         <translation>Die Notizen neben „%1“ gehören nicht dazu oder sind beschädigt; die Geschwindigkeit ist deshalb angenommen.</translation>
+    </message>
+</context>
+<context>
+    <name>CxProfilePlot</name>
+    <message>
+        <source>Step %1: grey %2</source>
+        <translation>Schritt %1: Grau %2</translation>
+    </message>
+    <message>
+        <source>Step %1: red %2, green %3, blue %4</source>
+        <translation>Schritt %1: Rot %2, Grün %3, Blau %4</translation>
     </message>
 </context>
 <context>
