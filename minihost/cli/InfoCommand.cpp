@@ -114,6 +114,10 @@ QString fx_SidecarLines(std::optional<SxSidecar> const& sidecar)
                      .arg(fx_Count(sidecar->pictures, "picture"));
     if (!sidecar->skipped.isEmpty())
         lines += QStringLiteral(": ") + fx_RangesText(sidecar->skipped, kMostRanges);
+    if (sidecar->lostCount > 0)
+        lines += QStringLiteral("\n  %1 lost before the encoder: %2")
+                     .arg(sidecar->lostCount)
+                     .arg(fx_RangesText(sidecar->lost, kMostRanges));
     return lines;
 }
 
@@ -199,6 +203,8 @@ QJsonValue fx_SidecarJson(std::optional<SxSidecar> const& sidecar)
         {QStringLiteral("pictures"), sidecar->pictures},
         {QStringLiteral("skippedCount"), sidecar->skippedCount},
         {QStringLiteral("skipped"), fx_RangesText(sidecar->skipped, 0)},
+        {QStringLiteral("lostCount"), sidecar->lostCount},
+        {QStringLiteral("lost"), fx_RangesText(sidecar->lost, 0)},
         {QStringLiteral("program"), sidecar->program},
     };
 }

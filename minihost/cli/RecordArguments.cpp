@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <unistd.h>
 
+#include "AmountArguments.h"
 #include "ContainerWriter.h"
 #include "ExitCode.h"
 #include "RecordingName.h"
@@ -95,6 +96,9 @@ QVector<SxOption> fx_SourceOptions()
         {"input-option", 0, "O=V",
          QStringLiteral("an option of that reader or device, again for each:\n"
                         "video_size=1280x720, pixel_format=bgra, framerate=30")},
+        {"buffer", 0, "T,SIZE",
+         QStringLiteral("webcams and live streams: what may wait for the encoder, a time, a\n"
+                        "size or both; what is beyond that is lost and counted (2s,512MB)")},
         {"size", 0, "WxH", QStringLiteral("test camera: picture size (1280x720)")},
         {"format", 0, "F",
          QStringLiteral("test camera (bgr24):\n") + fx_TestCameraFormats().join(QLatin1Char(' '))},
@@ -204,6 +208,8 @@ QString fx_TakePositionals(QCommandLineParser const& parser, SxRecordArguments& 
             return QStringLiteral("--%1 is only for camera:, not for '%2'.")
                 .arg(QLatin1String(option), names.first());
     }
+    if (parsed.isCamera && parser.isSet(QStringLiteral("buffer")))
+        return QStringLiteral("--buffer is not for camera:, which waits for the encoder.");
     if (parsed.isCamera && parser.isSet(QStringLiteral("bits")))
         return QStringLiteral("--bits is not for camera:, whose --format says how many bits there are.");
     for (char const* option : {"input-format", "input-option"}) {
@@ -262,6 +268,8 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     error = fx_TakePositionals(parser, parsed);
     if (error.isEmpty())
         error = fx_TakeInputOptions(parser, parsed.input);
+    if (error.isEmpty())
+        error = fx_TakeBuffer(parser, parsed.buffer);
     if (error.isEmpty())
         error = fx_TakePartOptions(parser, parsed.part);
     if (error.isEmpty())

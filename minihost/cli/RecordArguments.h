@@ -7,6 +7,7 @@
 #include "Options.h"
 #include "PictureChanges.h"
 #include "Recorder.h"
+#include "SourceAhead.h"
 #include "SourcePart.h"
 #include "TestCamera.h"
 
@@ -21,6 +22,7 @@ struct SxRecordArguments
     int bits = 0; ///< 0: not given
     SxFFmpegOptions input;
     SxSourcePart part;
+    SxLiveBuffer buffer;
     SxPictureChanges changes;
     SxKeepAllWish keepAll;
     bool overwrite = false;

@@ -149,12 +149,15 @@ std::unique_ptr<IxPictureSource> fx_MakeSource(SxRecordArguments const& argument
     auto const change = [&](std::atomic<bool> const* stop) {
         std::unique_ptr<IxPictureSource> source;
         if (isWork)
-            source = std::make_unique<CxSourceAhead>(read, stop);
+            source = std::make_unique<CxSourceAhead>(read, stop, arguments.buffer);
         else
             source = read(stop);
         return std::make_unique<CxFilteredSource>(std::move(source), changes);
     };
-    return std::make_unique<CxSourceAhead>(change, arguments.request.stop);
+    std::optional<SxLiveBuffer> buffer; // where the source is read
+    if (!isWork)
+        buffer = arguments.buffer;
+    return std::make_unique<CxSourceAhead>(change, arguments.request.stop, buffer);
 }
 
 /// What is wrong with --scale for the encoder, one sentence; empty when nothing is. Needs the plug-in.
@@ -197,7 +200,7 @@ ExitCode fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& 
     }
     if (summary.isSourceDamaged)
         return kBadInput; // what was good is written
-    return arguments.isStrict && !summary.skipped.isEmpty() ? kNotWhole : kDone;
+    return arguments.isStrict && !(summary.skipped.isEmpty() && summary.lost.isEmpty()) ? kNotWhole : kDone;
 }
 
 /// Records once, and tries what would have kept skipped pictures.

@@ -32,9 +32,9 @@ static QString fx_PictureCount(SxRecordSummary const& summary)
 }
 
 /// Pictures that the saver took and the file does not hold: the disk was full.
-static int fx_Lost(SxRecordSummary const& summary)
+static int fx_LostBehindSaver(SxRecordSummary const& summary)
 {
-    return summary.given - summary.coded - static_cast<int>(summary.skipped.size());
+    return summary.given - summary.coded - static_cast<int>(summary.skipped.size() + summary.lost.size());
 }
 
 /// What the sidecar is there for.
@@ -47,6 +47,8 @@ static QString fx_NotedText(SxRecordSummary const& summary)
         noted += QStringLiteral("that the pictures are to be turned by %1 degrees").arg(summary.rotation);
     if (!summary.skipped.isEmpty())
         noted += QStringLiteral("the skipped pictures");
+    if (!summary.lost.isEmpty())
+        noted += QStringLiteral("the lost pictures");
     QString const last = noted.takeLast();
     return noted.isEmpty() ? last : noted.join(QStringLiteral(", ")) + QStringLiteral(" and ") + last;
 }
@@ -63,9 +65,16 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
     QString coded = QStringLiteral("  %1 coded, %2 skipped").arg(summary.coded).arg(summary.skipped.size());
     if (!summary.skipped.isEmpty())
         coded += QStringLiteral(" (%1)").arg(fx_ReadableRanges(summary.skipped, kMostRanges));
-    if (int const lost = fx_Lost(summary); lost > 0)
+    if (int const lost = fx_LostBehindSaver(summary); lost > 0)
         coded += QStringLiteral(", %1 lost").arg(lost);
     lines += coded;
+    if (!summary.lost.isEmpty())
+        lines += QStringLiteral("  %1 lost before the encoder (%2)")
+                     .arg(summary.lost.size())
+                     .arg(fx_ReadableRanges(summary.lost, kMostRanges));
+    if (summary.missedByCamera > 0)
+        lines +=
+            QStringLiteral("  %1 lost by the camera, as its time stamps say").arg(summary.missedByCamera);
     lines += QStringLiteral("  %1, %2 on average, plays %3 s at %4")
                  .arg(fx_ReadableSize(summary.bytes), fx_ReadableBitRate(fx_MeanBitRate(summary)))
                  .arg(fx_Seconds(summary), 0, 'f', 1)
@@ -79,18 +88,23 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
     return lines.join(QLatin1Char('\n'));
 }
 
+static QJsonArray fx_Array(QVector<int> const& numbers)
+{
+    QJsonArray array;
+    for (int const number : numbers)
+        array.append(number);
+    return array;
+}
+
 QJsonObject fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
                                  QStringList const& warnings)
 {
-    QJsonArray skipped;
-    for (int const number : summary.skipped)
-        skipped.append(number);
     QJsonObject json{
         {QStringLiteral("output"), request.outputFile},
         {QStringLiteral("expected"), summary.expected < 0 ? QJsonValue() : QJsonValue(summary.expected)},
         {QStringLiteral("given"), summary.given},
         {QStringLiteral("coded"), summary.coded},
-        {QStringLiteral("lost"), fx_Lost(summary)},
+        {QStringLiteral("lost"), fx_LostBehindSaver(summary)},
         {QStringLiteral("elapsedSeconds"), static_cast<double>(summary.elapsedNs) / 1e9},
         {QStringLiteral("msPerPicture"), fx_MsPerPicture(summary.elapsedNs, summary.given)},
         {QStringLiteral("encodingMsPerPicture"), fx_MsPerPicture(summary.savingNs, summary.given)},
@@ -102,7 +116,10 @@ QJsonObject fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary
         {QStringLiteral("quality"), request.encoder.quality},
         {QStringLiteral("keyframeRate"), request.encoder.keyFrameInterval},
         {QStringLiteral("skipped"), summary.skipped.size()},
-        {QStringLiteral("skippedPictures"), skipped},
+        {QStringLiteral("skippedPictures"), fx_Array(summary.skipped)},
+        {QStringLiteral("lostBeforeEncoder"), summary.lost.size()},
+        {QStringLiteral("lostPictures"), fx_Array(summary.lost)},
+        {QStringLiteral("lostByCamera"), summary.missedByCamera},
         {QStringLiteral("bytes"), summary.bytes},
         {QStringLiteral("meanBitRate"), fx_MeanBitRate(summary)},
     };
@@ -177,6 +194,15 @@ QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& sum
     return advice + (request.encoder.keyFrameInterval > 1
                          ? QStringLiteral(", but --keyframe-rate 1 does: key frames are never skipped.")
                          : QStringLiteral("."));
+}
+
+QString fx_LossWarning(SxRecordSummary const& summary)
+{
+    return QStringLiteral(
+               "pictures are lost before the encoder, from picture %1 on: it is slower than the source. "
+               "Smaller pictures (--scale) or --complexity low are faster, a larger --buffer takes longer "
+               "bursts.")
+        .arg(summary.lost.first());
 }
 
 QString fx_MissingWarning(SxRecordRequest const& request, SxRecordSummary const& summary)

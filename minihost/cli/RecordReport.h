@@ -26,6 +26,9 @@ QString fx_InterruptionText(SxRecordRequest const& request, SxRecordSummary cons
 /// with \p trial, which may be null, by what it saw.
 QString fx_SkipAdvice(SxRecordRequest const& request, SxRecordSummary const& summary, CxQualityTrial* trial);
 
+/// That pictures of a live source begin to be lost, and what helps, one sentence: the same all the time.
+QString fx_LossWarning(SxRecordSummary const& summary);
+
 /// That pictures are missing of a source that comes only once, though none may be; one sentence.
 QString fx_MissingWarning(SxRecordRequest const& request, SxRecordSummary const& summary);
 

@@ -28,19 +28,26 @@ void CxRecordWatcher::onPicture(SxRecordSummary const& summary)
     if (m_tells == Tells::All && summary.skipped.size() == 1 && summary.skipped.last() == summary.given - 1)
         warn(QStringLiteral("the encoder begins to skip pictures, at picture %1.")
                  .arg(summary.skipped.last()));
-    if (summary.given == kPicturesBeforeBitsAdvice)
+    if (!summary.lost.isEmpty())
+        warn(fx_LossWarning(summary));
+    if (summary.given >= kPicturesBeforeBitsAdvice && !m_hasJudgedBits)
         adviseBits(summary);
     passWarnings();
-    m_line.update(summary.given, summary.bytes,
-                  summary.skipped.isEmpty() ? QString()
-                                            : QStringLiteral("%1 skipped").arg(summary.skipped.size()));
+    QStringList remarks;
+    if (!summary.skipped.isEmpty())
+        remarks += QStringLiteral("%1 skipped").arg(summary.skipped.size());
+    if (!summary.lost.isEmpty())
+        remarks += QStringLiteral("%1 lost").arg(summary.lost.size());
+    m_line.update(summary.given, summary.bytes, remarks.join(QStringLiteral("  ")));
 }
 
 void CxRecordWatcher::onEnd(SxRecordSummary const& summary, CxQualityTrial* trial)
 {
     Console::transient(QString());
     passWarnings();
-    if (summary.given < kPicturesBeforeBitsAdvice)
+    if (!summary.lost.isEmpty())
+        warn(fx_LossWarning(summary));
+    if (!m_hasJudgedBits)
         adviseBits(summary);
     QString const asked = fx_LevelName(m_request.encoder.level);
     if (!summary.level.isEmpty() && summary.level != asked)
@@ -71,6 +78,7 @@ void CxRecordWatcher::passWarnings()
 
 void CxRecordWatcher::adviseBits(SxRecordSummary const& summary)
 {
+    m_hasJudgedBits = true;
     QString const advice = m_source.knowsSignificantBits() ? QString() : fx_BitsAdvice(summary);
     if (!advice.isEmpty())
         warn(advice);

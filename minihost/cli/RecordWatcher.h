@@ -42,4 +42,5 @@ private:
     Tells m_tells;
     CxProgressLine m_line;
     QStringList m_warnings;
+    bool m_hasJudgedBits = false;
 };

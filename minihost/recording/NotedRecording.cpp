@@ -9,7 +9,8 @@
 /// True when a player that assumes what everybody does shows the recording as it was.
 static bool fx_IsAsAssumed(SxRecordSummary const& summary)
 {
-    return summary.rate.isAsAssumed() && summary.rotation == 0 && summary.skipped.isEmpty();
+    return summary.rate.isAsAssumed() && summary.rotation == 0 && summary.skipped.isEmpty() &&
+           summary.lost.isEmpty();
 }
 
 static SxSidecar fx_SidecarOf(SxRecordRequest const& request, SxRecordSummary const& summary)
@@ -29,6 +30,8 @@ static SxSidecar fx_SidecarOf(SxRecordRequest const& request, SxRecordSummary co
     sidecar.pictures = summary.given;
     sidecar.skippedCount = static_cast<int>(summary.skipped.size());
     sidecar.skipped = fx_RangesOf(summary.skipped);
+    sidecar.lostCount = static_cast<int>(summary.lost.size());
+    sidecar.lost = fx_RangesOf(summary.lost);
     sidecar.program = QStringLiteral("minihost " MINIHOST_VERSION);
     return sidecar;
 }

@@ -4,7 +4,8 @@
 
 /// fx_Record(), and beside a regular file a sidecar where the recording differs from what everybody assumes
 /// of one: the source has another rate than kPicturesASecond, its pictures stand turned, or some were
-/// skipped. Pictures that stand turned differently leave no rotation: one would turn the others wrongly.
+/// skipped or lost. Pictures that stand turned differently leave no rotation: one would turn the others
+/// wrongly.
 ///
 /// A sidecar of what the recording replaces goes as soon as that is gone. What the request's sidecar option
 /// forbids, or the disk, changes nothing of the recording.

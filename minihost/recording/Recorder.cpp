@@ -30,6 +30,7 @@ private:
     void recordAll(RecordProgress const& progress, QElapsedTimer const& timer);
     bool nextPicture();
     bool isMemoryToBlame();
+    void noteMissing();
     bool mayContinue() const;
     int expectedPictures() const;
     void noteEnd();
@@ -72,16 +73,26 @@ bool CxRecording::isMemoryToBlame()
     return true;
 }
 
+/// Before the picture that came last, or the end.
+void CxRecording::noteMissing()
+{
+    SxMissingPictures const missing = m_source.missing();
+    for (int i = 0; i < missing.lost; ++i)
+        m_summary.lost.append(m_summary.given++);
+    m_summary.missedByCamera += missing.byCamera;
+}
+
 /// Fetches the next picture; false at the end, when stopped and on errors.
 bool CxRecording::nextPicture()
 {
-    if (m_request.stop && m_request.stop->load()) {
+    if (m_request.stop && m_request.stop->load() && !m_source.isLive()) {
         noteEnd();
         return false;
     }
     IxPictureSource::Result const result = m_source.next(m_picture.get());
     if (isMemoryToBlame())
         return false;
+    noteMissing();
     switch (result) {
     case IxPictureSource::Result::Picture:
         break;

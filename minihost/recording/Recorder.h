@@ -41,9 +41,11 @@ struct SxRecordSummary
     bool isCutShort = false;      ///< so pictures are missing that were asked for
     bool isSourceDamaged = false; ///< so not every picture is what it was, or all there
     int expected = -1;            ///< pictures that were to come, as far as known by now; else -1
-    int given = 0;                ///< pictures handed to the saver
+    int given = 0;                ///< pictures that the source gave, whether they were lost or not
     int coded = 0;                ///< of these, how many the file holds completely
     QVector<int> skipped;         ///< numbers, from 0, of those that the encoder left out without an error
+    QVector<int> lost;            ///< numbers of those that a live source gave faster than they were saved
+    int missedByCamera = 0;       ///< pictures that a live source left out, by its time stamps; not in given
     qint64 bytes = 0;             ///< in the file, or that a pipe or device took
     qint64 elapsedNs = 0;         ///< from the first picture asked for to the file closed
     qint64 savingNs = 0;          ///< of that, inside the saver

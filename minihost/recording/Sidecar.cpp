@@ -91,16 +91,26 @@ QString fx_Plain(QJsonValue const& value)
     return text;
 }
 
+/// What is said of pictures of one kind, as "skipped" and "skippedCount"; false when it does not add up.
+bool fx_ParsePictures(QJsonObject const& json, QString const& kind, int pictures, int& count,
+                      QVector<SxPictureRange>& ranges)
+{
+    count = json.value(kind + QStringLiteral("Count")).toInt();
+    auto const read = fx_RangesFromText(json.value(kind).toString(), pictures);
+    ranges = read.value_or(QVector<SxPictureRange>());
+    return read && count >= 0 && count <= pictures && (ranges.isEmpty() || fx_CountOf(ranges) == count);
+}
+
 /// \return why it cannot be used, half a sentence; empty when \p sidecar holds it.
 QString fx_Parse(QJsonObject const& json, SxSidecar& sidecar)
 {
     if (json.value(kFormatKey) != kFormat)
         return QStringLiteral("it is another version's");
-    for (char const* const key : {"rate", "skipped", "source", "program"}) {
+    for (char const* const key : {"rate", "skipped", "lost", "source", "program"}) {
         if (json.contains(QLatin1String(key)) && !json.value(QLatin1String(key)).isString())
             return QStringLiteral("its %1 is no text").arg(QLatin1String(key));
     }
-    for (char const* const key : {"rotation", "pictures", "skippedCount"}) {
+    for (char const* const key : {"rotation", "pictures", "skippedCount", "lostCount"}) {
         if (json.contains(QLatin1String(key)) && !json.value(QLatin1String(key)).isDouble())
             return QStringLiteral("its %1 is no number").arg(QLatin1String(key));
     }
@@ -116,14 +126,13 @@ QString fx_Parse(QJsonObject const& json, SxSidecar& sidecar)
     if (sidecar.rotation < 0 || sidecar.rotation > 270 || sidecar.rotation % 90 != 0)
         return QStringLiteral("%1 degrees are no rotation").arg(sidecar.rotation);
     sidecar.pictures = json.value(QStringLiteral("pictures")).toInt(-1);
-    sidecar.skippedCount = json.value(QStringLiteral("skippedCount")).toInt();
-    auto const ranges = fx_RangesFromText(json.value(QStringLiteral("skipped")).toString(), sidecar.pictures);
-    bool const isSound = ranges && sidecar.pictures >= 0 && sidecar.pictures <= kMostPictures &&
-                         sidecar.skippedCount >= 0 && sidecar.skippedCount <= sidecar.pictures &&
-                         (ranges->isEmpty() || fx_CountOf(*ranges) == sidecar.skippedCount);
+    bool const isSound =
+        sidecar.pictures >= 0 && sidecar.pictures <= kMostPictures &&
+        fx_ParsePictures(json, QStringLiteral("skipped"), sidecar.pictures, sidecar.skippedCount,
+                         sidecar.skipped) &&
+        fx_ParsePictures(json, QStringLiteral("lost"), sidecar.pictures, sidecar.lostCount, sidecar.lost);
     if (!isSound)
         return QStringLiteral("the pictures in it do not add up");
-    sidecar.skipped = *ranges;
     sidecar.source = fx_Plain(json.value(QStringLiteral("source")));
     sidecar.program = fx_Plain(json.value(QStringLiteral("program")));
     sidecar.options = json.value(QStringLiteral("options")).toObject();
@@ -147,8 +156,14 @@ QJsonObject fx_Json(SxSidecar const& sidecar, QJsonObject const& identity)
         json[QStringLiteral("rateIsAverage")] = sidecar.rate.isAverage;
     }
     QString const skipped = fx_RangesText(sidecar.skipped, 0);
-    if (skipped.size() <= kMostRangeBytes)
+    QString const lost = fx_RangesText(sidecar.lost, 0);
+    if (skipped.size() + lost.size() <= kMostRangeBytes)
         json[QStringLiteral("skipped")] = skipped;
+    if (sidecar.lostCount > 0) {
+        json[QStringLiteral("lostCount")] = sidecar.lostCount;
+        if (skipped.size() + lost.size() <= kMostRangeBytes)
+            json[QStringLiteral("lost")] = lost;
+    }
     return json;
 }
 

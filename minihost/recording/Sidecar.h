@@ -18,7 +18,9 @@ struct SxSidecar
     int pictures = 0;     ///< that the source gave
     int skippedCount = 0; ///< of these, how many the encoder left out
     QVector<SxPictureRange> skipped; ///< their numbers in the source; empty when they are too many to list
-    QString program;                 ///< that recorded them, with its version
+    int lostCount = 0; ///< of the pictures, how many a live source gave faster than they were encoded
+    QVector<SxPictureRange> lost; ///< likewise
+    QString program;              ///< that recorded them, with its version
 };
 
 /// Name of the file that belongs to \p recording: "out.h264.json".

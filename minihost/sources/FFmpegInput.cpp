@@ -35,9 +35,15 @@ bool fx_HasEnd(AVFormatContext const& opened)
     AVClass const* const reader = opened.iformat->priv_class;
     if (reader && AV_IS_INPUT_DEVICE(reader->category))
         return false;
-    // Without a server in its name it is a file or a pipe.
+    // Without a server in its name it is a file or a pipe. Sockets, too, are called seekable.
     return !QByteArray(opened.url).contains("://") || opened.duration > 0 ||
-           (opened.pb && opened.pb->seekable != 0);
+           (opened.pb && opened.pb->seekable != 0 && avio_size(opened.pb) >= 0);
+}
+
+bool fx_IsLive(AVFormatContext const& opened)
+{
+    // What a graph of filters draws it draws when it is asked.
+    return !fx_HasEnd(opened) && qstrcmp(opened.iformat->name, "lavfi") != 0;
 }
 
 bool fx_IsTextFormat(AVInputFormat const& format)

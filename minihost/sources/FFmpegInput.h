@@ -19,6 +19,9 @@ SxFFmpegInput fx_FFmpegInput(QString const& input, QString const& format);
 /// False for devices, and for streams out of a network that neither know their length nor can be read again.
 bool fx_HasEnd(AVFormatContext const& opened);
 
+/// True for those of them whose pictures come by their own clock.
+bool fx_IsLive(AVFormatContext const& opened);
+
 /// True for FFmpeg's readers that draw a text's letters: it would be a slip of the file's name.
 bool fx_IsTextFormat(AVInputFormat const& format);
 

@@ -148,6 +148,7 @@ bool CxFFmpegSource::openInput()
         return fail(QStringLiteral("its pictures cannot be decoded: %1").arg(fx_FFmpegErrorText(error)));
 
     m_hasEnd = fx_HasEnd(*format);
+    m_isLive = fx_IsLive(*format);
     m_count.begin(*format, m_stream);
     m_damage.begin(inputName());
     m_drained = false;

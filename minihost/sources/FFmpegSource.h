@@ -40,6 +40,7 @@ public:
     QString errorText() const override { return m_error; }
     int expectedPictures() const override { return m_expected; }
     bool hasEnd() const override { return m_hasEnd; }
+    bool isLive() const override { return m_isLive; }
     SxPictureRate rate() const override { return m_rate.rate(); }
     int rotation() const override { return m_rotation; }
     SxPixelShape pixelShape() const override { return m_pixelShape; }
@@ -86,6 +87,7 @@ private:
     bool m_isStill = false;      ///< the open input holds pictures, no video: it has no clock
     bool m_isOnePicture = false; ///< the open input is a picture file
     bool m_hasEnd = true;        ///< of the input opened last
+    bool m_isLive = false;       ///< the same
     bool m_drained = false;      ///< the open input is read to its end
     int m_framesOfInput = 0;     ///< delivered from the open input
     bool m_hasGap = false;       ///< the open input's reader met data that are not whole

@@ -17,6 +17,8 @@ public:
     QString errorText() const override { return m_error.isEmpty() ? m_source->errorText() : m_error; }
     int expectedPictures() const override { return m_source->expectedPictures(); }
     bool hasEnd() const override { return m_source->hasEnd(); }
+    bool isLive() const override { return m_source->isLive(); }
+    SxMissingPictures missing() const override { return m_source->missing(); }
     SxPictureRate rate() const override { return m_source->rate(); }
     int rotation() const override; ///< none is left where one was asked for
     SxPixelShape

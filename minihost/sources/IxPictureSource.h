@@ -8,6 +8,13 @@
 #include "PixelShape.h"
 #include "SxPicBuf.h"
 
+/// Pictures of a live source that do not come.
+struct SxMissingPictures
+{
+    int lost = 0;     ///< it gave them, and nobody took them in time
+    int byCamera = 0; ///< it left them out itself, by its time stamps
+};
+
 /// Where pictures to record or to show come from, one after the other. One thread at a time.
 class IxPictureSource
 {
@@ -36,6 +43,14 @@ public:
     /// False for a camera or a live stream, which goes on until somebody stops it: stopped, it has lost
     /// nothing. Known once the first picture has come.
     virtual bool hasEnd() const { return true; }
+
+    /// True for a source that gives its pictures by its own clock, whether somebody takes them or not, such
+    /// as a webcam. Stopped, it first gives those that came before, and then ends. Known once the first
+    /// picture has come.
+    virtual bool isLive() const { return false; }
+
+    /// Those missing between the picture before and the one that came last, or the end.
+    virtual SxMissingPictures missing() const { return {}; }
 
     /// The rate of the pictures that came so far: what the source says, or the average where they come
     /// unsteadily; unknown for pictures without a clock.

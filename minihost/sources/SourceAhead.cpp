@@ -8,9 +8,13 @@
 
 static constexpr std::chrono::milliseconds kLookAround(100); // for the stop flag
 
-CxSourceAhead::CxSourceAhead(Make const& make, std::atomic<bool> const* stop)
+static qint64 fx_BytesOf(SxPicBuf const& picture) { return qint64{picture.pitch} * picture.height; }
+
+CxSourceAhead::CxSourceAhead(Make const& make, std::atomic<bool> const* stop,
+                             std::optional<SxLiveBuffer> const& live)
     : m_stop(stop)
-    , m_source(make(&m_isCancelled))
+    , m_live(live)
+    , m_source(make(&m_isStopping))
 {}
 
 CxSourceAhead::~CxSourceAhead()
@@ -19,7 +23,8 @@ CxSourceAhead::~CxSourceAhead()
         return;
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        m_isCancelled.store(true);
+        m_isAbandoned = true;
+        m_isStopping.store(true);
         m_changed.notify_all();
         while (!m_isDone) { // again: it may have been about to wait
             fx_InterruptThread(m_thread);
@@ -43,10 +48,13 @@ void CxSourceAhead::start()
 std::unique_ptr<CxSourceAhead::SxFetched> CxSourceAhead::waitForRoom()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait(lock, [this] {
-        return m_isCancelled || m_begun == 0 || (m_asked > 1 && m_waiting.size() < kMostWaiting);
+    auto const isEnded = [this] { return m_isAbandoned || (m_isStopping && !m_isLive); };
+    m_changed.wait(lock, [&] {
+        bool const isNeverKept = m_isLive && m_live; // put() sees to the room
+        bool const hasRoom = m_asked > 1 && m_waiting.size() < kMostWaiting;
+        return isEnded() || m_begun == 0 || isNeverKept || hasRoom;
     });
-    if (m_isCancelled)
+    if (isEnded())
         return nullptr;
     ++m_begun;
     if (m_used.empty())
@@ -60,15 +68,61 @@ void CxSourceAhead::fetch(SxFetched& fetched)
 {
     try {
         fetched.result = m_source->next(fetched.picture.get());
-        fetched.told = {m_source->errorText(), m_source->expectedPictures(),
-                        m_source->hasEnd(),    m_source->rate(),
-                        m_source->rotation(),  m_source->pixelShape(),
-                        m_source->wholeSize(), m_source->knowsSignificantBits(),
-                        m_source->isDamaged()};
-        fetched.warnings = m_source->takeWarnings();
+        fetched.told.error = m_source->errorText();
+        fetched.told.expected = m_source->expectedPictures();
+        fetched.told.hasEnd = m_source->hasEnd();
+        fetched.told.isLive = m_source->isLive();
+        SxMissingPictures const missing = m_source->missing();
+        m_missing.lost += missing.lost;
+        m_missing.byCamera += missing.byCamera;
+        fetched.told.rate = m_source->rate();
+        fetched.told.rotation = m_source->rotation();
+        fetched.told.pixelShape = m_source->pixelShape();
+        fetched.told.wholeSize = m_source->wholeSize();
+        fetched.told.knowsSignificantBits = m_source->knowsSignificantBits();
+        fetched.told.isDamaged = m_source->isDamaged();
+        m_untold += m_source->takeWarnings();
     } catch (...) {
         fetched.failure = std::current_exception(); // the caller's to tell
     }
+}
+
+/// Whether a picture of a live source finds room before its time.
+bool CxSourceAhead::isTimely(std::unique_lock<std::mutex>& lock, SxFetched const& fetched)
+{
+    SxPicBuf const& picture = fetched.picture.get();
+    auto const fits = [&] {
+        if (m_waiting.empty() || m_isAbandoned)
+            return true;
+        quint64 const oldest = m_waiting.front()->picture.get().timestamp;
+        return m_waitingBytes + fx_BytesOf(picture) <= m_live->bytes &&
+               static_cast<qint64>(picture.timestamp - oldest) <= m_live->microseconds;
+    };
+    if (!m_sinceFirst.isValid())
+        m_sinceFirst.start();
+    std::chrono::microseconds const left(static_cast<qint64>(picture.timestamp) -
+                                         m_sinceFirst.nsecsElapsed() / 1000);
+    return fits() || (left.count() > 0 && m_changed.wait_for(lock, left, fits));
+}
+
+void CxSourceAhead::put(std::unique_ptr<SxFetched> fetched)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_isLive = fetched->told.isLive;
+    bool const isPicture = !fetched->failure && fetched->result == Result::Picture;
+    if (isPicture && m_isLive && m_live) {
+        m_missing.byCamera += m_gaps.before(fetched->picture.get().timestamp);
+        if (!isTimely(lock, *fetched)) {
+            ++m_missing.lost;
+            m_used.push_back(std::move(fetched));
+            return;
+        }
+    }
+    fetched->told.missing = std::exchange(m_missing, {});
+    fetched->warnings = std::exchange(m_untold, {});
+    m_waitingBytes += fx_BytesOf(fetched->picture.get());
+    m_waiting.push_back(std::move(fetched));
+    m_changed.notify_all();
 }
 
 void CxSourceAhead::work()
@@ -79,28 +133,44 @@ void CxSourceAhead::work()
         if (fetched)
             fetch(*fetched);
         goesOn = fetched && !fetched->failure && fetched->result == Result::Picture;
-        std::lock_guard<std::mutex> const lock(m_mutex);
         if (fetched)
-            m_waiting.push_back(std::move(fetched));
-        m_isDone = !goesOn;
-        m_changed.notify_all();
+            put(std::move(fetched));
     }
+    std::lock_guard<std::mutex> const lock(m_mutex);
+    m_isDone = true;
+    m_changed.notify_all();
 }
 
-/// The oldest picture that waits; null when stopped before there is one.
+/// The oldest picture that waits; null when stopped before there is one, or before there was to be another.
 std::unique_ptr<CxSourceAhead::SxFetched> CxSourceAhead::waitForNext()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     ++m_asked;
     m_changed.notify_all();
-    while (m_waiting.empty() && !isStopped())
+    for (;;) {
+        if (isStopped())
+            m_isStopping.store(true);
+        if (m_isStopping && !m_isLive)
+            return nullptr;
+        if (!m_waiting.empty())
+            break;
+        if (m_isStopping)
+            fx_InterruptThread(m_thread);
         m_changed.wait_for(lock, kLookAround);
-    if (m_waiting.empty())
-        return nullptr;
+    }
     auto next = std::move(m_waiting.front());
     m_waiting.pop_front();
+    m_waitingBytes -= fx_BytesOf(next->picture.get());
     m_changed.notify_all();
     return next;
+}
+
+/// What a burst needed goes again.
+void CxSourceAhead::giveBack(std::unique_ptr<SxFetched> used)
+{
+    std::lock_guard<std::mutex> const lock(m_mutex);
+    if (m_used.size() < kMostWaiting)
+        m_used.push_back(std::move(used));
 }
 
 IxPictureSource::Result CxSourceAhead::next(SxPicBuf& picture)
@@ -118,14 +188,8 @@ IxPictureSource::Result CxSourceAhead::next(SxPicBuf& picture)
     std::swap(picture, fetched->picture.get());
     m_told = std::move(fetched->told);
     m_warnings += fetched->warnings;
-    std::lock_guard<std::mutex> const lock(m_mutex);
-    m_used.push_back(std::move(fetched));
+    giveBack(std::move(fetched));
     return result;
 }
 
-QStringList CxSourceAhead::takeWarnings()
-{
-    QStringList warnings;
-    warnings.swap(m_warnings);
-    return warnings;
-}
+QStringList CxSourceAhead::takeWarnings() { return std::exchange(m_warnings, {}); }

@@ -1,5 +1,6 @@
 #include "SourcePart.h"
 
+#include <QMap>
 #include <QRegularExpression>
 #include <cmath>
 #include <utility>
@@ -9,7 +10,7 @@ static constexpr double kMicroseconds = 1e6; // in a second
 std::optional<SxPlayLength> fx_PlayLength(QString const& text)
 {
     static QRegularExpression const kPictures(QStringLiteral("^(\\d{1,9})f$"));
-    static QRegularExpression const kUnit(QStringLiteral("^(\\d{1,9}(?:\\.\\d{1,9})?)(ms|s)$"));
+    static QRegularExpression const kUnit(QStringLiteral("^(\\d{1,9}(?:\\.\\d{1,9})?)(ms|s|m|h)$"));
     static QRegularExpression const kClock(
         QStringLiteral("^(?:(\\d{1,5}):(?=\\d\\d:))?(\\d{1,5}):([0-5]\\d(?:\\.\\d{1,9})?)$"));
 
@@ -19,7 +20,11 @@ std::optional<SxPlayLength> fx_PlayLength(QString const& text)
     double seconds = 0;
     match = kUnit.match(text);
     if (match.hasMatch()) {
-        seconds = match.captured(1).toDouble() / (match.captured(2) == QLatin1String("ms") ? 1000 : 1);
+        static QMap<QString, double> const kUnits{{QStringLiteral("ms"), 0.001},
+                                                  {QStringLiteral("s"), 1},
+                                                  {QStringLiteral("m"), 60},
+                                                  {QStringLiteral("h"), 3600}};
+        seconds = match.captured(1).toDouble() * kUnits.value(match.captured(2));
     } else {
         match = kClock.match(text);
         bool const hasHours = !match.captured(1).isEmpty();

@@ -14,8 +14,8 @@ struct SxPlayLength
     bool isPictures = false;
 };
 
-/// "1:02.5", "1:00:00", "3s", "500ms" or "100f", pictures; nothing when it is none of these. A bare number is
-/// none: it could mean either.
+/// "1:02.5", "1:00:00", "3s", "500ms", "10m", "1.5h" or "100f", pictures; nothing when it is none of these. A
+/// bare number is none: it could mean either.
 std::optional<SxPlayLength> fx_PlayLength(QString const& text);
 
 /// The part of a source that is wanted.
@@ -38,6 +38,8 @@ public:
     QString errorText() const override { return m_error.isEmpty() ? m_source->errorText() : m_error; }
     int expectedPictures() const override;
     bool hasEnd() const override { return m_part.duration.has_value() || m_source->hasEnd(); }
+    bool isLive() const override { return m_source->isLive(); }
+    SxMissingPictures missing() const override { return m_source->missing(); }
     SxPictureRate rate() const override { return m_source->rate(); }
     int rotation() const override { return m_source->rotation(); }
     SxPixelShape pixelShape() const override { return m_source->pixelShape(); }

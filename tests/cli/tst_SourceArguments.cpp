@@ -369,11 +369,11 @@ void tst_SourceArguments::valuesThatMakeNoSenseAreWrongUsage_data()
         << "crop"
         << "64x64+1+0" << QByteArray("The picture of camera: is 64 x 64; 64 x 64 from column 1");
     for (QString const option : {"start", "duration"}) {
-        for (QString const value : {"3", "-1s", "1:2", "1h", ""})
+        for (QString const value : {"3", "-1s", "1:2", "1d", ""})
             QTest::addRow("%s %s", qPrintable(option), qPrintable(value))
                 << option << value
                 << "--" + option.toUtf8() +
-                       " takes a time such as 1:02.5, 3s or 500ms, or pictures such as 100f";
+                       " takes a time such as 1:02.5, 3s, 10m or 500ms, or pictures such as 100f";
     }
     QTest::newRow("duration 0s") << "duration"
                                  << "0s" << QByteArray("--duration takes a time");

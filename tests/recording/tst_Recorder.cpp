@@ -119,6 +119,8 @@ private slots:
     void sourceWithoutAPictureIsToldAndWritesNothing();
     void sourceThatFailsIsToldInItsOwnWords();
     void pictureOfAnotherSizeEndsTheRecording();
+    void lostPicturesHaveNumbersOfTheSource();
+    void stoppedLiveSourceIsRecordedToItsEnd();
     void pluginThatCannotRecordIsTold_data();
     void pluginThatCannotRecordIsTold();
 
@@ -331,6 +333,59 @@ void tst_Recorder::pictureOfAnotherSizeEndsTheRecording()
     QVERIFY(summary.failure == RecordFailure::Source);
     QCOMPARE(summary.coded, 2);
     QCOMPARE(QFile(path()).size(), qint64{14});
+}
+
+/// Six pictures of a camera: the third and fourth were lost, as was one behind the last; and it left out two.
+class CxLossySource : public CxWidthsSource
+{
+public:
+    CxLossySource()
+        : CxWidthsSource({64, 64, 64}, QString())
+    {}
+    Result next(SxPicBuf& picture) override
+    {
+        ++m_asked;
+        return CxWidthsSource::next(picture);
+    }
+    bool isLive() const override { return true; }
+    SxMissingPictures missing() const override
+    {
+        return m_asked == 3   ? SxMissingPictures{2, 2}
+               : m_asked == 4 ? SxMissingPictures{1, 0}
+                              : SxMissingPictures();
+    }
+
+private:
+    int m_asked = 0;
+};
+
+void tst_Recorder::lostPicturesHaveNumbersOfTheSource()
+{
+    CxLossySource source;
+    SxRecordRequest request;
+    request.outputFile = path();
+    CxPluginMessages const messages;
+    SxRecordSummary const summary = fx_Record(source, request);
+    QCOMPARE(summary.error, QString());
+    QCOMPARE(summary.given, 6);
+    QCOMPARE(summary.coded, 3);
+    QCOMPARE(summary.lost, (QVector<int>{2, 3, 5}));
+    QCOMPARE(summary.missedByCamera, 2);
+    QVERIFY(summary.skipped.isEmpty());
+    QCOMPARE(QFile(path()).size(), qint64{21});
+}
+
+void tst_Recorder::stoppedLiveSourceIsRecordedToItsEnd()
+{
+    CxLossySource source;
+    std::atomic<bool> stop{true}; // the source gives what came before that
+    SxRecordRequest request;
+    request.outputFile = path();
+    request.stop = &stop;
+    CxPluginMessages const messages;
+    SxRecordSummary const summary = fx_Record(source, request);
+    QCOMPARE(summary.coded, 3);
+    QVERIFY(summary.wasStopped);
 }
 
 void tst_Recorder::pluginThatCannotRecordIsTold_data()

@@ -31,6 +31,8 @@ void tst_SourcePart::lengthsAreTimesOrPictures_data()
     time("2.5s", 2500000);
     time("500ms", 500000);
     time("0.25ms", 250);
+    time("10m", 600000000);
+    time("1.5h", 5400000000);
     time("1:02.5", 62500000);
     time("0:00.04", 40000);
     time("90:00", 5400000000);
@@ -39,7 +41,7 @@ void tst_SourcePart::lengthsAreTimesOrPictures_data()
     QTest::newRow("100f") << qint64{100} << true;
     QTest::newRow("0f") << qint64{0} << true;
     for (char const* text : {"",      "3",    "2.5",         "f",          "s",      "-1s", "+1s", "1 s",
-                             "1h",    "1:2",  "1:60",        "1:60:00",    "1:2:03", ":30", "1:",  "1e3s",
+                             "1d",    "1:2",  "1:60",        "1:60:00",    "1:2:03", ":30", "1:",  "1e3s",
                              "0x10f", "1.5f", "9999999999f", "1:02:03:04", "100F",   "½s"})
         QTest::newRow(text) << qint64{-1} << false;
 }
