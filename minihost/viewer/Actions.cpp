@@ -30,6 +30,8 @@ CxActions::CxActions(QObject* parent)
     , openSource(add("openSource", tr("Open &Video, Stream or Device…"), {fx_Ctrl(Qt::Key_U)}))
     , record(add("record", tr("&Record…"), {fx_Ctrl(Qt::Key_R)}))
     , savePicture(add("savePicture", tr("&Save Picture…"), {fx_Ctrl(Qt::Key_S)}))
+    , snapshot(add("snapshot", tr("S&napshot"), {Qt::Key_S, fx_Shift(Qt::Key_S)}))
+    , snapshotFolder(add("snapshotFolder", tr("Snapshot Fol&der…")))
     , verify(add("verify", tr("Verif&y Recording"), {Qt::Key_F7}))
     , quit(add("quit", tr("&Quit"), {fx_Ctrl(Qt::Key_Q)}))
     , copy(add("copy", tr("&Copy Picture"), {fx_Ctrl(Qt::Key_C)}))
@@ -86,7 +88,7 @@ void CxActions::fill(QMenuBar* bar)
     file->addSeparator();
     file->addActions({openCamera, openSource});
     file->addSeparator();
-    file->addActions({record, savePicture, verify});
+    file->addActions({record, savePicture, snapshot, snapshotFolder, verify});
     file->addSeparator();
     file->addAction(quit);
 

@@ -31,6 +31,8 @@ public:
     QAction* openSource;
     QAction* record;
     QAction* savePicture;
+    QAction* snapshot;
+    QAction* snapshotFolder;
     QAction* verify;
     QAction* quit;
     QAction* copy;

@@ -1,11 +1,7 @@
 #include "MainWindow.h"
 
-#include <QActionGroup>
 #include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
-#include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -19,7 +15,6 @@
 #include "FileDialogs.h"
 #include "HelpWindow.h"
 #include "MessageBar.h"
-#include "PictureFile.h"
 #include "PictureView.h"
 #include "RecentFiles.h"
 #include "RecordBar.h"
@@ -47,6 +42,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_verify(new CxVerifyControl(*m_actions, m_play, *m_messageBar, *m_status, plugins.fileNames(), *this))
     , m_live(*m_actions, *m_view, *m_transport, *m_messageBar)
     , m_look(*m_actions, *m_view, *this)
+    , m_picture(*m_actions, *m_view, m_play.player(), *m_messageBar, *this)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
 {
     setObjectName(QStringLiteral("mainWindow"));
@@ -111,9 +107,7 @@ void CxMainWindow::connectActions()
             format = *m_view->picture().data->picBuf();
         m_record.ask(format);
     });
-    on(a.savePicture, [this] { askForPictureFile(); });
     on(a.quit, [this] { close(); });
-    on(a.copy, [this] { QApplication::clipboard()->setImage(m_view->picture().image.copy()); });
     on(a.play, [this] { m_live.isOpen() ? m_live.toggleFrozen() : m_play.togglePlaying(); });
     on(a.fullScreen, [this](bool isOn) { setFullScreen(isOn); });
     on(a.keys, [this] {
@@ -133,6 +127,7 @@ void CxMainWindow::connectControls()
     connect(&m_play, &CxPlayControl::opened, this, &CxMainWindow::takeOpened);
     connect(&m_play, &CxPlayControl::opened, m_status, &CxStatusBar::showNotes);
     connect(&m_play.marks(), &CxMarkControl::told, m_status, &CxStatusBar::confirm);
+    connect(&m_picture, &CxPictureControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_play, &CxPlayControl::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_live, &CxLiveControl::begun, this, &CxMainWindow::takeLive);
     connect(&m_live, &CxLiveControl::openFailed, this, &CxMainWindow::takeOpenFailure);
@@ -281,33 +276,11 @@ void CxMainWindow::updateActions()
     a.play->setEnabled(hasRecording || isLive);
     a.record->setEnabled((hasRecording || isLive) && !m_record.isRunning() && !m_isOpening);
     a.record->setText(isLive ? tr("&Record…") : tr("Save &Part…"));
-    for (QAction* const action : {a.savePicture, a.copy, a.fit, a.actualSize, a.zoomIn, a.zoomOut})
+    m_picture.setEnabled(hasPicture);
+    for (QAction* const action : {a.fit, a.actualSize, a.zoomIn, a.zoomOut})
         action->setEnabled(hasPicture);
     for (QAction* const action : {a.open, a.openCamera, a.openSource, a.recentMenu->menuAction()})
         action->setEnabled(!m_record.isRunning());
-}
-
-/// Saves the picture shown now, whatever is shown once the file has a name.
-void CxMainWindow::askForPictureFile()
-{
-    SxShownPicture const picture = m_view->picture();
-    QString const base =
-        player().isOpen() ? QFileInfo(player().info().fileName).completeBaseName() : tr("live");
-    QFileDialog* const dialog = CxFileDialogs::pictureToSave(this, base, picture.number);
-    connect(dialog, &QFileDialog::fileSelected, this,
-            [this, picture](QString const& fileName) { savePicture(picture, fileName); });
-    dialog->open();
-}
-
-void CxMainWindow::savePicture(SxShownPicture const& picture, QString const& fileName)
-{
-    QString error;
-    if (CxPictureFile::save(picture.image, fileName, error))
-        return;
-    m_messageBar->showMessage(CxMessageBar::Kind::Warning,
-                              tr("Picture %1 could not be saved to “%2”: %3.")
-                                  .arg(picture.number)
-                                  .arg(QDir::toNativeSeparators(fileName), error));
 }
 
 // ---- Events

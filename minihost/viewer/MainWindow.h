@@ -4,6 +4,7 @@
 
 #include "LiveControl.h"
 #include "LookControl.h"
+#include "PictureControl.h"
 #include "PlayControl.h"
 #include "RecordControl.h"
 
@@ -57,8 +58,6 @@ private:
     void setTitle(QString const& name);
     void setFullScreen(bool isFullScreen);
     void updateActions();
-    void askForPictureFile();
-    void savePicture(SxShownPicture const& picture, QString const& fileName);
 
     CxPluginHost const& m_plugins;
     CxActions* m_actions;
@@ -74,6 +73,7 @@ private:
     CxVerifyControl* m_verify;
     CxLiveControl m_live;
     CxLookControl m_look;
+    CxPictureControl m_picture;
     bool m_isOpening = false; ///< something else than what is shown
     CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

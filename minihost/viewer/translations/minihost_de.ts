@@ -222,6 +222,14 @@
         <source>&amp;Region and Profile</source>
         <translation>&amp;Bereich und Profil</translation>
     </message>
+    <message>
+        <source>S&amp;napshot</source>
+        <translation>S&amp;chnappschuss</translation>
+    </message>
+    <message>
+        <source>Snapshot Fol&amp;der…</source>
+        <translation>Or&amp;dner der Schnappschüsse …</translation>
+    </message>
 </context>
 <context>
     <name>CxBrokenList</name>
@@ -434,20 +442,12 @@
         <translation>A&amp;usschnitt speichern …</translation>
     </message>
     <message>
-        <source>Picture %1 could not be saved to “%2”: %3.</source>
-        <translation>Bild %1 ließ sich nicht in „%2“ speichern: %3.</translation>
-    </message>
-    <message>
         <source>Recording</source>
         <translation>Aufzeichnung</translation>
     </message>
     <message>
         <source>A recording is under way. End it and quit?</source>
         <translation>Es wird gerade aufgezeichnet. Aufzeichnung beenden und schließen?</translation>
-    </message>
-    <message>
-        <source>live</source>
-        <translation>live</translation>
     </message>
     <message>
         <source>Opening…</source>
@@ -615,6 +615,33 @@
     <message>
         <source>Details of the message</source>
         <translation>Einzelheiten der Meldung</translation>
+    </message>
+</context>
+<context>
+    <name>CxPictureControl</name>
+    <message>
+        <source>Picture %1 is in the clipboard.</source>
+        <translation>Bild %1 ist in der Zwischenablage.</translation>
+    </message>
+    <message>
+        <source>live</source>
+        <translation>live</translation>
+    </message>
+    <message>
+        <source>Picture %1 is saved as “%2”.</source>
+        <translation>Bild %1 ist als „%2“ gespeichert.</translation>
+    </message>
+    <message>
+        <source>Picture %1 could not be saved to “%2”: %3.</source>
+        <translation>Bild %1 ließ sich nicht in „%2“ speichern: %3.</translation>
+    </message>
+    <message>
+        <source>Folder of Snapshots</source>
+        <translation>Ordner der Schnappschüsse</translation>
+    </message>
+    <message>
+        <source>Snapshots go to “%1”.</source>
+        <translation>Schnappschüsse kommen nach „%1“.</translation>
     </message>
 </context>
 <context>
