@@ -113,7 +113,9 @@ bool CxLiveSource::isWindowWaiting()
 
 void CxLiveSource::publish(std::unique_ptr<CxImageData> data)
 {
-    SxShownPicture const picture = fx_ShownPicture(m_count - 1, std::move(data), m_source->sourceBits());
+    SxShownPicture picture = fx_ShownPicture(m_count - 1, std::move(data), m_source->sourceBits());
+    picture.rotation = m_source->rotation();
+    picture.pixelShape = m_source->pixelShape();
     QMutexLocker const lock(&m_mutex);
     m_newest = picture;
     if (m_isAnnounced)

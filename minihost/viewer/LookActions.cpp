@@ -9,9 +9,15 @@ CxLookActions::CxLookActions(CxActions& actions)
     : levels(actions.add("levels", CxActions::tr("&Histogram and Levels"), {Qt::Key_H}))
     , markClipping(actions.add("markClipping", CxActions::tr("&Mark Clipped Pixels"), {Qt::Key_Z}))
     , measure(actions.add("measure", CxActions::tr("&Region and Profile"), {Qt::Key_R}))
+    , info(actions.add("info", CxActions::tr("Info O&verlay"), {{int(Qt::CTRL) | int(Qt::Key_I)}}))
+    , turnRight(actions.add("turnRight", CxActions::tr("Turn &Right"), {Qt::Key_T}))
+    , turnLeft(actions.add("turnLeft", CxActions::tr("Turn &Left"), {{int(Qt::SHIFT) | int(Qt::Key_T)}}))
+    , mirror(actions.add("mirror", CxActions::tr("&Mirror"), {Qt::Key_M}))
+    , pixelShape(actions.add("pixelShape", CxActions::tr("&Pixel Shape of the Source"), {Qt::Key_A}))
 {
-    for (QAction* const action : {levels, markClipping, measure})
+    for (QAction* const action : {levels, markClipping, measure, info, mirror, pixelShape})
         action->setCheckable(true);
+    pixelShape->setChecked(true);
     markClipping->setToolTip(CxActions::tr(
         "Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail"));
 }
@@ -19,5 +25,7 @@ CxLookActions::CxLookActions(CxActions& actions)
 void CxLookActions::fill(QMenu* view)
 {
     view->addSeparator();
-    view->addActions({levels, markClipping, measure});
+    view->addActions({levels, markClipping, measure, info});
+    view->addSeparator();
+    view->addMenu(CxActions::tr("&Turn"))->addActions({turnRight, turnLeft, mirror, pixelShape});
 }

@@ -15,4 +15,9 @@ public:
     QAction* levels;
     QAction* markClipping;
     QAction* measure;
+    QAction* info;
+    QAction* turnRight;
+    QAction* turnLeft;
+    QAction* mirror;
+    QAction* pixelShape;
 };

@@ -4,20 +4,28 @@
 #include <QMainWindow>
 
 #include "Actions.h"
+#include "InfoOverlay.h"
 #include "LevelsPanel.h"
+#include "LiveControl.h"
 #include "LookDock.h"
 #include "PictureView.h"
+#include "PlayControl.h"
 
-CxLookControl::CxLookControl(CxActions& actions, CxPictureView& view, QWidget& window)
+CxLookControl::CxLookControl(CxActions& actions, CxPictureView& view, CxPlayControl& play,
+                             CxLiveControl& live, QWidget& window)
     : m_actions(actions.look)
     , m_view(view)
     , m_frame(new QMainWindow(&window, Qt::Widget))
     , m_levels(new CxLevelsPanel(actions.look.markClipping, m_frame))
     , m_histogram([this] { showHistogram(); })
     , m_measure(actions.look.measure, view, *m_frame)
+    , m_turn(actions.look, view)
 {
     connectZoom(actions);
     buildLevels();
+    new CxInfoOverlay(actions.look.info, view, play, live); // the view's own
+    connect(&play, &CxPlayControl::opened, &m_turn, &CxTurnControl::reset);
+    connect(&live, &CxLiveControl::begun, &m_turn, &CxTurnControl::reset);
     connect(&m_view, &CxPictureView::pictureShown, this, [this](SxShownPicture const&, bool isFirst) {
         if (isFirst) // of another depth, perhaps, to which the levels do not belong
             showHistogram();

@@ -41,8 +41,9 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_play(*m_actions, *m_view, *m_transport, *m_messageBar, *this)
     , m_verify(new CxVerifyControl(*m_actions, m_play, *m_messageBar, *m_status, plugins.fileNames(), *this))
     , m_live(*m_actions, *m_view, *m_transport, *m_messageBar)
-    , m_look(*m_actions, *m_view, *this)
+    , m_look(*m_actions, *m_view, m_play, m_live, *this)
     , m_picture(*m_actions, *m_view, m_play.player(), *m_messageBar, *this)
+    , m_fullScreen(*m_view, *m_transport)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
 {
     setObjectName(QStringLiteral("mainWindow"));
@@ -256,7 +257,7 @@ void CxMainWindow::setFullScreen(bool isFullScreen)
     m_actions->fullScreen->setChecked(isFullScreen);
     menuBar()->setVisible(!isFullScreen);
     m_status->setVisible(!isFullScreen);
-    m_transport->setVisible(!isFullScreen);
+    m_fullScreen.setFullScreen(isFullScreen);
     setWindowState(isFullScreen ? windowState() | Qt::WindowFullScreen
                                 : windowState() & ~Qt::WindowFullScreen);
     m_view->setFocus();

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 
+#include "FullScreenBar.h"
 #include "LiveControl.h"
 #include "LookControl.h"
 #include "PictureControl.h"
@@ -74,6 +75,7 @@ private:
     CxLiveControl m_live;
     CxLookControl m_look;
     CxPictureControl m_picture;
+    CxFullScreenBar m_fullScreen;
     bool m_isOpening = false; ///< something else than what is shown
     CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

@@ -122,8 +122,12 @@ void CxMeasurePanel::setPictureSize(QSize const& size)
             (*numbers)[i]->setRange(0, std::max((i % 2 == 0 ? size.width() : size.height()) - 1, 0));
         }
     }
-    setRegion({size.width() / 4, size.height() / 4, size.width() / 2, size.height() / 2});
-    setLine({0, size.height() / 2, size.width() - 1, size.height() / 2});
+    {
+        QSignalBlocker const blocker(this); // one change
+        setRegion({size.width() / 4, size.height() / 4, size.width() / 2, size.height() / 2});
+        setLine({0, size.height() / 2, size.width() - 1, size.height() / 2});
+    }
+    emit placesChanged();
 }
 
 void CxMeasurePanel::setRegion(QRect const& region)

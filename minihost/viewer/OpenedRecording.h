@@ -3,6 +3,7 @@
 #include <QList>
 #include <QMetaType>
 #include <QString>
+#include <QVector>
 
 #include "Sidecar.h"
 
@@ -14,6 +15,8 @@ struct SxOpenedRecording
     double fps = 0.0;     ///< pictures a second, as its sidecar notes or else the loader assumes them
     QList<int> keyFrames; ///< ascending
     SxFoundSidecar sidecar;
+    QVector<quint32> bytes; ///< of each picture as coded
+    QString codec; ///< with profile and level as far as the stream tells, "H.264 baseline, level 3.1"
 };
 
 Q_DECLARE_METATYPE(SxOpenedRecording)

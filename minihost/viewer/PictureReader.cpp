@@ -3,6 +3,8 @@
 #include <QMutexLocker>
 #include <algorithm>
 
+#include "StreamKind.h"
+
 CxPictureReader::CxPictureReader(qint64 memoryLimit, QObject* parent)
     : QThread(parent)
     , m_memoryLimit(memoryLimit)
@@ -79,6 +81,15 @@ void CxPictureReader::run()
     m_recording.reset(); // in the thread that used it
 }
 
+static QString fx_CodecText(QString const& fileName)
+{
+    SxStreamKind const kind = fx_StreamKindOf(fileName);
+    QString text = kind.codecName();
+    if (!kind.profile.isEmpty())
+        text += QStringLiteral(" %1, level %2").arg(kind.profile, kind.level);
+    return text;
+}
+
 void CxPictureReader::openFile(std::unique_ptr<CxRecordingReader> recording, QString const& fileName)
 {
     QString error;
@@ -92,8 +103,17 @@ void CxPictureReader::openFile(std::unique_ptr<CxRecordingReader> recording, QSt
     m_recording = std::move(recording);
     if (!m_recording)
         return;
-    m_info = {fileName, m_recording->frameCount(), m_recording->fps(), m_recording->keyFrames(),
-              m_recording->sidecar()};
+    QVector<quint32> bytes;
+    bytes.reserve(m_recording->frameCount());
+    for (SxCodedFrame const& frame : m_recording->frames())
+        bytes.append(static_cast<quint32>(frame.size));
+    m_info = {fileName,
+              m_recording->frameCount(),
+              m_recording->fps(),
+              m_recording->keyFrames(),
+              m_recording->sidecar(),
+              bytes,
+              fx_CodecText(fileName)};
     emit opened(m_info);
 }
 
@@ -130,6 +150,8 @@ bool CxPictureReader::read(int number, bool isBackwards, SxShownPicture& picture
     if (!data)
         return false;
     picture = fx_ShownPicture(number, std::move(data));
+    if (m_info.sidecar.sidecar)
+        picture.rotation = m_info.sidecar.sidecar->rotation;
     keep(picture, isBackwards);
     return true;
 }

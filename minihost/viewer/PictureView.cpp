@@ -44,16 +44,25 @@ void CxPictureView::setLook(SxPictureLook const& look)
     redraw();
 }
 
+void CxPictureView::setTurning(SxTurning const& turning)
+{
+    m_turning = turning;
+    if (m_picture.data)
+        setPicture(SxShownPicture(m_picture));
+}
+
 void CxPictureView::setPicture(SxShownPicture const& picture)
 {
     bool const isFirst = m_picture.image.isNull();
     bool const isNone = picture.image.isNull();
-    bool const isNewSize = !isNone && picture.image.size() != m_size;
+    SxOrientation const orientation = isNone ? m_orientation : fx_OrientationOf(picture, m_turning);
+    bool const isNewSize = !isNone && (picture.image.size() != m_size || !(orientation == m_orientation));
     m_picture = picture;
     m_looked = {};
     m_notice.clear();
     if (isNewSize) {
         m_size = picture.image.size();
+        m_orientation = orientation;
         m_offset = {};
     }
     if (isNewSize || (isFirst && !isNone)) {
@@ -77,18 +86,20 @@ void CxPictureView::setNotice(QString const& text)
 
 double CxPictureView::zoom() const { return m_scale * devicePixelRatioF(); }
 
-QSizeF CxPictureView::shownSize() const { return QSizeF(m_picture.image.size()) * m_scale; }
-
-QSize CxPictureView::screenSize() const
+/// As it lies, with a scale of 1.
+QSizeF CxPictureView::orientedSize() const
 {
-    return (shownSize() * devicePixelRatioF()).toSize().expandedTo({1, 1});
+    QSize const size = m_picture.image.size();
+    return fx_Oriented(size, m_orientation).mapRect(QRectF(QPointF(), size)).size();
 }
+
+QSizeF CxPictureView::shownSize() const { return orientedSize() * m_scale; }
 
 QRectF CxPictureView::target() const { return {m_offset, shownSize()}; }
 
 double CxPictureView::fittingScale() const
 {
-    QSize const size = m_picture.image.size();
+    QSizeF const size = orientedSize();
     if (size.isEmpty())
         return 1.0;
     return std::min(double(width()) / size.width(), double(height()) / size.height());
@@ -142,12 +153,13 @@ void CxPictureView::pan(QPointF const& distance)
 
 QTransform CxPictureView::toView() const
 {
-    return QTransform::fromTranslate(m_offset.x(), m_offset.y()).scale(m_scale, m_scale);
+    return fx_Oriented(m_picture.image.size(), m_orientation) * QTransform::fromScale(m_scale, m_scale) *
+           QTransform::fromTranslate(m_offset.x(), m_offset.y());
 }
 
 QPoint CxPictureView::pixelAt(QPointF const& position) const
 {
-    QPointF const place = (position - m_offset) / m_scale;
+    QPointF const place = toView().inverted().map(position);
     return {static_cast<int>(std::floor(place.x())), static_cast<int>(std::floor(place.y()))};
 }
 
@@ -164,10 +176,19 @@ QImage CxPictureView::screenImage()
         int const stripe = std::max(static_cast<int>(std::lround(kStripe / zoom())), 1);
         m_looked = fx_LookedAt(m_picture, m_look, stripe);
     }
-    if (zoom() >= 1.0)
+    int const turns = m_orientation.quarterTurns;
+    if (zoom() >= 1.0 && turns == 0)
         return m_looked;
-    if (m_reduced.isNull())
-        m_reduced = m_looked.scaled(screenSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (!m_reduced.isNull())
+        return m_reduced;
+    m_reduced = m_looked;
+    if (zoom() < 1.0) { // first, so that there is less to turn
+        QSizeF const shown = shownSize() * devicePixelRatioF();
+        QSize const size = (turns % 2 == 0 ? shown : shown.transposed()).toSize().expandedTo({1, 1});
+        m_reduced = m_looked.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    if (turns != 0)
+        m_reduced = m_reduced.transformed(QTransform().rotate(90.0 * turns));
     return m_reduced;
 }
 
@@ -182,7 +203,12 @@ void CxPictureView::paintEvent(QPaintEvent* event)
         return;
     }
     painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom() < 2.0);
-    painter.drawImage(target(), screenImage());
+    QRectF const place = target();
+    if (m_orientation.isMirrored) {
+        painter.translate(2.0 * place.left() + place.width(), 0.0);
+        painter.scale(-1.0, 1.0);
+    }
+    painter.drawImage(place, screenImage());
 }
 
 void CxPictureView::resizeEvent(QResizeEvent*)

@@ -3,6 +3,7 @@
 #include <QTransform>
 #include <QWidget>
 
+#include "Orientation.h"
 #include "PictureLook.h"
 
 /// Shows one picture: fitted to the window or enlarged, with wheel and mouse as in any image viewer.
@@ -23,6 +24,9 @@ public:
 
     void setLook(SxPictureLook const& look); ///< how it is shown from now on
     SxPictureLook const& look() const { return m_look; }
+
+    void setTurning(SxTurning const& turning); ///< beyond what each picture asks for
+    SxOrientation const& orientation() const { return m_orientation; }
 
     bool isFitted() const { return m_isFitted; }
     double zoom() const;                              ///< screen pixels for each pixel of the picture
@@ -61,7 +65,7 @@ protected:
 private:
     QRectF target() const;
     QSizeF shownSize() const;
-    QSize screenSize() const;
+    QSizeF orientedSize() const;
     double fittingScale() const;
     void keepInside();
     void point(QPointF const& position);
@@ -70,7 +74,9 @@ private:
 
     SxShownPicture m_picture;
     SxPictureLook m_look;
-    QSize m_size; ///< of the last picture that was none of the missing
+    SxTurning m_turning;
+    SxOrientation m_orientation; ///< of the last picture that was none of the missing
+    QSize m_size;                ///< of the last picture that was none of the missing
     QString m_notice;
     bool m_isFitted = true;
     double m_scale = 1.0;    ///< widget units for each pixel of the picture
@@ -78,5 +84,5 @@ private:
     QPointF m_mouse{-1, -1}; ///< last place of the mouse, negative when it is elsewhere
     bool m_isDragging = false;
     QImage m_looked;  ///< the picture as it is to look; null until painted
-    QImage m_reduced; ///< that in screen pixels, when these are fewer; null until painted
+    QImage m_reduced; ///< that in screen pixels when these are fewer, and turned; null until painted
 };

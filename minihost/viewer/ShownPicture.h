@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "CxImageData.h"
+#include "PixelShape.h"
 
 /// A picture on its way to the screen. Number and picture travel together, so that the number shown is
 /// always that of the picture shown. Cheap to copy; the pixels are shared and never change.
@@ -14,7 +15,9 @@ struct SxShownPicture
     int number = -1;                         ///< counted from 0; -1 for no picture
     std::shared_ptr<CxImageData const> data; ///< the samples as they were delivered
     quint32 bits = 0; ///< of a sample in its source: data may hold it shifted up from these to more
-    QImage image;     ///< the same for painting, on the samples themselves where Qt can
+    int rotation = 0; ///< degrees clockwise, 0, 90, 180 or 270, by which it is to be turned to stand upright
+    SxPixelShape pixelShape;
+    QImage image; ///< the same for painting, on the samples themselves where Qt can
 };
 
 Q_DECLARE_METATYPE(SxShownPicture)

@@ -70,12 +70,12 @@ void CxStatusBar::showNotes(SxOpenedRecording const& recording)
     QStringList notes{(isNoted ? tr("%1 a second") : tr("%1 a second (assumed)"))
                           .arg(locale().toString(recording.fps, 'g', 5))};
     if (sidecar && sidecar->rotation != 0)
-        notes.append(tr("turn by %1°").arg(sidecar->rotation));
+        notes.append(tr("turned by %1°").arg(sidecar->rotation));
     if (sidecar && sidecar->skippedCount > 0)
         notes.append(tr("%1 skipped").arg(sidecar->skippedCount));
     m_notes->setText(notes.join(QStringLiteral(", ")));
     m_notes->setToolTip(
-        sidecar ? tr("At which rate the pictures were taken, how they are to be turned, and how many of them "
+        sidecar ? tr("At which rate the pictures were taken, how they are turned, and how many of them "
                      "the encoder skipped, as noted when they were recorded")
                 : tr("At which rate the pictures are shown; nothing tells at which they were taken"));
 }

@@ -23,6 +23,10 @@ private slots:
     void keepsPlacePastMissingPicture();
     void paintsPicture();
     void reducedPictureIsAveragedAtOnce();
+    void turnedPixelsLieWhereTheyAreFound_data();
+    void turnedPixelsLieWhereTheyAreFound();
+    void reducedPictureIsTurned();
+    void pixelShapeStretches();
     void paintsNotice();
     void reportsLeftDoubleClickOnly();
 };
@@ -206,6 +210,67 @@ void tst_PictureView::reducedPictureIsAveragedAtOnce()
     view.resize(400, 300);
     view.setPicture(fx_PatternPicture(fx_PackedFormat(400, 300, 4, 8)));
     QCOMPARE(view.grab().toImage().convertToFormat(QImage::Format_RGB32), view.picture().image);
+}
+
+void tst_PictureView::turnedPixelsLieWhereTheyAreFound_data()
+{
+    QTest::addColumn<int>("turns");
+    QTest::addColumn<bool>("isMirrored");
+    QTest::addColumn<QPoint>("topLeft"); // which pixel is there
+    QTest::newRow("as it is") << 0 << false << QPoint(0, 0);
+    QTest::newRow("right") << 1 << false << QPoint(0, 29);
+    QTest::newRow("upside down") << 2 << false << QPoint(39, 29);
+    QTest::newRow("left") << 3 << false << QPoint(39, 0);
+    QTest::newRow("mirrored") << 0 << true << QPoint(39, 0);
+    QTest::newRow("right, mirrored") << 1 << true << QPoint(0, 0);
+}
+
+void tst_PictureView::turnedPixelsLieWhereTheyAreFound()
+{
+    QFETCH(int, turns);
+    QFETCH(bool, isMirrored);
+    QFETCH(QPoint, topLeft);
+    CxPictureView view;
+    view.resize(turns % 2 == 0 ? QSize(400, 300) : QSize(300, 400));
+    SxShownPicture picture = fx_PatternPicture(fx_PackedFormat(40, 30, 1, 8));
+    picture.rotation = turns >= 2 ? 180 : 0; // what the picture asks for comes first
+    view.setPicture(picture);
+    view.setTurning({turns % 2, isMirrored, true});
+    QCOMPARE(view.zoom(), 10.0); // it fits whichever way it lies
+    QCOMPARE(view.pixelAt({1, 1}), topLeft);
+    QImage const painted = view.grab().toImage();
+    for (int y = 1; y < view.height(); y += 3) {
+        for (int x = 1; x < view.width(); x += 3) {
+            QPoint const pixel = view.pixelAt(QPointF(x + 0.5, y + 0.5));
+            QCOMPARE(qGray(painted.pixel(x, y)), qGray(picture.image.pixel(pixel)));
+        }
+    }
+}
+
+void tst_PictureView::reducedPictureIsTurned()
+{
+    CxPictureView view;
+    view.resize(30, 40);
+    SxShownPicture picture = fx_PatternPicture(fx_PackedFormat(80, 60, 4, 8));
+    picture.rotation = 90;
+    view.setPicture(picture);
+    QImage const expected = picture.image.scaled(40, 30, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                                .transformed(QTransform().rotate(90));
+    QCOMPARE(view.grab().toImage().convertToFormat(QImage::Format_RGB32), expected);
+}
+
+void tst_PictureView::pixelShapeStretches()
+{
+    CxPictureView view;
+    view.resize(400, 300);
+    SxShownPicture picture = fx_PatternPicture(fx_PackedFormat(40, 30, 1, 8));
+    picture.pixelShape = {2, 1};
+    view.setPicture(picture);
+    QCOMPARE(view.zoom(), 5.0); // 80 wide
+    QCOMPARE(view.pixelAt({1, 75 + 1}), QPoint(0, 0));
+    QCOMPARE(view.pixelAt({399, 75 + 149}), QPoint(39, 29));
+    view.setTurning({0, false, false});
+    QCOMPARE(view.zoom(), 10.0);
 }
 
 void tst_PictureView::paintsNotice()

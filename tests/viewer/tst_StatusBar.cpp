@@ -106,7 +106,7 @@ void tst_StatusBar::showsWhatTheSidecarNotes()
     QString const noted = m_fixture->path(QStringLiteral("noted.h264"));
     QVERIFY(fx_CopyWithSidecar(m_recording, noted));
     QVERIFY(viewer.open(noted));
-    QCOMPARE(viewer.text("notes"), QStringLiteral("25 a second, turn by 90°, 4 skipped"));
+    QCOMPARE(viewer.text("notes"), QStringLiteral("25 a second, turned by 90°, 4 skipped"));
     viewer.openCamera();
     QTRY_VERIFY(viewer.text("notes").isEmpty());
 }

@@ -230,6 +230,30 @@
         <source>Snapshot Fol&amp;der…</source>
         <translation>Or&amp;dner der Schnappschüsse …</translation>
     </message>
+    <message>
+        <source>Info O&amp;verlay</source>
+        <translation>&amp;Infos im Bild</translation>
+    </message>
+    <message>
+        <source>Turn &amp;Right</source>
+        <translation>Nach &amp;rechts</translation>
+    </message>
+    <message>
+        <source>Turn &amp;Left</source>
+        <translation>Nach &amp;links</translation>
+    </message>
+    <message>
+        <source>&amp;Mirror</source>
+        <translation>&amp;Spiegeln</translation>
+    </message>
+    <message>
+        <source>&amp;Pixel Shape of the Source</source>
+        <translation>&amp;Pixelform der Quelle</translation>
+    </message>
+    <message>
+        <source>&amp;Turn</source>
+        <translation>&amp;Drehen</translation>
+    </message>
 </context>
 <context>
     <name>CxBrokenList</name>
@@ -348,6 +372,41 @@
     <message>
         <source>Value %1: %2 samples</source>
         <translation>Wert %1: %2 Abtastwerte</translation>
+    </message>
+</context>
+<context>
+    <name>CxInfoOverlay</name>
+    <message>
+        <source>%1 × %2, %3-bit grey, %4</source>
+        <translation>%1 × %2, %3 Bit grau, %4</translation>
+    </message>
+    <message>
+        <source>%1 × %2, %3-bit colour, %4</source>
+        <translation>%1 × %2, %3 Bit farbig, %4</translation>
+    </message>
+    <message>
+        <source>%1 a second</source>
+        <translation>%1 je Sekunde</translation>
+    </message>
+    <message>
+        <source>%1 a second (assumed)</source>
+        <translation>%1 je Sekunde (angenommen)</translation>
+    </message>
+    <message>
+        <source>Picture %1 of 0–%2, key frame, %3 bytes</source>
+        <translation>Bild %1 von 0–%2, Schlüsselbild, %3 Byte</translation>
+    </message>
+    <message>
+        <source>Picture %1 of 0–%2, predicted, %3 bytes</source>
+        <translation>Bild %1 von 0–%2, vorhergesagt, %3 Byte</translation>
+    </message>
+    <message>
+        <source>live</source>
+        <translation>live</translation>
+    </message>
+    <message>
+        <source>Picture %1</source>
+        <translation>Bild %1</translation>
     </message>
 </context>
 <context>
@@ -1014,10 +1073,6 @@
         <translation>%1 je Sekunde (angenommen)</translation>
     </message>
     <message>
-        <source>turn by %1°</source>
-        <translation>um %1° zu drehen</translation>
-    </message>
-    <message>
         <source>At which rate the pictures are shown; nothing tells at which they were taken</source>
         <translation>In welchem Takt die Bilder gezeigt werden; nichts sagt, in welchem sie aufgenommen wurden</translation>
     </message>
@@ -1026,8 +1081,12 @@
         <translation>%1 ausgelassen</translation>
     </message>
     <message>
-        <source>At which rate the pictures were taken, how they are to be turned, and how many of them the encoder skipped, as noted when they were recorded</source>
-        <translation>In welchem Takt die Bilder aufgenommen wurden, wie sie zu drehen sind und wie viele der Encoder ausgelassen hat, wie bei der Aufnahme notiert</translation>
+        <source>turned by %1°</source>
+        <translation>um %1° gedreht</translation>
+    </message>
+    <message>
+        <source>At which rate the pictures were taken, how they are turned, and how many of them the encoder skipped, as noted when they were recorded</source>
+        <translation>Mit welcher Rate die Bilder aufgenommen wurden, wie sie gedreht werden und wie viele der Encoder ausgelassen hat, wie bei der Aufzeichnung vermerkt</translation>
     </message>
 </context>
 <context>
