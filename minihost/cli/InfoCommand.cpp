@@ -105,7 +105,9 @@ QString fx_SidecarLines(std::optional<SxSidecar> const& sidecar)
 {
     if (!sidecar)
         return QString();
-    QString lines = QStringLiteral("\n  recorded from %1 by %2").arg(sidecar->source, sidecar->program);
+    QString lines;
+    if (!sidecar->source.isEmpty()) // somebody may only have noted its rate
+        lines = QStringLiteral("\n  recorded from %1 by %2").arg(sidecar->source, sidecar->program);
     if (sidecar->rotation != 0)
         lines += QStringLiteral("\n  to be turned by %1 degrees clockwise").arg(sidecar->rotation);
     if (sidecar->skippedCount > 0)

@@ -56,6 +56,7 @@ CxActions::CxActions(QObject* parent)
     , forward10(add("forward10", tr("10 Seconds O&n"), {fx_CtrlShift(Qt::Key_Right)}))
     , goTo(add("goTo", tr("&Go to Picture or Time…"), {fx_Ctrl(Qt::Key_G)}))
     , loop(add("loop", tr("&Loop"), {Qt::Key_L}))
+    , setRate(add("setRate", tr("Frame Rate…"), {fx_CtrlShift(Qt::Key_R)}))
     , slower(add("slower", tr("&Slower"), {Qt::Key_BracketLeft, Qt::Key_Minus}))
     , faster(add("faster", tr("&Faster"), {Qt::Key_BracketRight, Qt::Key_Plus}))
     , normalSpeed(add("normalSpeed", tr("&Normal Speed"), {Qt::Key_Backspace, Qt::Key_Equal}))
@@ -106,7 +107,7 @@ void CxActions::fill(QMenuBar* bar)
     times->addActions({back1, forward1, back10, forward10});
     playback->addAction(goTo);
     playback->addSeparator();
-    playback->addAction(loop);
+    playback->addActions({loop, setRate});
     QMenu* const speed = playback->addMenu(tr("&Speed"));
     speed->addActions({slower, faster, normalSpeed});
     speed->addSeparator();

@@ -57,6 +57,7 @@ public:
     QAction* forward10;
     QAction* goTo;
     QAction* loop;
+    QAction* setRate;
     QAction* slower;
     QAction* faster;
     QAction* normalSpeed;

@@ -40,6 +40,20 @@ void CxBrokenList::setRanges(QVector<SxBrokenRange> const& ranges, double fps)
         row->setData(0, Qt::UserRole, range.first);
         row->setToolTip(2, range.cause);
     }
+    resizeColumns();
+}
+
+void CxBrokenList::resizeColumns()
+{
     for (int const column : {0, 1})
         m_rows->resizeColumnToContents(column);
+}
+
+void CxBrokenList::setRate(double fps)
+{
+    for (int i = 0; i < m_rows->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* const row = m_rows->topLevelItem(i);
+        row->setText(1, fx_TimeCode(row->data(0, Qt::UserRole).toInt(), fps));
+    }
+    resizeColumns();
 }

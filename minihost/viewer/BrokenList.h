@@ -15,10 +15,13 @@ public:
     explicit CxBrokenList(QWidget* parent);
 
     void setRanges(QVector<SxBrokenRange> const& ranges, double fps);
+    void setRate(double fps);
 
 signals:
     void chosen(int number);
 
 private:
+    void resizeColumns();
+
     QTreeWidget* m_rows;
 };

@@ -44,6 +44,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_look(*m_actions, *m_view, m_play, m_live, *this)
     , m_picture(*m_actions, *m_view, m_play.player(), *m_messageBar, *this)
     , m_fullScreen(*m_view, *m_transport)
+    , m_rate(*m_actions, m_play, *m_messageBar, *this)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
 {
     setObjectName(QStringLiteral("mainWindow"));
@@ -128,6 +129,8 @@ void CxMainWindow::connectControls()
     connect(&m_play, &CxPlayControl::opened, this, &CxMainWindow::takeOpened);
     connect(&m_play, &CxPlayControl::opened, m_status, &CxStatusBar::showNotes);
     connect(&m_play.marks(), &CxMarkControl::told, m_status, &CxStatusBar::confirm);
+    connect(&m_rate, &CxRateControl::told, m_status, &CxStatusBar::confirm);
+    connect(&m_play, &CxPlayControl::rateChanged, m_status, &CxStatusBar::showNotes);
     connect(&m_picture, &CxPictureControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_play, &CxPlayControl::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_live, &CxLiveControl::begun, this, &CxMainWindow::takeLive);

@@ -7,6 +7,7 @@
 #include "LookControl.h"
 #include "PictureControl.h"
 #include "PlayControl.h"
+#include "RateControl.h"
 #include "RecordControl.h"
 
 class CxPluginHost;
@@ -76,6 +77,7 @@ private:
     CxLookControl m_look;
     CxPictureControl m_picture;
     CxFullScreenBar m_fullScreen;
+    CxRateControl m_rate;
     bool m_isOpening = false; ///< something else than what is shown
     CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

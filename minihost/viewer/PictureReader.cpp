@@ -113,7 +113,8 @@ void CxPictureReader::openFile(std::unique_ptr<CxRecordingReader> recording, QSt
               m_recording->keyFrames(),
               m_recording->sidecar(),
               bytes,
-              fx_CodecText(fileName)};
+              fx_CodecText(fileName),
+              m_recording->rate()};
     emit opened(m_info);
 }
 

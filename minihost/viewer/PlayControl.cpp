@@ -76,7 +76,7 @@ void CxPlayControl::setEnabled(bool isEnabled)
     CxActions const& a = m_actions;
     for (QAction* const action :
          {a.playBackwards, a.previousPicture, a.nextPicture, a.previousKeyFrame, a.nextKeyFrame, a.first,
-          a.last, a.back1, a.forward1, a.back10, a.forward10, a.goTo})
+          a.last, a.back1, a.forward1, a.back10, a.forward10, a.goTo, a.setRate})
         action->setEnabled(isEnabled);
     m_speed.setEnabled(isEnabled);
     updateBrokenActions();
@@ -101,6 +101,13 @@ void CxPlayControl::close()
     m_transport.setRecording({});
     m_broken.clear();
     emit closed();
+}
+
+void CxPlayControl::setRate(SxPictureRate const& rate)
+{
+    m_player.setRate(rate);
+    m_transport.setRate(m_player.info().fps);
+    emit rateChanged(m_player.info());
 }
 
 void CxPlayControl::addBroken(int first, int last)

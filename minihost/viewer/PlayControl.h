@@ -31,11 +31,13 @@ public:
     /// opened() or openFailed() follows. Until then, and when it fails, what was open stays so.
     void open(QString const& fileName);
     void close();
+    void setRate(SxPictureRate const& rate);      ///< every time and speed follows
     void addBroken(int first, int last);          ///< pictures that somebody else found broken
     void togglePlaying(bool isBackwards = false); ///< pauses, whatever plays, or plays so
 
 signals:
     void opened(SxOpenedRecording const& info);
+    void rateChanged(SxOpenedRecording const& info);
     void closed();
     void openFailed();              ///< the reason is shown
     void pictureFailed();           ///< likewise; the view is empty

@@ -103,6 +103,13 @@ void CxPlayer::setLoopedPart(int first, int last)
     m_order.last = last;
 }
 
+void CxPlayer::setRate(SxPictureRate const& rate)
+{
+    m_info.rate = rate;
+    m_info.fps = rate.orAssumed();
+    setSpeed(m_speed);
+}
+
 void CxPlayer::setSpeed(double speed)
 {
     m_speed = speed;

@@ -35,7 +35,8 @@ public:
     void setLooping(bool isLooping) { m_order.isLooping = isLooping; }
     /// Numbers of the pictures that a loop repeats. Another recording is looped as a whole.
     void setLoopedPart(int first, int last);
-    void setSpeed(double speed); ///< 1.0 is the recording's own
+    void setRate(SxPictureRate const& rate); ///< of the recording open; unknown: what everybody assumes
+    void setSpeed(double speed);             ///< 1.0 is the recording's own
     void setBackwards(bool isBackwards);
     bool isBackwards() const { return m_order.isBackwards; }
 

@@ -66,7 +66,7 @@ void CxStatusBar::confirm(QString const& text) { showMessage(text, kConfirmation
 void CxStatusBar::showNotes(SxOpenedRecording const& recording)
 {
     std::optional<SxSidecar> const& sidecar = recording.sidecar.sidecar;
-    bool const isNoted = sidecar && sidecar->rate.isKnown();
+    bool const isNoted = recording.rate.isKnown();
     QStringList notes{(isNoted ? tr("%1 a second") : tr("%1 a second (assumed)"))
                           .arg(locale().toString(recording.fps, 'g', 5))};
     if (sidecar && sidecar->rotation != 0)
@@ -75,9 +75,10 @@ void CxStatusBar::showNotes(SxOpenedRecording const& recording)
         notes.append(tr("%1 skipped").arg(sidecar->skippedCount));
     m_notes->setText(notes.join(QStringLiteral(", ")));
     m_notes->setToolTip(
-        sidecar ? tr("At which rate the pictures were taken, how they are turned, and how many of them "
-                     "the encoder skipped, as noted when they were recorded")
-                : tr("At which rate the pictures are shown; nothing tells at which they were taken"));
+        sidecar || isNoted
+            ? tr("At which rate the pictures were taken, how they are turned, and how many of them "
+                 "the encoder skipped, as noted when they were recorded")
+            : tr("At which rate the pictures are shown; nothing tells at which they were taken"));
 }
 
 void CxStatusBar::showPixel(QPoint const& position)

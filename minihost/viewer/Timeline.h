@@ -17,8 +17,9 @@ public:
     explicit CxTimeline(QWidget* parent = nullptr);
 
     void setRecording(int count, double fps, QList<int> const& keyFrames); ///< no pictures: an empty line
-    void markBroken(int number);                                           ///< until the next setRecording()
-    void setMarks(SxMarks const& marks);                                   ///< likewise
+    void setRate(double fps) { m_fps = fps; }
+    void markBroken(int number);         ///< until the next setRecording()
+    void setMarks(SxMarks const& marks); ///< likewise
     void setShownNumber(int number); ///< moves the handle, unless the user holds it, without valueChanged()
 
     QSize sizeHint() const override;

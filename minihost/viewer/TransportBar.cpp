@@ -136,6 +136,13 @@ void CxTransportBar::setRecording(SxOpenedRecording const& info)
     showNumber(-1);
 }
 
+void CxTransportBar::setRate(double fps)
+{
+    m_info.fps = fps;
+    m_timeline->setRate(fps);
+    showNumber(m_timeline->value());
+}
+
 void CxTransportBar::showNumber(int number)
 {
     bool const isShown = number >= 0 && m_info.count > 0;

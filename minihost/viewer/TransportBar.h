@@ -21,6 +21,7 @@ public:
 
     CxTimeline* timeline() const { return m_timeline; }
     void setRecording(SxOpenedRecording const& info);
+    void setRate(double fps);    ///< of the recording
     void showNumber(int number); ///< -1: no picture is shown
     void showLive(int number, quint64 timestamp);
 

@@ -40,6 +40,8 @@ CxVerifyControl::CxVerifyControl(CxActions& actions, CxPlayControl& play, CxMess
     connect(m_bar, &CxVerifyBar::stopRequested, this, [this] { m_job->stop(); });
     connect(m_list, &CxBrokenList::chosen, &play.player(), &CxPlayer::seek);
     connect(&play, &CxPlayControl::opened, this, &CxVerifyControl::forget);
+    connect(&play, &CxPlayControl::rateChanged, this,
+            [this](SxOpenedRecording const& info) { m_list->setRate(info.fps); });
     connect(&play, &CxPlayControl::closed, this, &CxVerifyControl::forget);
 }
 

@@ -155,6 +155,11 @@ static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString con
         return {};
     if (scene == QLatin1String("dialog"))
         return fx_RenderDialog(window);
+    if (scene == QLatin1String("rate")) {
+        window.findChild<QAction*>(QStringLiteral("setRate"))->trigger();
+        QTest::qWait(100);
+        return window.findChild<QDialog*>(QStringLiteral("rateDialog"))->grab();
+    }
     if (scene == QLatin1String("marks"))
         return fx_RenderMarks(window);
     auto* const view = window.findChild<CxPictureView*>();

@@ -254,6 +254,10 @@
         <source>&amp;Turn</source>
         <translation>&amp;Drehen</translation>
     </message>
+    <message>
+        <source>Frame Rate…</source>
+        <translation>Bildrate …</translation>
+    </message>
 </context>
 <context>
     <name>CxBrokenList</name>
@@ -785,6 +789,48 @@
     </message>
 </context>
 <context>
+    <name>CxRateControl</name>
+    <message>
+        <source>The frame rate could not be noted beside “%1”, so it stays as it was.</source>
+        <translation>Die Bildrate konnte neben „%1“ nicht notiert werden und bleibt deshalb, wie sie war.</translation>
+    </message>
+    <message>
+        <source>Noted: %1 pictures a second.</source>
+        <translation>Notiert: %1 Bilder je Sekunde.</translation>
+    </message>
+    <message>
+        <source>No frame rate is noted any more.</source>
+        <translation>Es ist keine Bildrate mehr notiert.</translation>
+    </message>
+</context>
+<context>
+    <name>CxRateDialog</name>
+    <message>
+        <source>Frame Rate</source>
+        <translation>Bildrate</translation>
+    </message>
+    <message>
+        <source>assume %1</source>
+        <translation>%1 annehmen</translation>
+    </message>
+    <message>
+        <source>It is noted in “%1”; the recording itself stays as it is.</source>
+        <translation>Sie wird in „%1“ notiert; die Aufnahme selbst bleibt, wie sie ist.</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures a second:</source>
+        <translation>&amp;Bilder je Sekunde:</translation>
+    </message>
+    <message>
+        <source>Length:</source>
+        <translation>Länge:</translation>
+    </message>
+    <message>
+        <source>no rate: a number such as 25, 29.97 or 30000/1001 is one</source>
+        <translation>keine Bildrate: Eine wäre 25; 29,97 oder 30000/1001</translation>
+    </message>
+</context>
+<context>
     <name>CxRecordBar</name>
     <message>
         <source>S&amp;top</source>
@@ -1074,7 +1120,7 @@
     </message>
     <message>
         <source>At which rate the pictures are shown; nothing tells at which they were taken</source>
-        <translation>In welchem Takt die Bilder gezeigt werden; nichts sagt, in welchem sie aufgenommen wurden</translation>
+        <translation>Mit welcher Rate die Bilder gezeigt werden; nichts sagt, mit welcher sie aufgenommen wurden</translation>
     </message>
     <message>
         <source>%1 skipped</source>
