@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -26,6 +27,14 @@
 #include "VerifyControl.h"
 
 static QString const kGeometryKey = QStringLiteral("window/geometry");
+
+static constexpr QSize kLeastSize(400, 300);
+
+/// Half of a large screen, most of a small one.
+static QSize fx_FirstSize(QSize const& room)
+{
+    return QSize(1024, 720).expandedTo(room / 2).boundedTo(room * 9 / 10);
+}
 
 CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     : QMainWindow(parent)
@@ -63,7 +72,8 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     setTitle({});
     updateActions();
     if (!restoreGeometry(QSettings().value(kGeometryKey).toByteArray()))
-        resize(1024, 720);
+        resize(fx_FirstSize(screen()->availableSize()));
+    setMinimumSize(kLeastSize);
 }
 
 void CxMainWindow::buildCentre()

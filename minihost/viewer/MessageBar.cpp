@@ -27,6 +27,7 @@ CxMessageBar::CxMessageBar(QWidget* parent)
     m_text->setWordWrap(true);
     m_text->setTextFormat(Qt::PlainText);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_text->setMinimumWidth(1); // nor may a long word widen the window
     m_text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
 
     m_action->setObjectName(QStringLiteral("messageAction"));

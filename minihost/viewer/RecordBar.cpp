@@ -22,6 +22,7 @@ CxRecordBar::CxRecordBar(QWidget* parent)
     setObjectName(QStringLiteral("recordBar"));
     setFrameShape(QFrame::StyledPanel);
     m_text->setObjectName(QStringLiteral("recordText"));
+    m_text->setMinimumWidth(1); // a long name may not widen the window
     m_stop->setObjectName(QStringLiteral("recordStop"));
     m_stop->setIcon(style()->standardIcon(QStyle::SP_MediaStop));
     m_progress->setAccessibleName(tr("Progress of the recording"));

@@ -18,10 +18,14 @@ static QToolButton* fx_NewButton(QAction* action, QWidget* parent)
 }
 
 CxStartPage::CxStartPage(CxActions& actions, QWidget* parent)
-    : QWidget(parent)
+    : QScrollArea(parent)
     , m_recentBox(new QWidget(this))
 {
     setObjectName(QStringLiteral("startPage"));
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus); // the buttons in it have it
+    auto* const page = new QWidget(this);
     auto* const title = new QLabel(tr("What would you like to see?"), this);
     QFont large = title->font();
     large.setPointSizeF(large.pointSizeF() * 1.6);
@@ -56,10 +60,11 @@ CxStartPage::CxStartPage(CxActions& actions, QWidget* parent)
     row->addStretch(1);
     row->addLayout(inside);
     row->addStretch(1);
-    auto* const column = new QVBoxLayout(this);
+    auto* const column = new QVBoxLayout(page);
     column->addStretch(1);
     column->addLayout(row);
     column->addStretch(2);
+    setWidget(page);
 }
 
 void CxStartPage::setRecent(QList<QAction*> const& actions)

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QWidget>
+#include <QScrollArea>
 
 class CxActions;
 class QAction;
 class QVBoxLayout;
 
-/// What the window shows before anything is open: the ways to begin.
-class CxStartPage : public QWidget
+/// What the window shows before anything is open: the ways to begin. It scrolls where there is no room for
+/// them.
+class CxStartPage : public QScrollArea
 {
     Q_OBJECT
 

@@ -14,9 +14,13 @@
 
 static constexpr int kButtonSide = 24;
 static constexpr int kRecordIconSide = 16;
+static constexpr int kLeastWidth = 300;
+static constexpr int kGaps = 60;   // margins, and the space between buttons and labels
+static constexpr int kWordGap = 6; // between the record button's icon and its words
 
 CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     : QWidget(parent)
+    , m_row(new QHBoxLayout)
     , m_timeline(new CxTimeline(this))
     , m_number(new QLabel(this))
     , m_time(new QLabel(this))
@@ -27,12 +31,15 @@ CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     m_timeline->setAccessibleDescription(
         tr("Number of the picture shown; marks below show key frames, red ones broken pictures"));
 
-    auto* const row = new QHBoxLayout;
+    QHBoxLayout* const row = m_row;
     row->setSpacing(2);
+    QVector<QWidget*> buttons;
     for (QAction* const action :
          {actions.first, actions.previousKeyFrame, actions.previousPicture, actions.play, actions.nextPicture,
           actions.nextKeyFrame, actions.last, actions.loop})
-        row->addWidget(newPlayerButton(action));
+        buttons.append(newPlayerButton(action));
+    for (QWidget* const button : buttons)
+        row->addWidget(button);
     connectSpeed(actions);
     row->addSpacing(6);
     row->addWidget(m_speed);
@@ -43,7 +50,10 @@ CxTransportBar::CxTransportBar(CxActions& actions, QWidget* parent)
     }
     row->addSpacing(12);
     row->addStretch(1);
-    row->addWidget(newRecordButton(actions.record));
+    m_record = newRecordButton(actions.record);
+    row->addWidget(m_record);
+    // Previous and next picture, play and the number stay.
+    m_leftOut = {{m_time}, {buttons[7]}, {m_speed}, {buttons[0], buttons[6]}, {buttons[1], buttons[5]}};
 
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(8, 4, 8, 4);
@@ -129,6 +139,48 @@ bool CxTransportBar::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
+QSize CxTransportBar::minimumSizeHint() const { return {kLeastWidth, QWidget::minimumSizeHint().height()}; }
+
+void CxTransportBar::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    fitRow();
+}
+
+/// Leaves out what there is no room for; all of it can be done with keys and in the menus, too.
+void CxTransportBar::fitRow()
+{
+    int const words = fontMetrics().horizontalAdvance(m_record->text()) + kWordGap;
+    int needed = kGaps;
+    for (int i = 0; i < m_row->count(); ++i) {
+        if (QWidget const* const widget = m_row->itemAt(i)->widget())
+            needed += widget->sizeHint().width() + m_row->spacing();
+    }
+    if (m_record->toolButtonStyle() == Qt::ToolButtonIconOnly)
+        needed += words;
+    bool const hasWords = needed <= width();
+    m_record->setToolButtonStyle(hasWords ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly);
+    needed -= hasWords ? 0 : words;
+    for (QVector<QWidget*> const& group : m_leftOut) {
+        bool const hasRoom = needed <= width();
+        for (QWidget* const widget : group) {
+            widget->setVisible(hasRoom);
+            needed -= hasRoom ? 0 : widget->sizeHint().width() + m_row->spacing();
+        }
+    }
+}
+
+/// The names are what a screen reader says of them.
+void CxTransportBar::showTexts(QString const& number, QString const& time)
+{
+    m_number->setText(number);
+    m_number->setAccessibleName(number.isEmpty() ? tr("Number of the picture shown") : number);
+    m_time->setText(time);
+    m_time->setAccessibleName(time.isEmpty() ? tr("Time of the picture shown")
+                                             : tr("Time of the picture shown: %1").arg(time));
+    fitRow();
+}
+
 void CxTransportBar::setRecording(SxOpenedRecording const& info)
 {
     m_info = info;
@@ -146,14 +198,17 @@ void CxTransportBar::setRate(double fps)
 void CxTransportBar::showNumber(int number)
 {
     bool const isShown = number >= 0 && m_info.count > 0;
-    m_number->setText(isShown ? tr("Picture %1 of 0–%2").arg(number).arg(m_info.count - 1) : QString());
-    m_time->setText(isShown ? fx_TimeCode(number, m_info.fps) : QString());
-    if (isShown)
-        m_timeline->setShownNumber(number);
+    showTexts(isShown ? tr("Picture %1 of 0–%2").arg(number).arg(m_info.count - 1) : QString(),
+              isShown ? fx_TimeCode(number, m_info.fps) : QString());
+    if (!isShown)
+        return;
+    m_timeline->setShownNumber(number);
+    m_timeline->setAccessibleName(tr("Timeline: %1, %2")
+                                      .arg(m_number->text(), tr("%n key frame(s)", nullptr,
+                                                                static_cast<int>(m_info.keyFrames.size()))));
 }
 
 void CxTransportBar::showLive(int number, quint64 timestamp)
 {
-    m_number->setText(tr("Live, picture %1").arg(number));
-    m_time->setText(fx_TimeCode(static_cast<int>(timestamp / 1000), 1000.0));
+    showTexts(tr("Live, picture %1").arg(number), fx_TimeCode(static_cast<int>(timestamp / 1000), 1000.0));
 }

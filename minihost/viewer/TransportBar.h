@@ -8,6 +8,7 @@ class CxActions;
 class CxTimeline;
 class QAction;
 class QComboBox;
+class QHBoxLayout;
 class QLabel;
 class QToolButton;
 
@@ -20,12 +21,14 @@ public:
     CxTransportBar(CxActions& actions, QWidget* parent);
 
     CxTimeline* timeline() const { return m_timeline; }
+    QSize minimumSizeHint() const override; ///< narrow: what finds no room is left out
     void setRecording(SxOpenedRecording const& info);
     void setRate(double fps);    ///< of the recording
     void showNumber(int number); ///< -1: no picture is shown
     void showLive(int number, quint64 timestamp);
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -34,10 +37,15 @@ private:
     QToolButton* newRecordButton(QAction* action);
     void connectSpeed(CxActions& actions);
     void nameLabels();
+    void fitRow();
+    void showTexts(QString const& number, QString const& time);
 
+    QHBoxLayout* m_row;
     CxTimeline* m_timeline;
     QLabel* m_number;
     QLabel* m_time;
     QComboBox* m_speed;
+    QToolButton* m_record;
+    QVector<QVector<QWidget*>> m_leftOut; ///< what goes first, in that order, where room is short
     SxOpenedRecording m_info;
 };

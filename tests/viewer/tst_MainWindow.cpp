@@ -73,6 +73,7 @@ private slots:
     void saysWhyPictureIsNotSaved();
     void copiesPictureShown();
     void everyControlHasAName();
+    void startPageShrinksToo();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -255,6 +256,16 @@ void tst_MainWindow::everyControlHasAName()
         ++seen;
     }
     QVERIFY(seen > 20);
+}
+
+void tst_MainWindow::startPageShrinksToo()
+{
+    CxViewerWindow viewer(*m_fixture);
+    viewer.window.resize(400, 300);
+    QCOMPARE(viewer.window.size(), QSize(400, 300));
+    QVERIFY(viewer.child<QWidget>("startPage")->isVisible());
+    viewer.window.resize(300, 200);
+    QCOMPARE(viewer.window.size(), QSize(400, 300));
 }
 
 QTEST_MAIN(tst_MainWindow)

@@ -20,6 +20,8 @@ private slots:
     void spacePressesFocusedButton();
     void clickLeavesKeysToPicture();
     void speedBoxFollowsSpeedsAndSetsThem();
+    void narrowBarLeavesOutWhatKeysCanDo();
+    void namesSayWhatIsShown();
 
 private:
     std::unique_ptr<CxViewerFixture> m_fixture;
@@ -70,6 +72,43 @@ void tst_TransportBar::speedBoxFollowsSpeedsAndSetsThem()
     group->actions().first()->trigger();
     QCOMPARE(box->currentIndex(), 0);
     QCOMPARE(group->checkedAction()->data().toDouble(), 0.0625);
+}
+
+void tst_TransportBar::narrowBarLeavesOutWhatKeysCanDo()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.window.resize(1000, 600);
+    auto* const record = viewer.child<QToolButton>("recordButton");
+    QTRY_COMPARE(record->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
+    for (char const* const name : {"time", "speed", "loopButton", "firstButton", "nextKeyFrameButton"})
+        QVERIFY2(viewer.child<QWidget>(name)->isVisible(), name);
+    viewer.window.resize(400, 300);
+    QCOMPARE(viewer.window.size(), QSize(400, 300)); // nothing holds it wider
+    QTRY_COMPARE(record->toolButtonStyle(), Qt::ToolButtonIconOnly);
+    QTRY_VERIFY(!viewer.child<QWidget>("speed")->isVisible());
+    for (char const* const name : {"playButton", "previousPictureButton", "nextPictureButton", "number"}) {
+        auto const* const widget = viewer.child<QWidget>(name);
+        QVERIFY2(widget->isVisible(), name);
+        QTRY_VERIFY2(widget->width() >= widget->sizeHint().width(), name);
+    }
+    viewer.bar->showMessage(CxMessageBar::Kind::Warning, QString(300, QLatin1Char('W')));
+    QTest::qWait(0);
+    QCOMPARE(viewer.window.size(), QSize(400, 300));
+    viewer.window.resize(1000, 600);
+    QTRY_VERIFY(viewer.child<QWidget>("speed")->isVisible());
+}
+
+void tst_TransportBar::namesSayWhatIsShown()
+{
+    CxViewerWindow viewer(*m_fixture);
+    QVERIFY(viewer.open(m_recording));
+    viewer.key(Qt::Key_Right);
+    QTRY_COMPARE(viewer.child<QWidget>("number")->accessibleName(), QStringLiteral("Picture 1 of 0–39"));
+    QCOMPARE(viewer.child<QWidget>("time")->accessibleName(),
+             QStringLiteral("Time of the picture shown: 0:00:00.033"));
+    QCOMPARE(viewer.timeline->accessibleName(),
+             QStringLiteral("Timeline: Picture 1 of 0–39, 8 key frame(s)"));
 }
 
 QTEST_MAIN(tst_TransportBar)

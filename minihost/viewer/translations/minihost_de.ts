@@ -1188,6 +1188,21 @@
         <source>Number of the picture shown; marks below show key frames, red ones broken pictures</source>
         <translation>Nummer des gezeigten Bildes; Striche darunter zeigen Schlüsselbilder, rote kaputte Bilder</translation>
     </message>
+    <message>
+        <source>Time of the picture shown: %1</source>
+        <translation>Zeit des gezeigten Bildes: %1</translation>
+    </message>
+    <message>
+        <source>Timeline: %1, %2</source>
+        <translation>Zeitleiste: %1, %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n key frame(s)</source>
+        <translation>
+            <numerusform>%n Schlüsselbild</numerusform>
+            <numerusform>%n Schlüsselbilder</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>CxVerifyBar</name>

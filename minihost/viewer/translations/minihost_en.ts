@@ -69,6 +69,16 @@
     </message>
 </context>
 <context>
+    <name>CxTransportBar</name>
+    <message numerus="yes">
+        <source>%n key frame(s)</source>
+        <translation>
+            <numerusform>%n key frame</numerusform>
+            <numerusform>%n key frames</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>CxVerifyControl</name>
     <message numerus="yes">
         <source>%n picture(s)</source>
