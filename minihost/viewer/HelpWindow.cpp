@@ -56,6 +56,8 @@ CxHelpWindow::CxHelpWindow(CxActions const& actions, QWidget* parent)
               QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText));
     fx_AddRow(table, tr("Move an enlarged picture"), tr("Alt+arrow keys, or drag it"));
     fx_AddRow(table, tr("Zoom around the mouse"), tr("Mouse wheel"));
+    fx_AddRow(table, tr("Zoom the bytes of each picture"),
+              tr("Mouse wheel, or up and down arrow keys there"));
     fx_AddRow(table, tr("Full screen"), tr("Double click"));
     table->resizeColumnsToContents();
     table->horizontalHeader()->setStretchLastSection(true);

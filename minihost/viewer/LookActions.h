@@ -16,6 +16,7 @@ public:
     QAction* markClipping;
     QAction* measure;
     QAction* info;
+    QAction* overview;
     QAction* turnRight;
     QAction* turnLeft;
     QAction* mirror;

@@ -54,6 +54,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_picture(*m_actions, *m_view, m_play.player(), *m_messageBar, *this)
     , m_fullScreen(*m_view, *m_transport)
     , m_rate(*m_actions, m_play, *m_messageBar, *this)
+    , m_overview(m_actions->look.overview, *m_transport, m_play, m_live)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
 {
     setObjectName(QStringLiteral("mainWindow"));

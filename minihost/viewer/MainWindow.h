@@ -5,6 +5,7 @@
 #include "FullScreenBar.h"
 #include "LiveControl.h"
 #include "LookControl.h"
+#include "OverviewControl.h"
 #include "PictureControl.h"
 #include "PlayControl.h"
 #include "RateControl.h"
@@ -78,6 +79,7 @@ private:
     CxPictureControl m_picture;
     CxFullScreenBar m_fullScreen;
     CxRateControl m_rate;
+    CxOverviewControl m_overview;
     bool m_isOpening = false; ///< something else than what is shown
     CxRecordControl m_record; ///< destroyed first: ends what m_live runs
 };

@@ -46,6 +46,7 @@ void CxTimeline::markBroken(int number)
 {
     m_broken.insert(number);
     update();
+    emit brokenMarked(number);
 }
 
 void CxTimeline::setMarks(SxMarks const& marks)

@@ -169,6 +169,8 @@ static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString con
     }
     if (scene == QLatin1String("info"))
         window.findChild<QAction*>(QStringLiteral("info"))->trigger();
+    if (scene == QLatin1String("overview"))
+        window.findChild<QAction*>(QStringLiteral("overview"))->trigger();
     if (scene == QLatin1String("measure"))
         window.findChild<QAction*>(QStringLiteral("measure"))->trigger();
     QTest::mouseMove(view, QPoint(view->width() / 2, view->height() / 3));

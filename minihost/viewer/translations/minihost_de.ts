@@ -258,6 +258,10 @@
         <source>Frame Rate…</source>
         <translation>Bildrate …</translation>
     </message>
+    <message>
+        <source>&amp;Bytes of Each Picture</source>
+        <translation>B&amp;ytes je Bild</translation>
+    </message>
 </context>
 <context>
     <name>CxBrokenList</name>
@@ -369,6 +373,14 @@
     <message>
         <source>Double click</source>
         <translation>Doppelklick</translation>
+    </message>
+    <message>
+        <source>Zoom the bytes of each picture</source>
+        <translation>Bytes je Bild vergrößern</translation>
+    </message>
+    <message>
+        <source>Mouse wheel, or up and down arrow keys there</source>
+        <translation>Mausrad oder dort die Pfeiltasten auf und ab</translation>
     </message>
 </context>
 <context>
@@ -678,6 +690,37 @@
     <message>
         <source>Details of the message</source>
         <translation>Einzelheiten der Meldung</translation>
+    </message>
+</context>
+<context>
+    <name>CxOverview</name>
+    <message>
+        <source>Overview</source>
+        <translation>Überblick</translation>
+    </message>
+    <message>
+        <source>Bytes of each picture; up and down arrow keys zoom, page keys scroll</source>
+        <translation>Bytes jedes Bildes; die Pfeiltasten auf und ab vergrößern und verkleinern, die Bildtasten verschieben</translation>
+    </message>
+    <message>
+        <source>key frame</source>
+        <translation>Schlüsselbild</translation>
+    </message>
+    <message>
+        <source>predicted</source>
+        <translation>vorhergesagt</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>broken</source>
+        <translation>kaputt</translation>
+    </message>
+    <message>
+        <source>%1 skipped before it</source>
+        <translation>davor %1 ausgelassen</translation>
     </message>
 </context>
 <context>
