@@ -56,7 +56,7 @@ private:
     bool mayBegin(int place);
     void put(int place, SxNext next);
 
-    QVector<int> m_frames;
+    QVector<int> const m_frames;
     std::vector<SxRun> m_runs; ///< handed out in this order
     std::vector<std::unique_ptr<SxWorker>> m_workers;
     std::vector<SxNext> m_ready; ///< by place; taken ones are empty

@@ -187,7 +187,7 @@ IxPictureSource::Result CxSourceAhead::next(SxPicBuf& picture)
         std::rethrow_exception(fetched->failure);
     std::swap(picture, fetched->picture.get());
     m_told = std::move(fetched->told);
-    m_warnings += fetched->warnings;
+    m_warnings += std::exchange(fetched->warnings, {}); // the thread keeps no part of them
     giveBack(std::move(fetched));
     return result;
 }

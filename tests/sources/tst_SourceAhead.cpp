@@ -63,9 +63,9 @@ public:
         std::unique_lock<std::mutex> lock(m_mutex);
         return m_changed.wait_for(lock, std::chrono::minutes(1), [&] { return m_begun >= pictures; });
     }
-    int mostAhead() const { return m_mostAhead; }
-    int begun() const { return m_begun; }
+    int mostAhead() const { return m_mostAhead; }     ///< once it has ended, as the next
     size_t blocks() const { return m_memory.size(); } ///< of memory that was filled
+    int begun() const { return m_begun; }
 
 private:
     int m_count;
@@ -191,6 +191,7 @@ void tst_SourceAhead::threePicturesAtMostAreAheadInFewBlocksOfMemory()
         QVERIFY(source->next(picture.get()) == IxPictureSource::Result::Picture);
         QCOMPARE(picture.get().timestamp, static_cast<quint64>(taken));
     }
+    QVERIFY(source->next(picture.get()) == IxPictureSource::Result::End);
     // Those that wait, and the one in the caller's hand while it is not counted as taken yet.
     QVERIFY2(inner->mostAhead() <= 4, qPrintable(QString::number(inner->mostAhead())));
     QVERIFY2(inner->blocks() <= 5, qPrintable(QString::number(inner->blocks())));
