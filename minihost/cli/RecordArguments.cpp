@@ -228,13 +228,28 @@ QString fx_CameraObstacle(SxRecordArguments const& parsed)
     return obstacle.isEmpty() ? QString() : QStringLiteral("The picture of camera: %1.").arg(obstacle);
 }
 
+/// What does not go together with --split, one sentence.
+QString fx_SplitMisfit(SxRecordArguments const& parsed)
+{
+    QString const& output = parsed.request.outputFile;
+    QFileInfo const info(output);
+    if (parsed.keepAll.isWanted)
+        return QStringLiteral("--split does not go with --keep-all, which makes a whole recording anew.");
+    if (fx_ContainerKindOf(output))
+        return QStringLiteral(
+            "--split writes raw streams, .h264, not containers; remux makes them of these.");
+    if (output == QLatin1String(kStandardOutputName) || (info.exists() && !info.isFile() && !info.isDir()))
+        return QStringLiteral("--split needs files: '%1' is none.").arg(output);
+    return QString();
+}
+
 } // namespace
 
 bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& parsed, QString& error)
 {
     QCommandLineParser parser;
-    fx_AddOptions(parser, fx_PartOptions() + fx_SourceOptions() + fx_PictureOptions() + fx_EncodingOptions() +
-                              fx_KeepAllOptions() + fx_OutputOptions());
+    fx_AddOptions(parser, fx_PartOptions() + fx_EndOptions() + fx_SourceOptions() + fx_PictureOptions() +
+                              fx_EncodingOptions() + fx_KeepAllOptions() + fx_OutputOptions());
     if (!fx_ParseOptions(parser, arguments, parsed.run, error))
         return false;
     if (parsed.run.help)
@@ -257,8 +272,9 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     if (!error.isEmpty())
         return false;
 
-    bool const isPart = parser.isSet(QStringLiteral("start")) || parser.isSet(QStringLiteral("duration"));
-    if (parser.isSet(QStringLiteral("frames")) || parser.isSet(QStringLiteral("duration")))
+    bool const isEnded = parser.isSet(QStringLiteral("duration")) || parser.isSet(QStringLiteral("for"));
+    bool const isPart = isEnded || parser.isSet(QStringLiteral("start"));
+    if (parser.isSet(QStringLiteral("frames")) || isEnded)
         parsed.camera.frames = isPart ? 0 : parsed.request.maxPictures; // a part ends by itself
     parsed.changes.isEven =
         true; // else the encoder's picture is a blurred one: all of it scaled by one pixel
@@ -273,11 +289,15 @@ bool fx_ParseRecordArguments(QStringList const& arguments, SxRecordArguments& pa
     if (error.isEmpty())
         error = fx_TakePartOptions(parser, parsed.part);
     if (error.isEmpty())
+        error = fx_TakeEndOptions(parser, parsed.part, parsed.split);
+    if (error.isEmpty())
         error = fx_TakePictureOptions(parser, parsed.changes);
     if (error.isEmpty() && parsed.isCamera)
         error = fx_CameraObstacle(parsed);
     if (error.isEmpty())
         error = fx_TakeKeepAllOptions(parser, parsed.keepAll);
+    if (error.isEmpty() && parsed.isSplit())
+        error = fx_SplitMisfit(parsed);
     return error.isEmpty();
 }
 
@@ -302,6 +322,7 @@ QString fx_RecordHelp()
                "  minihost record --overwrite --strict --no-sidecar --json -q clip.mp4 clip.h264\n"
                "                                                        in a script\n"
                "  minihost record clip.mp4 clip.mkv                     into a container\n"
+               "  minihost record --for 8h --split 10m v4l2:/dev/video0 day.h264  day_001.h264 ...\n"
                "  minihost record v4l2:/dev/video0 webcam.h264          a webcam, until Ctrl-C\n"
                "  minihost record clip.mp4 - | ffplay -                 - is standard output\n"
                "  ... -f yuv4mpegpipe - | minihost record - piped.h264  what another program makes\n"
@@ -315,7 +336,7 @@ QString fx_RecordHelp()
                "a video file, - for standard input, or a URL or DEVICE:NAME that FFmpeg opens.\n"
                "\n"
                "What to record\n") +
-           fx_OptionsHelp(fx_PartOptions() + fx_SourceOptions()) +
+           fx_OptionsHelp(fx_PartOptions() + fx_EndOptions() + fx_SourceOptions()) +
            QStringLiteral("What to do to each picture, in this order\n") +
            fx_OptionsHelp(fx_PictureOptions()) + QStringLiteral("How to encode\n") +
            fx_OptionsHelp(fx_EncodingOptions() + fx_KeepAllOptions()) + QStringLiteral("How to run\n") +

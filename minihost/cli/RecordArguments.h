@@ -7,6 +7,7 @@
 #include "Options.h"
 #include "PictureChanges.h"
 #include "Recorder.h"
+#include "RecordingParts.h"
 #include "SourceAhead.h"
 #include "SourcePart.h"
 #include "TestCamera.h"
@@ -23,6 +24,8 @@ struct SxRecordArguments
     SxFFmpegOptions input;
     SxSourcePart part;
     SxLiveBuffer buffer;
+    SxSplit split;
+    bool isSplit() const { return split.microseconds > 0 || split.bytes > 0; }
     SxPictureChanges changes;
     SxKeepAllWish keepAll;
     bool overwrite = false;

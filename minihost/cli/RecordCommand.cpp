@@ -26,6 +26,7 @@
 #include "Sidecar.h"
 #include "SourceAhead.h"
 #include "SourceFiles.h"
+#include "SplitRecording.h"
 
 namespace {
 
@@ -101,7 +102,11 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     }
     if (output == QLatin1String(kStandardOutputName))
         return QString();
-    QFileInfo const info(output);
+    bool const isSplit = arguments.isSplit();
+    QString const splitObstacle = isSplit ? fx_SplitObstacle(arguments) : QString();
+    if (!splitObstacle.isEmpty())
+        return splitObstacle;
+    QFileInfo const info(isSplit ? fx_NumberedRecording(output, 1) : output);
     if (info.isDir())
         return QStringLiteral("%1: this is a folder.").arg(output);
     QString unfinished = fx_ContainerObstacle(output);
@@ -184,23 +189,6 @@ bool fx_IsRepeatable(SxRecordArguments const& arguments)
 {
     return std::all_of(arguments.sources.begin(), arguments.sources.end(),
                        [](QString const& source) { return QFileInfo(source).isFile(); });
-}
-
-ExitCode fx_ExitCode(SxRecordArguments const& arguments, SxRecordSummary const& summary)
-{
-    switch (summary.failure) {
-    case RecordFailure::Source:
-        return kBadInput;
-    case RecordFailure::Output:
-        return kOutputFailed;
-    case RecordFailure::Other:
-        return kFailed;
-    case RecordFailure::None:
-        break;
-    }
-    if (summary.isSourceDamaged)
-        return kBadInput; // what was good is written
-    return arguments.isStrict && !(summary.skipped.isEmpty() && summary.lost.isEmpty()) ? kNotWhole : kDone;
 }
 
 /// Records once, and tries what would have kept skipped pictures.
@@ -300,7 +288,7 @@ int fx_RecordAndReport(SxRecordArguments arguments)
         return fx_Interrupted(summary.error);
     if (!summary.error.isEmpty())
         Console::error(summary.error);
-    ExitCode const code = fx_ExitCode(arguments, summary);
+    ExitCode const code = fx_RecordExitCode(summary, arguments.isStrict);
     return code == kDone && isAnyMissing ? kNotWhole : code;
 }
 
@@ -335,5 +323,7 @@ int fx_RunRecord(QStringList const& arguments)
     error = fx_MixedSizes(parsed);
     if (!error.isEmpty())
         return fx_Failed(error, kBadInput);
+    if (parsed.isSplit())
+        return fx_RecordSplit(*fx_MakeSource(parsed), parsed);
     return fx_RecordAndReport(parsed);
 }

@@ -139,6 +139,23 @@ QJsonObject fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary
     return json;
 }
 
+ExitCode fx_RecordExitCode(SxRecordSummary const& summary, bool isStrict)
+{
+    switch (summary.failure) {
+    case RecordFailure::Source:
+        return kBadInput;
+    case RecordFailure::Output:
+        return kOutputFailed;
+    case RecordFailure::Other:
+        return kFailed;
+    case RecordFailure::None:
+        break;
+    }
+    if (summary.isSourceDamaged)
+        return kBadInput; // what was good is written
+    return isStrict && !(summary.skipped.isEmpty() && summary.lost.isEmpty()) ? kNotWhole : kDone;
+}
+
 bool fx_IsInterrupted(SxRecordSummary const& summary)
 {
     return summary.isCutShort || (summary.wasStopped && summary.given == 0);

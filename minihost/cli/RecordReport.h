@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "ExitCode.h"
 #include "Recorder.h"
 
 class CxQualityTrial;
@@ -14,6 +15,10 @@ QString fx_RecordSummaryText(SxRecordRequest const& request, SxRecordSummary con
 /// The summary for programs.
 QJsonObject fx_RecordSummaryJson(SxRecordRequest const& request, SxRecordSummary const& summary,
                                  QStringList const& warnings);
+
+/// What the summary amounts to, but for interruptions.
+/// \param isStrict  skipped and lost pictures are a failure
+ExitCode fx_RecordExitCode(SxRecordSummary const& summary, bool isStrict);
 
 /// True when a recording without an error is no success: it was stopped before all was recorded that was
 /// asked for, or before anything was.

@@ -25,7 +25,7 @@ void CxRecordWatcher::onPicture(SxRecordSummary const& summary)
 {
     if (summary.given == 1)
         onFirstPicture(summary);
-    if (m_tells == Tells::All && summary.skipped.size() == 1 && summary.skipped.last() == summary.given - 1)
+    if (tellsSkips() && summary.skipped.size() == 1 && summary.skipped.last() == summary.given - 1)
         warn(QStringLiteral("the encoder begins to skip pictures, at picture %1.")
                  .arg(summary.skipped.last()));
     if (!summary.lost.isEmpty())
@@ -57,7 +57,7 @@ void CxRecordWatcher::onEnd(SxRecordSummary const& summary, CxQualityTrial* tria
         warn(summary.sidecarError);
     if (trial && !summary.skipped.isEmpty())
         Console::transient(QStringLiteral("Trying which quality keeps every picture..."));
-    QString const advice = m_tells == Tells::All ? fx_SkipAdvice(m_request, summary, trial) : QString();
+    QString const advice = tellsSkips() ? fx_SkipAdvice(m_request, summary, trial) : QString();
     if (!advice.isEmpty())
         warn(advice);
 }
@@ -88,7 +88,7 @@ void CxRecordWatcher::adviseBits(SxRecordSummary const& summary)
 void CxRecordWatcher::onFirstPicture(SxRecordSummary const& summary)
 {
     m_line.setTotal(summary.expected);
-    if (m_tells == Tells::News)
+    if (m_tells == Tells::News || m_tells == Tells::NextPart)
         return;
     if (m_request.encoder.profile == kProfileExtended)
         warn(QStringLiteral("OpenH264 has no Extended profile; the recording is Baseline."));

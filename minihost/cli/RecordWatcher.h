@@ -17,6 +17,7 @@ public:
         All,
         NoSkips, ///< they will be made up for
         News,    ///< likewise, and what an attempt before told is known
+        NextPart ///< all, but what the file before told of the source is known
     };
 
     /// \param told  warnings of attempts before, which are not repeated
@@ -32,6 +33,7 @@ public:
     QStringList const& warnings() const { return m_warnings; } ///< with those of attempts before
 
 private:
+    bool tellsSkips() const { return m_tells == Tells::All || m_tells == Tells::NextPart; }
     void passWarnings();
     void adviseBits(SxRecordSummary const& summary);
     void onFirstPicture(SxRecordSummary const& summary);
