@@ -6,7 +6,7 @@ QVector<SxOption> fx_PartOptions()
 {
     return {
         {"start", 0, "T",
-         QStringLiteral("leave out what comes before: 1:02.5, 3s, 10m, or 100f, pictures;\n"
+         QStringLiteral("leave out what comes before: 1:02.5, 500ms, 10m, or 100f, pictures;\n"
                         "it begins with the first picture at that time or behind it")},
         {"duration", 0, "T", QStringLiteral("end after that much: 1:00, 10s, 300f")},
     };
