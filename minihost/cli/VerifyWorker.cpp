@@ -65,7 +65,6 @@ SxFrameMark fx_MarkOf(QByteArray bytes, SxH264Sps& sps)
         } else if (nal_unit_type < 6 || nal_unit_type > 12) { // those between say something about pictures
             ++strangers;
         }
-        return true;
     });
     // A slice behind another had an opening of its own; without any, one of the strangers was a slice.
     mark.extraUnits = slices > 1 ? slices - 1 : slices == 1 ? strangers : std::max(strangers - 1, 0);

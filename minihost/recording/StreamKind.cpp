@@ -160,7 +160,6 @@ SxStreamKind fx_StreamKindOf(QString const& fileName)
             fx_TakeMpegUnit(unit, size, kind);
         else if (unit[0] == kH265Sps && kind.width == 0)
             fx_ReadH265Sps(unit, size, kind);
-        return true;
     });
     kind.isForeign = kind.codec != Codec::Unknown;
     if (kind.codec == Codec::H264)
@@ -180,7 +179,6 @@ qint64 fx_CountPictures(QString const& fileName, Codec codec)
             evidence.take(unit, size);
         else
             fields += fx_FieldsOf(unit, size, codec);
-        return true;
     });
     if (!isRead)
         return -1;

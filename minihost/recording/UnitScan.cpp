@@ -16,7 +16,7 @@ bool fx_BeginsWithStartCode(QIODevice& file)
 }
 
 bool fx_ForEachUnit(QIODevice& file, qint64 limit,
-                    std::function<bool(uchar const* unit, size_t size)> const& visit)
+                    std::function<void(uchar const* unit, size_t size)> const& visit)
 {
     QByteArray bytes; // what of the last piece is not done with, and the next
     for (qint64 left = limit;;) {
@@ -41,8 +41,8 @@ bool fx_ForEachUnit(QIODevice& file, qint64 limit,
                 at = unit - kPrefix;
                 break;
             }
-            if (unit < size && !visit(begin + unit, std::min(size - unit, kUnitBytes)))
-                return true;
+            if (unit < size)
+                visit(begin + unit, std::min(size - unit, kUnitBytes));
             at = unit;
         }
         if (isLast)

@@ -14,10 +14,9 @@ bool fx_BeginsWithStartCode(QIODevice& file);
 ///
 /// \param limit  bytes to read at most; -1 for all
 /// \param visit  gets each unit, from the byte behind its start code on: up to kUnitBytes of it, which may
-/// run
-///               on into the next. False ends the scan.
+///               run on into the next
 /// \return false when the file cannot be read
 bool fx_ForEachUnit(QIODevice& file, qint64 limit,
-                    std::function<bool(uchar const* unit, size_t size)> const& visit);
+                    std::function<void(uchar const* unit, size_t size)> const& visit);
 
 constexpr size_t kUnitBytes = 512;
