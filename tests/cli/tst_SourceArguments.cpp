@@ -3,7 +3,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "Sidecar.h"
 #include "support/FFmpegDecoder.h"
+#include "support/FFprobe.h"
 #include "support/Minihost.h"
 #include "support/PictureFiles.h"
 
@@ -26,12 +28,17 @@ private slots:
     void foldersAndPatternsAreRecordedInNaturalOrder_data();
     void foldersAndPatternsAreRecordedInNaturalOrder();
     void sizesThatDifferAreToldBeforeAnythingIsRecorded();
+    void onlySizesOfThePartMatter_data();
+    void onlySizesOfThePartMatter();
     void unreadableFilesAreToldBeforeAnythingIsRecorded_data();
     void unreadableFilesAreToldBeforeAnythingIsRecorded();
     void missingNumbersOfAPatternAreAWarning();
     void whatARecordingCannotSayIsTold_data();
     void whatARecordingCannotSayIsTold();
     void pictureThatSaysHowIsTurned();
+    void rotationThatMatroskaLosesIsTold();
+    void noteOfARecordingSaysHowItIsTurned();
+    void noteOfAnotherRecordingIsIgnoredAloud();
     void notesOfOtherProgramsBesideASourceAreNotRead();
     void valuesThatMakeNoSenseAreWrongUsage_data();
     void valuesThatMakeNoSenseAreWrongUsage();
@@ -228,6 +235,34 @@ void tst_SourceArguments::sizesThatDifferAreToldBeforeAnythingIsRecorded()
     QCOMPARE(scaled.json().value("given").toInt(), 2);
 }
 
+void tst_SourceArguments::onlySizesOfThePartMatter_data()
+{
+    QTest::addColumn<QStringList>("part");
+    QTest::addColumn<int>("given"); // 0: refused
+    QTest::newRow("pictures") << QStringList{"--start", "1f", "--duration", "2f"} << 2;
+    QTest::newRow("times") << QStringList{"--start", "20ms", "--duration", "60ms"} << 2;
+    QTest::newRow("frames") << QStringList{"--start", "1f", "--frames", "2"} << 2;
+    QTest::newRow("less of them than asked for")
+        << QStringList{"--start", "1f", "--duration", "1s", "--frames", "1"} << 1;
+    QTest::newRow("one too many") << QStringList{"--start", "1f", "--duration", "3f"} << 0;
+    QTest::newRow("to the end") << QStringList{"--start", "2f"} << 0;
+    QTest::newRow("from the front") << QStringList{"--duration", "2f"} << 0;
+}
+
+void tst_SourceArguments::onlySizesOfThePartMatter()
+{
+    QFETCH(QStringList, part);
+    QFETCH(int, given);
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(fx_WriteFile(path(QStringLiteral("%1.pgm").arg(i)),
+                             i == 1 || i == 2 ? fx_GreyFile(64, 48, 100) : fx_GreyFile(48, 64, 100)));
+    SxMinihostRun const run =
+        fx_RunMinihost(QStringList{"record", m_folder->path(), path("out.h264"), "--json"} + part);
+    QVERIFY2(run.exitCode == (given > 0 ? 0 : 4), run.err);
+    QCOMPARE(run.json().value("given").toInt(), given);
+    QCOMPARE(run.err.contains("a recording has one size"), given == 0);
+}
+
 void tst_SourceArguments::unreadableFilesAreToldBeforeAnythingIsRecorded_data()
 {
     QTest::addColumn<QString>("source");
@@ -311,15 +346,18 @@ void tst_SourceArguments::whatARecordingCannotSayIsTold()
     QCOMPARE(said, says);
 }
 
-void tst_SourceArguments::pictureThatSaysHowIsTurned()
+/// A JPEG of 64 x 48 that is to be turned clockwise by a quarter: Exif, orientation 6.
+static QByteArray fx_LyingJpeg()
 {
-    // Exif, orientation 6: to be turned clockwise by a quarter.
     QByteArray const exif = QByteArray::fromHex("ffe1002245786966000049492a000800000001001201030001000000"
                                                 "0600000000000000");
-    QByteArray const jpeg =
-        fx_CodedPicture(AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P, 64, 48, QByteArray(64 * 48 * 3 / 2, 'a'))
-            .insert(2, exif);
-    QVERIFY(fx_WriteFile(path("in.jpg"), jpeg));
+    return fx_CodedPicture(AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P, 64, 48, QByteArray(64 * 48 * 3 / 2, 'a'))
+        .insert(2, exif);
+}
+
+void tst_SourceArguments::pictureThatSaysHowIsTurned()
+{
+    QVERIFY(fx_WriteFile(path("in.jpg"), fx_LyingJpeg()));
     SxMinihostRun const run = fx_RunMinihost({"record", path("in.jpg"), path("out.h264"), "--json"});
     QVERIFY2(run.exitCode == 0, run.err);
     QVERIFY2(run.err.contains(
@@ -339,6 +377,70 @@ void tst_SourceArguments::pictureThatSaysHowIsTurned()
     SxMinihostRun const contained = fx_RunMinihost({"record", path("in.jpg"), path("out.mp4")});
     QVERIFY2(contained.exitCode == 0, contained.err);
     QVERIFY2(!contained.err.contains("turned"), contained.err);
+}
+
+/// FFmpeg's writer of Matroska keeps no rotation before FFmpeg 7.
+void tst_SourceArguments::rotationThatMatroskaLosesIsTold()
+{
+    QVERIFY(fx_WriteFile(path("in.jpg"), fx_LyingJpeg()));
+    SxMinihostRun const run = fx_RunMinihost({"record", path("in.jpg"), path("out.mkv")});
+    QVERIFY2(run.exitCode == 0, run.err);
+    bool const isKept = !fx_ProbedStream(path("out.mkv")).value("side_data_list").toArray().isEmpty();
+    QVERIFY2(
+        isKept !=
+            run.err.contains(
+                "out.mkv: its pictures are to be turned by 90 degrees clockwise, which it does not say."),
+        run.err);
+}
+
+void tst_SourceArguments::noteOfARecordingSaysHowItIsTurned()
+{
+    QCOMPARE(
+        fx_RunMinihost({"record", "camera:", "--size", "64x48", "--frames", "2", path("in.h264")}).exitCode,
+        0);
+    SxSidecar sidecar;
+    sidecar.rate = {25};
+    sidecar.rotation = 90;
+    QString error;
+    QVERIFY2(fx_WriteSidecar(path("in.h264"), sidecar, error), qPrintable(error));
+    QByteArray const told("in.h264: its pictures are to be turned clockwise by 90 degrees, which is left "
+                          "out: --rotate auto turns them.\n");
+    struct SxCase
+    {
+        QStringList options;
+        int width;
+        bool isTold;
+    };
+    for (SxCase const& one : {SxCase{{}, 64, true}, SxCase{{"--rotate", "auto"}, 48, false},
+                              SxCase{{"--rotate", "180"}, 64, false}}) {
+        SxMinihostRun const run = fx_RunMinihost(
+            QStringList{"record", "--overwrite", "--json", path("in.h264"), path("out.h264")} + one.options);
+        QVERIFY2(run.exitCode == 0, run.err);
+        QCOMPARE(run.json().value("width").toInt(), one.width);
+        QVERIFY2(run.err.contains(told) == one.isTold, run.err);
+        SxFoundSidecar const found = fx_FindSidecar(path("out.h264"));
+        QVERIFY2(found.sidecar, qPrintable(found.warning));
+        QCOMPARE(found.sidecar->rate.text(), QString("25"));
+    }
+}
+
+void tst_SourceArguments::noteOfAnotherRecordingIsIgnoredAloud()
+{
+    for (char const* const name : {"a.h264", "b.h264"})
+        QCOMPARE(fx_RunMinihost({"record", "camera:", "--size", "64x48", "--frames",
+                                 name[0] == 'a' ? "2" : "3", path(name)})
+                     .exitCode,
+                 0);
+    QString error;
+    QVERIFY2(fx_WriteSidecar(path("b.h264"), {}, error), qPrintable(error));
+    QVERIFY(QFile::rename(path("b.h264.json"), path("a.h264.json")));
+    for (QStringList const& options : {QStringList(), QStringList{"--keep-all", "--quality", "10"}}) {
+        SxMinihostRun const run = fx_RunMinihost(
+            QStringList{"record", "--overwrite", "--json", path("a.h264"), path("out.h264")} + options);
+        QVERIFY2(run.exitCode == 0, run.err);
+        QCOMPARE(run.err.count("a.h264.json is ignored: it describes another recording.\n"), 1);
+        QCOMPARE(run.json().value("warnings").toArray().size(), 1);
+    }
 }
 
 void tst_SourceArguments::notesOfOtherProgramsBesideASourceAreNotRead()

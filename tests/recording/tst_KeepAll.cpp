@@ -1,5 +1,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
+#include <sys/file.h>
 
 #include "Sidecar.h"
 #include "support/Minihost.h"
@@ -21,7 +22,9 @@ private slots:
     void consentIsUsedWhereQualityDoesNotDo();
     void wholeRecordingReplacesTheOld();
     void sourceThatComesOnlyOnceHasTheHighestQualityAndExitCodeThree();
+    void highestQualityHasOtherOptionsLeft();
     void containerHoldsEveryPicture();
+    void outputOfAnotherRecordingIsLeftAlone();
     void attemptThatWasKilledIsNamed();
     void damagedSourceKeepsWhatCouldBeRead();
     void consentWithoutItsOptionIsWrongUsage_data();
@@ -174,6 +177,19 @@ void tst_KeepAll::sourceThatComesOnlyOnceHasTheHighestQualityAndExitCodeThree()
     SxMinihostRun const allowed = record("-", {"--overwrite", "--may-change", "keyframe-rate"}, noise);
     QVERIFY2(allowed.exitCode == 0, allowed.err);
     QCOMPARE(allowed.json().value("skipped").toInt(-1), 0);
+
+    QByteArray const noisy = fx_FileBytes(m_clips.filePath("noisy.y4m"));
+    SxMinihostRun const higher = record("-", {"--overwrite", "--level", "1", "--may-change", "level"}, noisy);
+    QVERIFY2(higher.exitCode == 0, higher.err);
+    QCOMPARE(higher.json().value("skipped").toInt(-1), 0);
+}
+
+void tst_KeepAll::highestQualityHasOtherOptionsLeft()
+{
+    SxMinihostRun const run = record("noise.y4m", {"--quality", "10", "--may-change", "keyframe-rate"});
+    QVERIFY2(run.exitCode == 0, run.err);
+    QCOMPARE(run.json().value("skipped").toInt(-1), 0);
+    QVERIFY(run.json().value("keyframeRate").toInt() < 5);
 }
 
 void tst_KeepAll::containerHoldsEveryPicture()
@@ -188,6 +204,19 @@ void tst_KeepAll::containerHoldsEveryPicture()
                  .value("given")
                  .toInt(),
              40);
+}
+
+void tst_KeepAll::outputOfAnotherRecordingIsLeftAlone()
+{
+    QVERIFY(fx_WriteFile(path("out.h264"), "old"));
+    QFile recorder(path("out.h264"));
+    QVERIFY(recorder.open(QIODevice::ReadWrite));
+    QCOMPARE(flock(recorder.handle(), LOCK_EX), 0);
+    SxMinihostRun const run = record("noisy.y4m", {"--overwrite"});
+    QCOMPARE(run.exitCode, 5);
+    QVERIFY2(run.err.contains("out.h264: another recording is being written to it."), run.err);
+    QCOMPARE(fx_FileBytes(path("out.h264")), QByteArray("old"));
+    QCOMPARE(files(), QStringList{"out.h264"});
 }
 
 void tst_KeepAll::attemptThatWasKilledIsNamed()
