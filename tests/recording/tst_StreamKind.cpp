@@ -3,6 +3,7 @@
 #include <random>
 
 #include "StreamKind.h"
+#include "support/BitWriter.h"
 #include "support/FileBytes.h"
 
 /// What files are by their units: a recording, and streams of other encoders (tests/data/foreign).
@@ -17,7 +18,10 @@ private slots:
     void damageMakesNoRecordingForeign();
     void foreignStreamIsRecognised_data();
     void foreignStreamIsRecognised();
+    void sizeOfH265IsThatInsideItsWindow_data();
+    void sizeOfH265IsThatInsideItsWindow();
     void rateIsThatOfTheStream();
+    void rateBeyondEveryCountIsNone();
     void picturesBeyondTheFirstPieceAreCounted();
     void unitsAreFoundAcrossTheEdgesOfPieces();
     void anythingElseIsUnknown_data();
@@ -123,6 +127,111 @@ void tst_StreamKind::foreignStreamIsRecognised()
     QCOMPARE(fx_CountPictures(shortened, kind.codec), qint64{kPictures});
 }
 
+/// What a sequence parameter set of H.265 says up to its depth (ITU-T H.265, 7.3.2.2.1).
+struct SxH265Sps
+{
+    quint32 sps_max_sub_layers_minus1 = 0;
+    quint32 layersThatTell = 0; ///< of these, how many have a profile and a level of their own
+    quint32 chroma_format_idc = 1;
+    quint32 width = 64;
+    quint32 height = 48;
+    QVector<quint32> window = {}; ///< left, right, top, bottom; empty: no conformance_window_flag
+    quint32 bit_depth_luma_minus8 = 0;
+};
+Q_DECLARE_METATYPE(SxH265Sps)
+
+/// A stream that has only this set. What is not looked at is full of ones, which no start code is.
+static QByteArray fx_H265Stream(SxH265Sps const& sps)
+{
+    CxBitWriter writer;
+    auto const ones = [&writer](int count) {
+        for (int i = 0; i < count; ++i)
+            writer.bit(true);
+    };
+    ones(4);
+    writer.bits(sps.sps_max_sub_layers_minus1, 3);
+    ones(1 + 88 + 8);
+    for (quint32 layer = 0; sps.sps_max_sub_layers_minus1 > 0 && layer < 8; ++layer)
+        writer.bits(layer < sps.layersThatTell ? 3 : 0, 2);
+    for (quint32 layer = 0; layer < sps.layersThatTell; ++layer)
+        ones(88 + 8);
+    writer.ue(0); // sps_seq_parameter_set_id
+    writer.ue(sps.chroma_format_idc);
+    if (sps.chroma_format_idc == 3)
+        writer.bit(false); // separate_colour_plane_flag
+    writer.ue(sps.width);
+    writer.ue(sps.height);
+    writer.bit(!sps.window.isEmpty());
+    for (quint32 const side : sps.window)
+        writer.ue(side);
+    writer.ue(sps.bit_depth_luma_minus8);
+    writer.ue(sps.bit_depth_luma_minus8);
+    writer.trailingBits();
+    QByteArray stream("\0\0\0\1\x42\x01", 6);
+    for (uchar const byte : writer.bytes())
+        stream += static_cast<char>(byte);
+    return stream;
+}
+
+void tst_StreamKind::sizeOfH265IsThatInsideItsWindow_data()
+{
+    QTest::addColumn<SxH265Sps>("sps");
+    QTest::addColumn<QSize>("size"); // 0 x 0: not known
+    QTest::addColumn<QString>("text");
+    QString const plain("H.265 video");
+    QTest::newRow("no window") << SxH265Sps{} << QSize(64, 48) << plain;
+    QTest::newRow("4:2:0") << SxH265Sps{0, 0, 1, 64, 48, {1, 2, 3, 4}} << QSize(58, 34) << plain;
+    QTest::newRow("4:2:2") << SxH265Sps{0, 0, 2, 64, 48, {1, 2, 3, 4}} << QSize(58, 41) << plain;
+    QTest::newRow("4:4:4") << SxH265Sps{0, 0, 3, 64, 48, {1, 2, 3, 4}} << QSize(61, 41) << plain;
+    QTest::newRow("grey") << SxH265Sps{0, 0, 0, 64, 48, {1, 2, 3, 4}, 4} << QSize(61, 41)
+                          << plain + " (12 bits)";
+    QTest::newRow("layers that tell nothing") << SxH265Sps{6, 0} << QSize(64, 48) << plain;
+    QTest::newRow("layers that tell")
+        << SxH265Sps{2, 2, 1, 64, 48, {0, 0, 0, 4}, 2} << QSize(64, 40) << plain + " (10 bits)";
+    QTest::newRow("a layer that tells and one that does not") << SxH265Sps{2, 1} << QSize(64, 48) << plain;
+    QTest::newRow("window wider than the picture")
+        << SxH265Sps{0, 0, 1, 64, 48, {16, 16, 0, 0}, 2} << QSize(0, 0) << plain;
+    QTest::newRow("window of numbers that overflow")
+        << SxH265Sps{0, 0, 1, 64, 48, {4294967294, 4294967294, 0, 0}} << QSize(0, 0) << plain;
+    QTest::newRow("wider than any") << SxH265Sps{0, 0, 1, 16385, 48} << QSize(0, 0) << plain;
+    QTest::newRow("depth that no sample has") << SxH265Sps{0, 0, 1, 64, 48, {}, 9} << QSize(64, 48) << plain;
+}
+
+void tst_StreamKind::sizeOfH265IsThatInsideItsWindow()
+{
+    QFETCH(SxH265Sps, sps);
+    QFETCH(QSize, size);
+    QFETCH(QString, text);
+    SxStreamKind const kind = fx_StreamKindOf(write(fx_H265Stream(sps)));
+    QVERIFY(kind.codec == SxStreamKind::Codec::H265);
+    QCOMPARE(QSize(kind.width, kind.height), size);
+    QCOMPARE(fx_ForeignStreamText(kind), text);
+}
+
+void tst_StreamKind::rateBeyondEveryCountIsNone()
+{
+    CxBitWriter writer; // a sequence parameter set of 64 x 48 pictures (ITU-T H.264, 7.3.2.1.1)
+    writer.bits(0x42C01F, 24);
+    for (quint32 const number : {0U, 4U, 2U, 1U}) // its id, frame_num's bits, the order, reference pictures
+        writer.ue(number);
+    writer.bit(false);
+    writer.ue(3);
+    writer.ue(2);
+    writer.bits(0xD, 4); // frame_mbs_only_flag, direct_8x8_inference_flag, no cropping, a VUI
+    writer.bits(0, 4);
+    writer.bit(true); // timing_info_present_flag
+    writer.bits(0x7FFFFFFD, 32);
+    writer.bits(0xFFFFFFFB, 32);
+    writer.bits(0, 6);
+    writer.trailingBits();
+    QByteArray stream("\0\0\0\1\x67", 5);
+    for (uchar const byte : writer.bytes())
+        stream += static_cast<char>(byte);
+    SxStreamKind const kind = fx_StreamKindOf(write(stream));
+    QCOMPARE(QSize(kind.width, kind.height), QSize(64, 48));
+    QVERIFY(!kind.rate.isKnown());
+}
+
 void tst_StreamKind::rateIsThatOfTheStream()
 {
     SxStreamKind const ours = fx_StreamKindOf(fx_Data("camera.h264"));
@@ -170,6 +279,7 @@ void tst_StreamKind::anythingElseIsUnknown()
     SxStreamKind const kind = fx_StreamKindOf(write(bytes));
     QVERIFY(!kind.isForeign);
     QCOMPARE(kind.width, 0);
+    QCOMPARE(kind.codecName(), QString());
     QVERIFY(!fx_StreamKindOf(m_folder.filePath("missing")).isForeign);
     QCOMPARE(fx_CountPictures(m_folder.filePath("missing"), SxStreamKind::Codec::H264), qint64{-1});
 }
