@@ -36,8 +36,10 @@ private slots:
     void inputsWithoutAPictureAreLeftOutAndNamed();
     void damagedJpegsAreDeliveredAndNamed_data();
     void damagedJpegsAreDeliveredAndNamed();
+    void fillBytesOfAJpegAreNoDamage();
     void cutStreamsAreToldAtTheirEnd_data();
     void cutStreamsAreToldAtTheirEnd();
+    void packetsThatABroadcastLostAreTold();
     void damagedPicturesOfAVideoAreCounted();
     void aviWithEmptyPlacesIsWhole();
     void stopEndsTheWait();
@@ -482,6 +484,11 @@ void tst_FFmpegSource::inputsWithoutAPictureAreLeftOutAndNamed_data()
     QTest::newRow("nothing") << QByteArray();
     QTest::newRow("PNG cut off") << png.left(png.size() / 2);
     QTest::newRow("PNG without its last byte") << png.left(png.size() - 1);
+    QByteArray const jpeg = fx_Jpeg();
+    QTest::newRow("JPEG cut off before its pixels") << jpeg.left(jpeg.indexOf("\xFF\xDA"));
+    QTest::newRow("sound") << QByteArray("RIFF\x2C\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0", 24) +
+                                  QByteArray("\x40\x1F\0\0\x40\x1F\0\0\1\0\x08\0data\x08\0\0\0", 20) +
+                                  QByteArray(8, '\x80');
     QTest::newRow("PGM cut off") << fx_PnmFile(16, 16, 1, 255, QByteArray(16 * 15, 'a'));
 }
 
@@ -532,6 +539,21 @@ void tst_FFmpegSource::damagedJpegsAreDeliveredAndNamed()
     CxFFmpegSource sound({path("good.jpg"), path("more.jpg")}, 0, nullptr);
     QCOMPARE(fx_ReadAll(sound).warnings, QStringList());
     QVERIFY(!sound.isDamaged());
+}
+
+/// Any number of them may stand before a marker (ITU-T T.81, B.1.1.2).
+void tst_FFmpegSource::fillBytesOfAJpegAreNoDamage()
+{
+    QByteArray jpeg = fx_Jpeg();
+    for (char const* marker : {"\xFF\xDA", "\xFF\xC0", "\xFF\xDB"})
+        jpeg.insert(jpeg.indexOf(marker), "\xFF\xFF\xFF");
+    QVERIFY(fx_WriteFile(path("fill.jpg"), jpeg));
+    CxFFmpegSource source({path("fill.jpg")}, 0, nullptr);
+    SxDelivered const delivered = fx_ReadAll(source);
+    QCOMPARE(source.errorText(), QString());
+    QCOMPARE(delivered.pictures, 1);
+    QCOMPARE(delivered.warnings, QStringList());
+    QVERIFY(!source.isDamaged());
 }
 
 void tst_FFmpegSource::cutStreamsAreToldAtTheirEnd_data()
@@ -587,6 +609,23 @@ void tst_FFmpegSource::aviWithEmptyPlacesIsWhole()
     QCOMPARE(delivered.pictures, 20);
     QCOMPARE(delivered.warnings, QStringList());
     QVERIFY(!source.isDamaged());
+}
+
+void tst_FFmpegSource::packetsThatABroadcastLostAreTold()
+{
+    static constexpr int kPacket = 188; // bytes (ISO/IEC 13818-1, 2.4.3.2)
+    QVERIFY(fx_WriteVideo(path("v.ts"), "mpegts", AV_CODEC_ID_MPEG2VIDEO, 30));
+    QByteArray file = fx_FileBytes(path("v.ts"));
+    CxFFmpegSource whole({path("v.ts")}, 0, nullptr);
+    QCOMPARE(fx_ReadAll(whole).warnings, QStringList());
+    file.remove(static_cast<int>(file.size()) / kPacket / 2 * kPacket, 3 * kPacket);
+    QVERIFY(fx_WriteFile(path("v.ts"), file));
+    CxFFmpegSource source({path("v.ts")}, 0, nullptr);
+    SxDelivered const delivered = fx_ReadAll(source);
+    QVERIFY(delivered.pictures > 20);
+    QVERIFY(!delivered.warnings.isEmpty());
+    QCOMPARE(delivered.warnings.last(), path("v.ts") + ": some of its data are damaged or missing.");
+    QVERIFY(source.isDamaged());
 }
 
 void tst_FFmpegSource::damagedPicturesOfAVideoAreCounted()

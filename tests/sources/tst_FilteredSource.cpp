@@ -19,6 +19,7 @@ private slots:
     void oddSidesLoseTheirLastColumnAndRow();
     void cropBeyondThePictureIsAnError_data();
     void cropBeyondThePictureIsAnError();
+    void sizeThatFFmpegRefusesIsAnError();
     void sizesMayChangeOnTheWay();
     void turningItselfFollowsTheSource_data();
     void turningItselfFollowsTheSource();
@@ -297,6 +298,16 @@ void tst_FilteredSource::cropBeyondThePictureIsAnError()
         qPrintable(pair.error));
 }
 
+void tst_FilteredSource::sizeThatFFmpegRefusesIsAnError()
+{
+    SxPictureChanges changes;
+    changes.scale = QSize(1 << 20, 1 << 20);
+    SxPair pair;
+    fx_Change(pair, {3, 8}, QSize(32, 32), changes);
+    QCOMPARE(pair.error,
+             QString("Picture 0 cannot be brought to 1048576 x 1048576: FFmpeg's filters refuse."));
+}
+
 void tst_FilteredSource::sizesMayChangeOnTheWay()
 {
     SxPictureChanges changes;
@@ -339,6 +350,7 @@ void tst_FilteredSource::turningItselfFollowsTheSource()
     QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Picture);
     QCOMPARE(fx_Size(picture.get()), size);
     QCOMPARE(source.rotation(), left);
+    QVERIFY(!source.rate().isKnown()); // nor is its source's
 }
 
 QTEST_GUILESS_MAIN(tst_FilteredSource)

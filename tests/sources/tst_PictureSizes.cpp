@@ -88,6 +88,8 @@ void tst_PictureSizes::sizesThatDifferAreNamed_data()
     row("left out ones take no number", {"a.pgm", "text.pgm", "tall.pgm"}, none, tall, 0, 2);
     row("a video among them", {"a.pgm", "video.avi", "tall.pgm"}, none, tall, 0, 2);
     row("turned as they say", {"lying.jpg", "upright.jpg"}, turned, "");
+    row("turned as they say, unreadable ones aside", {"text.pgm", "lying.jpg", "upright.jpg"}, turned, "");
+    row("turned as they say, one differs", {"lying.jpg", "text.pgm", "tall.pgm"}, turned, tall);
     row("not turned", {"upright.jpg", "lying.jpg"}, none, QString(tall).replace("tall.pgm", "lying.jpg"));
 }
 
