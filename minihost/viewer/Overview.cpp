@@ -101,7 +101,7 @@ void CxOverview::zoom(double factor, double x)
 
 std::vector<CxOverview::SxColumn> CxOverview::columns(int width) const
 {
-    std::vector<SxColumn> columns(static_cast<size_t>(std::max(width, 1)));
+    std::vector<SxColumn> columns(static_cast<size_t>(width));
     auto const columnsOf = [&](int number) { // the first, and the one behind the last
         int const from = std::clamp(static_cast<int>(positionOf(number)), 0, width - 1);
         int const to = std::clamp(static_cast<int>(positionOf(number + 1)), from + 1, width);
@@ -136,7 +136,7 @@ void CxOverview::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Base));
-    if (m_info.count == 0)
+    if (m_info.count == 0 || width() < 1)
         return;
     std::vector<SxColumn> const shown = columns(width());
     quint32 highest = 1;
@@ -203,9 +203,9 @@ void CxOverview::mouseMoveEvent(QMouseEvent* event)
     int const number = numberAt(fx_MousePosition(*event).x());
     if ((event->buttons() & Qt::LeftButton) != 0)
         emit chosen(number);
-    QPoint const place = mapToGlobal(QPoint(event->pos().x(), 0));
-    QToolTip::showText(place - QPoint(0, 2 * fontMetrics().height()), textOf(number), this);
-    emit hovered(number, place);
+    QPoint const above = mapToGlobal({event->pos().x(), -2 * fontMetrics().height() - 8});
+    QToolTip::showText(above, textOf(number), this);
+    emit pointed(event->buttons() == Qt::NoButton ? number : -1, above);
 }
 
 void CxOverview::wheelEvent(QWheelEvent* event)
@@ -240,4 +240,4 @@ void CxOverview::keyPressEvent(QKeyEvent* event)
     }
 }
 
-void CxOverview::leaveEvent(QEvent*) { emit hovered(-1, {}); }
+void CxOverview::leaveEvent(QEvent*) { emit pointed(-1, {}); }

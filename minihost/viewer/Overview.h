@@ -31,7 +31,7 @@ public:
 
 signals:
     void chosen(int number);
-    void hovered(int number, QPoint const& globalPosition); ///< -1: the mouse has left
+    void pointed(int number, QPoint const& bottom); ///< as CxTimeline tells it
 
 protected:
     void paintEvent(QPaintEvent* event) override;

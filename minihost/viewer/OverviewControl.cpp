@@ -14,6 +14,7 @@ CxOverviewControl::CxOverviewControl(QAction* action, CxTransportBar& transport,
     : m_action(action)
     , m_play(play)
     , m_overview(new CxOverview(&transport))
+    , m_thumbnail(play.player(), transport)
 {
     static_cast<QBoxLayout*>(transport.layout())->insertWidget(0, m_overview);
     m_overview->hide();
@@ -30,6 +31,8 @@ CxOverviewControl::CxOverviewControl(QAction* action, CxTransportBar& transport,
             [this](SxShownPicture const& picture) { m_overview->setShownNumber(picture.number); });
     CxTimeline* const timeline = transport.timeline();
     connect(timeline, &CxTimeline::brokenMarked, m_overview, &CxOverview::markBroken);
+    connect(timeline, &CxTimeline::pointed, &m_thumbnail, &CxThumbnailControl::point);
+    connect(m_overview, &CxOverview::pointed, &m_thumbnail, &CxThumbnailControl::point);
     connect(m_overview, &CxOverview::chosen, this, [this, timeline](int number) {
         if (timeline->isEnabled())
             m_play.player().seek(number);

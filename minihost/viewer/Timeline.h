@@ -27,6 +27,9 @@ public:
 
 signals:
     void brokenMarked(int number); ///< by markBroken()
+    /// The mouse points there, without a button pressed; -1: nowhere. \p bottom: what is shown of it stands
+    /// above this place on the screen, and leaves room for the text.
+    void pointed(int number, QPoint const& bottom);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -169,6 +170,13 @@ static QPixmap fx_Render(CxMainWindow& window, QString const& scene, QString con
     }
     if (scene == QLatin1String("info"))
         window.findChild<QAction*>(QStringLiteral("info"))->trigger();
+    if (scene == QLatin1String("thumbnail")) {
+        auto* const timeline = window.findChild<CxTimeline*>();
+        QTest::mouseMove(timeline, QPoint(timeline->width() / 3, 8));
+        QTest::qWait(2000);
+        QRect const place = window.geometry();
+        return window.screen()->grabWindow(0, place.x(), place.y(), place.width(), place.height());
+    }
     if (scene == QLatin1String("overview"))
         window.findChild<QAction*>(QStringLiteral("overview"))->trigger();
     if (scene == QLatin1String("measure"))
