@@ -26,6 +26,10 @@ QAction* CxActions::add(char const* objectName, QString const& text, QList<QKeyS
 CxActions::CxActions(QObject* parent)
     : QObject(parent)
     , open(add("open", tr("&Open Recording…"), {fx_Ctrl(Qt::Key_O)}))
+    , nextFile(add("nextFile", tr("Ne&xt Recording"), {fx_Ctrl(Qt::Key_PageDown), Qt::Key_Greater}))
+    , previousFile(add("previousFile", tr("Prev&ious Recording"), {fx_Ctrl(Qt::Key_PageUp), Qt::Key_Less}))
+    , reload(add("reload", tr("Re&load"), {Qt::Key_F5}))
+    , closeFile(add("closeFile", tr("&Close"), {fx_Ctrl(Qt::Key_W)}))
     , openCamera(add("openCamera", tr("&Test Camera"), {fx_Ctrl(Qt::Key_T)}))
     , openSource(add("openSource", tr("Open &Video, Stream or Device…"), {fx_Ctrl(Qt::Key_U)}))
     , record(add("record", tr("&Record…"), {fx_Ctrl(Qt::Key_R)}))
@@ -86,6 +90,8 @@ void CxActions::fill(QMenuBar* bar)
     QMenu* const file = bar->addMenu(tr("&File"));
     file->addAction(open);
     recentMenu = file->addMenu(tr("Open R&ecent"));
+    recentMenu->setToolTipsVisible(true); // the folders
+    file->addActions({nextFile, previousFile, reload, closeFile});
     file->addSeparator();
     file->addActions({openCamera, openSource});
     file->addSeparator();

@@ -27,6 +27,10 @@ public:
 
     QMenu* recentMenu = nullptr; ///< filled by CxRecentFiles
     QAction* open;
+    QAction* nextFile;
+    QAction* previousFile;
+    QAction* reload;
+    QAction* closeFile;
     QAction* openCamera;
     QAction* openSource;
     QAction* record;

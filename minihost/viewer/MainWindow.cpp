@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QScreen>
 #include <QSettings>
 #include <QStackedWidget>
@@ -51,6 +50,7 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_verify(new CxVerifyControl(*m_actions, m_play, *m_messageBar, *m_status, plugins.fileNames(), *this))
     , m_live(*m_actions, *m_view, *m_transport, *m_messageBar)
     , m_look(*m_actions, *m_view, m_play, m_live, *this)
+    , m_folder(*m_actions, m_play, *this)
     , m_picture(*m_actions, *m_view, m_play.player(), *m_messageBar, *this)
     , m_fullScreen(*m_view, *m_transport)
     , m_rate(*m_actions, m_play, *m_messageBar, *this)
@@ -58,7 +58,6 @@ CxMainWindow::CxMainWindow(CxPluginHost const& plugins, QWidget* parent)
     , m_record(m_play, m_live, *m_recordBar, *m_messageBar, *this)
 {
     setObjectName(QStringLiteral("mainWindow"));
-    setAcceptDrops(true);
     m_actions->fill(menuBar());
     m_actions->updateIcons(palette());
     m_recent = new CxRecentFiles(m_actions->recentMenu, this);
@@ -120,19 +119,16 @@ void CxMainWindow::connectActions()
             format = *m_view->picture().data->picBuf();
         m_record.ask(format);
     });
+    on(a.closeFile, [this] { closeShown(); });
     on(a.quit, [this] { close(); });
     on(a.play, [this] { m_live.isOpen() ? m_live.toggleFrozen() : m_play.togglePlaying(); });
     on(a.fullScreen, [this](bool isOn) { setFullScreen(isOn); });
-    on(a.keys, [this] {
-        auto* const window = new CxHelpWindow(*m_actions, this);
+    auto const show = [](QDialog* window) {
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->show();
-    });
-    on(a.about, [this] {
-        auto* const window = new CxAboutWindow(m_plugins, this);
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        window->show();
-    });
+    };
+    on(a.keys, [this, show] { show(new CxHelpWindow(*m_actions, this)); });
+    on(a.about, [this, show] { show(new CxAboutWindow(m_plugins, this)); });
 }
 
 void CxMainWindow::connectControls()
@@ -142,6 +138,9 @@ void CxMainWindow::connectControls()
     connect(&m_play.marks(), &CxMarkControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_rate, &CxRateControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_play, &CxPlayControl::rateChanged, m_status, &CxStatusBar::showNotes);
+    connect(&m_folder, &CxFolderControl::openRequested, this, &CxMainWindow::openRecording);
+    connect(&m_folder, &CxFolderControl::dropped, this, &CxMainWindow::openNamed);
+    connect(&m_folder, &CxFolderControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_picture, &CxPictureControl::told, m_status, &CxStatusBar::confirm);
     connect(&m_play, &CxPlayControl::openFailed, this, &CxMainWindow::takeOpenFailure);
     connect(&m_live, &CxLiveControl::begun, this, &CxMainWindow::takeLive);
@@ -173,6 +172,18 @@ void CxMainWindow::clearPicture()
     m_isOpening = false;
 }
 
+/// Back to where one chooses.
+void CxMainWindow::closeShown()
+{
+    m_live.close();
+    m_play.close();
+    clearPicture();
+    m_startPage->setRecent(m_recent->actions());
+    m_pages->setCurrentWidget(m_startPage);
+    setTitle({});
+    updateActions();
+}
+
 void CxMainWindow::setTitle(QString const& name)
 {
     setWindowTitle(name.isEmpty() ? QStringLiteral("minihost") : QStringLiteral("%1 – minihost").arg(name));
@@ -188,9 +199,8 @@ void CxMainWindow::openNamed(QString const& name)
         });
         return;
     }
-    static QStringList const kRecordingSuffixes{QStringLiteral("h264"), QStringLiteral("264")};
     bool const isMissing = !name.contains(QLatin1Char(':')) && !QFileInfo::exists(name);
-    if (isMissing || kRecordingSuffixes.contains(QFileInfo(name).suffix().toLower())) {
+    if (isMissing || CxFolderControl::isRecordingName(name)) {
         openRecording(name);
         return;
     }
@@ -286,6 +296,8 @@ void CxMainWindow::updateActions()
     bool const hasPicture = !m_view->picture().image.isNull();
     m_play.setEnabled(hasRecording);
     m_verify->setEnabled(hasRecording);
+    m_folder.setEnabled(hasRecording);
+    a.closeFile->setEnabled(isAnythingOpen() && !m_record.isRunning());
     m_transport->timeline()->setVisible(!isLive);
     m_transport->setVisible(m_pages->currentWidget() == m_view && !isFullScreen());
     a.play->setEnabled(hasRecording || isLive);
@@ -326,17 +338,4 @@ void CxMainWindow::keyPressEvent(QKeyEvent* event)
         setFullScreen(false);
     else
         QMainWindow::keyPressEvent(event);
-}
-
-void CxMainWindow::dragEnterEvent(QDragEnterEvent* event)
-{
-    if (event->mimeData()->hasUrls() && !m_record.isRunning())
-        event->acceptProposedAction();
-}
-
-void CxMainWindow::dropEvent(QDropEvent* event)
-{
-    QUrl const url = event->mimeData()->urls().value(0);
-    if (!url.isEmpty())
-        openNamed(url.isLocalFile() ? url.toLocalFile() : url.toString());
 }

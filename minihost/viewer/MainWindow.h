@@ -3,6 +3,7 @@
 #include <QMainWindow>
 
 #include "FullScreenBar.h"
+#include "FolderControl.h"
 #include "LiveControl.h"
 #include "LookControl.h"
 #include "OverviewControl.h"
@@ -46,8 +47,6 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
 
 private:
     void buildCentre();
@@ -55,6 +54,7 @@ private:
     void connectControls();
     bool isAnythingOpen() { return player().isOpen() || m_live.isOpen(); }
     void clearPicture();
+    void closeShown();
     void takeOpened(SxOpenedRecording const& info);
     void takeLive();
     void takeOpenFailure();
@@ -76,6 +76,7 @@ private:
     CxVerifyControl* m_verify;
     CxLiveControl m_live;
     CxLookControl m_look;
+    CxFolderControl m_folder;
     CxPictureControl m_picture;
     CxFullScreenBar m_fullScreen;
     CxRateControl m_rate;

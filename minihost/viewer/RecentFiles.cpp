@@ -34,6 +34,8 @@ void CxRecentFiles::fillMenu(QStringList const& files)
 {
     qDeleteAll(m_menu->actions());
     for (QString const& file : files.mid(0, kMostRecent)) {
+        if (!QFileInfo::exists(file)) // it stays remembered: a disk may only be unplugged
+            continue;
         QString const name = QFileInfo(file).fileName().replace(QLatin1Char('&'), QLatin1String("&&"));
         QAction* const action = m_menu->addAction(name);
         action->setToolTip(QDir::toNativeSeparators(file));

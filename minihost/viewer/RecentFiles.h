@@ -6,7 +6,8 @@
 class QAction;
 class QMenu;
 
-/// The recordings opened last, remembered between runs, as the actions of a menu.
+/// The recordings opened last, remembered between runs, as the actions of a menu; those that are missing
+/// are left out.
 class CxRecentFiles : public QObject
 {
     Q_OBJECT

@@ -6,6 +6,7 @@
 
 #include "Actions.h"
 #include "RecentFiles.h"
+#include "support/FileBytes.h"
 #include "support/ViewerWindow.h"
 
 class tst_RecentFiles : public QObject
@@ -37,13 +38,20 @@ void tst_RecentFiles::keepsSixNewestFirst()
     QMenu menu;
     CxRecentFiles recent(&menu, nullptr);
     QVERIFY(recent.actions().isEmpty());
+    QTemporaryDir const folder;
     for (char const* const name :
-         {"/0.h264", "/1.h264", "/2.h264", "/3.h264", "/4.h264", "/5.h264", "/6.h264", "/3.h264"})
-        recent.add(QLatin1String(name));
+         {"0.h264", "1.h264", "2.h264", "3.h264", "4.h264", "5.h264", "6.h264", "3.h264"}) {
+        QVERIFY(fx_WriteFile(folder.filePath(QLatin1String(name)), QByteArray("any")));
+        recent.add(folder.filePath(QLatin1String(name)));
+    }
     QStringList names;
     for (QAction* const action : recent.actions())
         names.append(action->text());
     QCOMPARE(names, (QStringList{"3.h264", "6.h264", "5.h264", "4.h264", "2.h264", "1.h264"}));
+    QCOMPARE(recent.actions().first()->toolTip(), folder.filePath(QStringLiteral("3.h264")));
+    QVERIFY(QFile::remove(folder.filePath(QStringLiteral("6.h264")))); // the missing are left out
+    QMenu later;
+    QCOMPARE(CxRecentFiles(&later, nullptr).actions()[1]->text(), QStringLiteral("5.h264"));
 }
 
 void tst_RecentFiles::startPageOpensThem()

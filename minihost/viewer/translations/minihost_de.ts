@@ -224,7 +224,7 @@
     </message>
     <message>
         <source>S&amp;napshot</source>
-        <translation>S&amp;chnappschuss</translation>
+        <translation>Sc&amp;hnappschuss</translation>
     </message>
     <message>
         <source>Snapshot Fol&amp;der…</source>
@@ -261,6 +261,22 @@
     <message>
         <source>&amp;Bytes of Each Picture</source>
         <translation>B&amp;ytes je Bild</translation>
+    </message>
+    <message>
+        <source>Ne&amp;xt Recording</source>
+        <translation>&amp;Nächste Aufnahme</translation>
+    </message>
+    <message>
+        <source>Prev&amp;ious Recording</source>
+        <translation>V&amp;orige Aufnahme</translation>
+    </message>
+    <message>
+        <source>Re&amp;load</source>
+        <translation>Neu &amp;laden</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
     </message>
 </context>
 <context>
@@ -311,6 +327,17 @@
     <message>
         <source>PNG picture (*.png)</source>
         <translation>PNG-Bild (*.png)</translation>
+    </message>
+</context>
+<context>
+    <name>CxFolderControl</name>
+    <message>
+        <source>This is the last recording.</source>
+        <translation>Das ist die letzte Aufnahme.</translation>
+    </message>
+    <message>
+        <source>This is the first recording.</source>
+        <translation>Das ist die erste Aufnahme.</translation>
     </message>
 </context>
 <context>
