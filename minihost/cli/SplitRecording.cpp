@@ -40,7 +40,7 @@ QString fx_SplitObstacle(SxRecordArguments const& arguments)
 
 /// All files as one object for programs.
 static QJsonObject fx_AllJson(SxRecordArguments const& arguments, QVector<SxRecordSummary> const& parts,
-                          QVector<QStringList> const& warnings)
+                              QVector<QStringList> const& warnings)
 {
     QJsonArray files;
     int given = 0;

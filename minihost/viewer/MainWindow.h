@@ -2,8 +2,8 @@
 
 #include <QMainWindow>
 
-#include "FullScreenBar.h"
 #include "FolderControl.h"
+#include "FullScreenBar.h"
 #include "LiveControl.h"
 #include "LookControl.h"
 #include "OverviewControl.h"

@@ -16,7 +16,7 @@ struct SxOpenedRecording
     QList<int> keyFrames; ///< ascending
     SxFoundSidecar sidecar;
     QVector<quint32> bytes; ///< of each picture as coded
-    QString codec; ///< with profile and level as far as the stream tells, "H.264 baseline, level 3.1"
+    QString codec;      ///< with profile and level as far as the stream tells, "H.264 baseline, level 3.1"
     SxPictureRate rate; ///< as its sidecar or the stream itself tells it; unknown: fps is assumed
 };
 

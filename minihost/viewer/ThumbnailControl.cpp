@@ -13,7 +13,8 @@ CxThumbnailControl::CxThumbnailControl(CxPlayer& player, QWidget& window)
     , m_picture(new QLabel(&window, Qt::ToolTip))
 {
     m_picture->setObjectName(QStringLiteral("thumbnail"));
-    m_picture->setStyleSheet(QStringLiteral("border: 1px solid white; background: black")); // apart from the picture
+    m_picture->setStyleSheet(
+        QStringLiteral("border: 1px solid white; background: black")); // apart from the picture
     m_picture->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_rest.setSingleShot(true);
     m_rest.setInterval(kRest);
