@@ -20,7 +20,7 @@ private slots:
     void otherNumbersAreWrongUsage();
 
 private:
-    void compareJobs(QStringList const& arguments, int exitCode) const;
+    void compareJobs(QStringList const& arguments, int exitCode, QString const& most = "5") const;
 
     QByteArray m_long; ///< of 480 frames, a key frame every 5
 };
@@ -45,13 +45,13 @@ void tst_VerifyJobs::initTestCase()
     m_long = fx_FileBytes(name);
 }
 
-/// Runs verify with one and with more jobs.
-void tst_VerifyJobs::compareJobs(QStringList const& arguments, int exitCode) const
+/// Runs verify with one and with more jobs, \p most at most: each is a process to start.
+void tst_VerifyJobs::compareJobs(QStringList const& arguments, int exitCode, QString const& most) const
 {
     for (QStringList const& more : {QStringList("--json"), QStringList("--first")}) {
         SxMinihostRun const one = run(QStringList{"verify", "--jobs", "1"} + arguments + more);
         QCOMPARE(one.exitCode, exitCode);
-        for (char const* const jobs : {"2", "16"}) {
+        for (QString const& jobs : {QString("2"), most}) {
             SxMinihostRun const several = run(QStringList{"verify", "--jobs", jobs} + arguments + more);
             QCOMPARE(several.exitCode, exitCode);
             QCOMPARE(several.err, one.err);
@@ -90,7 +90,8 @@ void tst_VerifyJobs::anyNumberOfJobsFindsTheSame()
     QFETCH(QByteArray, bytes);
     QFETCH(int, exitCode);
     QVERIFY(fx_WriteFile(path("long.h264"), bytes));
-    compareJobs({"long.h264"}, exitCode);
+    bool const isAtBothEnds = qstrcmp(QTest::currentDataTag(), "early and late damage") == 0;
+    compareJobs({"long.h264"}, exitCode, isAtBothEnds ? "16" : "5");
 }
 
 void tst_VerifyJobs::anyNumberOfJobsFindsTheSameCrash_data()
@@ -111,13 +112,13 @@ void tst_VerifyJobs::anyNumberOfJobsFindsTheSameCrash()
 void tst_VerifyJobs::hangInALaterShareIsReported()
 {
     QVERIFY(fx_WriteFile(path("c.h264"), QByteArray("frames 600 hang 409").leftJustified(6000, ' ')));
-    QVERIFY(qputenv("MINIHOST_VERIFY_PATIENCE_MS", "1000"));
+    QVERIFY(qputenv("MINIHOST_VERIFY_PATIENCE_MS", "8000"));
     SxMinihostRun const verified = run({"verify", "--jobs", "2", "--plugin-path", DYING_PLUGIN, "c.h264"});
     QVERIFY(qunsetenv("MINIHOST_VERIFY_PATIENCE_MS"));
     QCOMPARE(verified.exitCode, 4);
     QVERIFY2(
         verified.err.contains("frame 409 at byte 4090 (10 bytes) cannot be decoded: the decoder did not come "
-                              "back within 1 s."),
+                              "back within 8 s."),
         verified.err);
 }
 
