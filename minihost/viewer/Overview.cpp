@@ -203,7 +203,7 @@ void CxOverview::mouseMoveEvent(QMouseEvent* event)
     int const number = numberAt(fx_MousePosition(*event).x());
     if ((event->buttons() & Qt::LeftButton) != 0)
         emit chosen(number);
-    QPoint const above = mapToGlobal({event->pos().x(), -2 * fontMetrics().height() - 8});
+    QPoint const above = mapToGlobal(QPoint(event->pos().x(), -2 * fontMetrics().height() - 8));
     QToolTip::showText(above, textOf(number), this);
     emit pointed(event->buttons() == Qt::NoButton ? number : -1, above);
 }

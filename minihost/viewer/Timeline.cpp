@@ -190,7 +190,7 @@ void CxTimeline::mouseMoveEvent(QMouseEvent* event)
     if (number == m_marks.out)
         text = tr("%1 · out mark").arg(text);
     QToolTip::showText(mapToGlobal(event->pos()) + QPoint(0, -2 * height()), text, this);
-    emit pointed(isSliderDown() ? -1 : number, mapToGlobal({event->pos().x(), -2 * height()}));
+    emit pointed(isSliderDown() ? -1 : number, mapToGlobal(QPoint(event->pos().x(), -2 * height())));
     update();
 }
 
