@@ -1,4 +1,5 @@
 #include <QTest>
+#include <cmath>
 
 #include "Levels.h"
 #include "PictureLook.h"
