@@ -71,7 +71,7 @@ bool CxParameterSets::take(QByteArray const& frame)
 
 QByteArray CxParameterSets::beforeStream() const
 {
-    if (!m_isCommon)
+    if (!m_isCommon || m_first.isEmpty())
         return m_first;
     QByteArray all = fx_WithStartCode(m_sps);
     for (QByteArray const& pps : m_pps)

@@ -23,13 +23,12 @@ public:
     /// Takes those of a key frame, of which the beginning is enough. \return false when they make no sense.
     bool take(QByteArray const& frame);
 
-    bool isEmpty() const { return m_sps.isEmpty(); }
-
     /// False when they contradict each other, as where a recording was put together of several: then each
     /// stays with its key frame.
     bool isCommon() const { return m_isCommon; }
 
-    /// With start codes: all of them, or the first key frame's when they are not common.
+    /// With start codes: all of them, or the first key frame's when they are not common. Empty when no key
+    /// frame has both a sequence set and a picture set that names it.
     QByteArray beforeStream() const;
 
     /// The frame with its sets described, and left out when \p withSets is false. What is not a set stays

@@ -61,11 +61,16 @@ private slots:
     void exactPartBeginsWhereAsked();
     void exactPartOfAnotherLevelKeepsItsSetsInTheStream();
     void exactPartNeedsPicturesThatDecode();
+    void exactPartBeforeADamagedKeyFrameIsWritten();
     void onePictureIsEnough();
     void jsonTellsWhatWasWritten();
 
     void missingFrontIsLeftOut();
     void cutOffEndIsLeftOut();
+    void partBeforeTheFirstKeyFrameIsRefused();
+    void recordingWithoutAWholePairOfSetsIsRefused_data();
+    void recordingWithoutAWholePairOfSetsIsRefused();
+    void setsWithoutAPictureKeepItsTime();
     void damagedFramesAreNamed_data();
     void damagedFramesAreNamed();
     void whatIsNoRecordingIsRefused_data();
@@ -570,6 +575,20 @@ void tst_RemuxCommand::exactPartNeedsPicturesThatDecode()
     QVERIFY2(late.err.contains("late.h264: frame 1 belongs to no key frame."), late.err);
 }
 
+/// Nothing says then up to which number its own key frames are to count.
+void tst_RemuxCommand::exactPartBeforeADamagedKeyFrameIsWritten()
+{
+    QByteArray bytes = m_bytes;
+    auto const slice = bytes.indexOf(QByteArray::fromHex("0000000165"), offset(10));
+    bytes[slice + 4] = '\x66'; // a message
+    write("hurt.h264", bytes);
+    SxMinihostRun const cut = run({"remux", "--exact", "--frames", "7-22", "hurt.h264", "o.h264"});
+    QCOMPARE(cut.exitCode, 4);
+    QVERIFY2(cut.err.contains("hurt.h264: damaged at frames 10"), cut.err);
+    QVERIFY2(cut.err.contains("frames 7-22 of the recording, the first 3 coded anew"), cut.err);
+    QVERIFY(QFile::exists(path("o.h264")));
+}
+
 void tst_RemuxCommand::onePictureIsEnough()
 {
     write("one.h264", codedFrames(0, 1));
@@ -619,6 +638,50 @@ void tst_RemuxCommand::cutOffEndIsLeftOut()
     QCOMPARE(nothing.exitCode, 4);
     QCOMPARE(nothing.err, QByteArray("error: start.h264: its only picture is cut off.\n"));
     QVERIFY(!QFile::exists(path("start.mp4")));
+}
+
+void tst_RemuxCommand::partBeforeTheFirstKeyFrameIsRefused()
+{
+    write("late.h264", codedFrames(2, 10));
+    SxMinihostRun const refused = run({"remux", "--frames", "0-2", "late.h264", "o.mp4"});
+    QCOMPARE(refused.exitCode, 4);
+    QCOMPARE(refused.err, QByteArray("error: late.h264: there is no key frame to begin with; 'minihost "
+                                     "verify' says more.\n"));
+    QVERIFY(!QFile::exists(path("o.mp4")));
+}
+
+void tst_RemuxCommand::recordingWithoutAWholePairOfSetsIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    for (char const* name : {"o.mp4", "o.mkv", "o.h264"})
+        QTest::newRow(name) << name;
+}
+
+/// Without a picture set no reader of the output could begin.
+void tst_RemuxCommand::recordingWithoutAWholePairOfSetsIsRefused()
+{
+    QFETCH(QString, name);
+    write("hurt.h264",
+          QByteArray(m_bytes).replace(QByteArray::fromHex("0000000168"), QByteArray::fromHex("0000000166")));
+    SxMinihostRun const refused = run({"remux", "hurt.h264", name});
+    QCOMPARE(refused.exitCode, 4);
+    QCOMPARE(refused.err,
+             QByteArray("error: hurt.h264: its parameter sets are damaged; 'minihost verify' says more.\n"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"hurt.h264"});
+}
+
+void tst_RemuxCommand::setsWithoutAPictureKeepItsTime()
+{
+    QByteArray bytes = m_bytes;
+    auto const slice = bytes.indexOf(QByteArray::fromHex("0000000165"), offset(10));
+    write("hurt.h264", bytes.insert(offset(10), bytes.mid(offset(10), int(slice) - offset(10))));
+    SxMinihostRun const remuxed = run({"remux", "hurt.h264", "hurt.mp4"});
+    QCOMPARE(remuxed.exitCode, 4);
+    QVERIFY2(remuxed.err.contains("hurt.h264: damaged at frames 10,"), remuxed.err);
+    QCOMPARE(fx_DecodedHashes(path("hurt.mp4")), fx_DecodedHashes(m_recording));
+    QStringList const packets = fx_ProbedPackets(path("hurt.mp4"), 30);
+    QCOMPARE(packets.value(9), QString("9 _"));
+    QCOMPARE(packets.value(10), QString("11 K"));
 }
 
 void tst_RemuxCommand::damagedFramesAreNamed_data()

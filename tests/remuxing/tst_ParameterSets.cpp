@@ -11,6 +11,7 @@ class tst_ParameterSets : public QObject
 
 private slots:
     void describedSetIsTheOldOneUpToItsVui();
+    void whatIsNoSequenceSetIsNotDescribed();
     void countedUpIdsMakeOneSequenceSet();
     void picturesStayAsTheyAre();
     void contradictionsStayWithTheirKeyFrames_data();
@@ -84,6 +85,12 @@ void tst_ParameterSets::describedSetIsTheOldOneUpToItsVui()
     QCOMPARE(number(colours + 24, 2), 1U);  // no chroma location; timing
     QCOMPARE(number(colours + 26, 32), 1U); // num_units_in_tick
     QCOMPARE(number(colours + 58, 32), 50U);
+}
+
+void tst_ParameterSets::whatIsNoSequenceSetIsNotDescribed()
+{
+    for (char const* unit : {"", "67", "68ce3c80", "09f0", "0600"}) // sets cut off, a picture's, others
+        QVERIFY2(!fx_DescribeSps(QByteArray::fromHex(unit), {}), unit);
 }
 
 void tst_ParameterSets::countedUpIdsMakeOneSequenceSet()

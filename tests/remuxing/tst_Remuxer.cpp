@@ -1,11 +1,13 @@
 #include <QTemporaryDir>
 #include <QtTest>
+#include <cstring>
 #include <memory>
 
 #include "PluginHost.h"
 #include "PluginMessages.h"
 #include "RecordingReader.h"
 #include "Remuxer.h"
+#include "support/FakeLoader.h"
 
 /// The recording of tests/data handed on within this process, where it can be stopped at a given picture.
 class tst_Remuxer : public QObject
@@ -20,6 +22,8 @@ private slots:
     void stoppedWorkLeavesNoFile();
     void progressCountsPicturesAndBytes();
     void folderWithoutRightsIsNamed();
+    void frameThatCannotBeReadIsNamed_data();
+    void frameThatCannotBeReadIsNamed();
 
 private:
     QString path(QString const& name) const { return m_folder->filePath(name); }
@@ -106,6 +110,58 @@ void tst_Remuxer::folderWithoutRightsIsNamed()
     SxRemuxSummary const summary = fx_Remux(*m_recording, unwritable);
     QCOMPARE(summary.failure, RemuxFailure::Output);
     QCOMPARE(summary.error, unwritable.output + ": No such file or directory.");
+}
+
+/// Key frames are those of the recording; others cannot be read, nor the key frames from one on.
+class CxUnreadableLoader : public CxFakeLoader
+{
+public:
+    CxUnreadableLoader(SxLoaderLog& log, QByteArray key, int firstGone)
+        : CxFakeLoader(log)
+        , m_key(std::move(key))
+        , m_firstGone(firstGone)
+    {}
+    unsigned long frameDataSize(int) override { return static_cast<unsigned long>(m_key.size()); }
+    bool frameData(int frame, void* buffer, unsigned long& size) override
+    {
+        if (frame % 10 != 0 || frame >= m_firstGone)
+            return false;
+        size = static_cast<unsigned long>(m_key.size());
+        std::memcpy(buffer, m_key.constData(), size);
+        return true;
+    }
+
+private:
+    QByteArray m_key;
+    int m_firstGone;
+};
+
+void tst_Remuxer::frameThatCannotBeReadIsNamed_data()
+{
+    QTest::addColumn<int>("firstGone"); // of the key frames
+    QTest::addColumn<int>("frame");
+    QTest::addColumn<int>("written");
+    QTest::newRow("key frame") << 20 << 20 << 0;
+    QTest::newRow("behind a key frame") << 40 << 1 << 1;
+}
+
+void tst_Remuxer::frameThatCannotBeReadIsNamed()
+{
+    QFETCH(int, firstGone);
+    QFETCH(int, frame);
+    QFETCH(int, written);
+    SxLoaderLog log;
+    CxRecordingReader recording(
+        std::make_unique<CxUnreadableLoader>(log, m_recording->codedFrame(0), firstGone));
+    QString error;
+    QVERIFY2(recording.open(TEST_DATA "/camera.h264", error), qPrintable(error));
+    SxRemuxRequest whole = request("o.mp4");
+    whole.last = recording.frameCount() - 1;
+    SxRemuxSummary const summary = fx_Remux(recording, whole);
+    QCOMPARE(summary.failure, RemuxFailure::Input);
+    QCOMPARE(summary.error, QStringLiteral(TEST_DATA "/camera.h264: frame %1 cannot be read.").arg(frame));
+    QCOMPARE(summary.pictures, written);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
 QTEST_GUILESS_MAIN(tst_Remuxer)
