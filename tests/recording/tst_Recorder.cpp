@@ -5,6 +5,7 @@
 #include "ClassRegistry.h"
 #include "CxPlugin.h"
 #include "CxRTTI.h"
+#include "EncoderTrial.h"
 #include "IxImageDataSaver.h"
 #include "IxVideoEncoder.h"
 #include "PictureFormat.h"
@@ -111,6 +112,7 @@ private slots:
     void cleanup();
     void refusedFirstPictureKeepsTheOldFile();
     void trialHasTheSizeThatIsSaved();
+    void encoderThatIsNotThereTakesNoPicture();
     void newFileNeedsNoTrial();
     void secondRecordingToTheSameFileIsRefused();
     void fileThatTheSaverCannotOpenKeepsItsContent();
@@ -193,6 +195,16 @@ void tst_Recorder::trialHasTheSizeThatIsSaved()
     QCOMPARE(s_script.tried, QList<QSize>{QSize(64, 32)});
     QCOMPARE(s_script.sizeAtOpen, qint64{9});
     QCOMPARE(QFile(path()).size(), qint64{21});
+}
+
+void tst_Recorder::encoderThatIsNotThereTakesNoPicture()
+{
+    CxTestCamera camera(cameraOptions());
+    CxOwnedPicture picture;
+    QVERIFY(camera.next(picture.get()) == IxPictureSource::Result::Picture);
+    QVERIFY(fx_EncoderTakes(picture.get()));
+    fx_UnregisterClasses(&m_plugin);
+    QVERIFY(!fx_EncoderTakes(picture.get()));
 }
 
 void tst_Recorder::newFileNeedsNoTrial()
