@@ -88,6 +88,7 @@ void tst_PluginsCommand::pluginThatDoesNotLoadIsToldInOneLine_data()
     QTest::newRow("other host") << QByteArray() << OTHER_PLUGIN
                                 << "the library is a Qt plug-in, but none for this host: its IID is "
                                    "org.example.CxOtherPlugin.";
+    QTest::newRow("no will to work") << QByteArray() << REFUSING_PLUGIN << "the plug-in refused to start.";
     QTest::newRow("missing symbol")
         << QByteArray() << NEEDY_PLUGIN
         << "the plug-in cannot be loaded: it needs CxOtherHost::start(int), which "

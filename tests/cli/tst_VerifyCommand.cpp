@@ -33,6 +33,7 @@ private slots:
     void recordingWithSkippedPicturesIsWhole();
     void crashIsReportedAndTheRestGoesOn();
     void crashThatLaterFramesMeetAgainIsPassedAtAKeyFrame();
+    void workerRefusesInALine();
     void tooManyCrashesEndTheFile();
     void crashWhileOpeningIsReported();
     void hangIsReportedAndTheNextFileGoesOn();
@@ -325,6 +326,19 @@ void tst_VerifyCommand::crashThatLaterFramesMeetAgainIsPassedAtAKeyFrame()
     QCOMPARE(verified.json().value("vanished").toArray(),
              QJsonArray()); // nobody looked, so nothing is missing
     QVERIFY2(!verified.err.contains("warning"), verified.err);
+}
+
+/// The process that decodes for verify says why it cannot begin, and ends as verify is to end.
+void tst_VerifyCommand::workerRefusesInALine()
+{
+    QStringList const whole{"verify", "--worker", "0", "30", "0"};
+    SxMinihostRun const noPlugin = run(whole + QStringList{path("none"), m_recording});
+    QCOMPARE(noPlugin.exitCode, 1);
+    QCOMPARE(noPlugin.out.count('\n'), 1);
+    QVERIFY2(noPlugin.out.startsWith("refused 1 " + path("none").toUtf8() + ": "), noPlugin.out);
+    SxMinihostRun const noFile = run(whole + QStringList{PLUGIN_FILE, "none.h264"});
+    QCOMPARE(noFile.exitCode, 4);
+    QCOMPARE(noFile.out, QByteArray("refused 4 none.h264: there is no such file.\n"));
 }
 
 void tst_VerifyCommand::tooManyCrashesEndTheFile()
