@@ -20,6 +20,7 @@ private slots:
     void cropBeyondThePictureIsAnError_data();
     void cropBeyondThePictureIsAnError();
     void sizeThatFFmpegRefusesIsAnError();
+    void pictureThatMemoryHasNoRoomForIsAnError();
     void sizesMayChangeOnTheWay();
     void turningItselfFollowsTheSource_data();
     void turningItselfFollowsTheSource();
@@ -306,6 +307,29 @@ void tst_FilteredSource::sizeThatFFmpegRefusesIsAnError()
     fx_Change(pair, {3, 8}, QSize(32, 32), changes);
     QCOMPARE(pair.error,
              QString("Picture 0 cannot be brought to 1048576 x 1048576: FFmpeg's filters refuse."));
+}
+
+/// Its pictures say that they are larger than any memory.
+class CxVastSource : public CxNoiseSource
+{
+public:
+    using CxNoiseSource::CxNoiseSource;
+    Result next(SxPicBuf& picture) override
+    {
+        Result const result = CxNoiseSource::next(picture);
+        picture.width = picture.height = 1U << 30;
+        return result;
+    }
+};
+
+void tst_FilteredSource::pictureThatMemoryHasNoRoomForIsAnError()
+{
+    CxFilteredSource source(std::make_unique<CxVastSource>(SxFormat{3, 8}, QVector<QSize>{QSize(20, 16)}),
+                            fx_Turned(180));
+    CxOwnedPicture picture;
+    QVERIFY(source.next(picture.get()) == IxPictureSource::Result::Error);
+    QVERIFY2(source.errorText().startsWith("Picture 0 cannot be brought to "),
+             qPrintable(source.errorText()));
 }
 
 void tst_FilteredSource::sizesMayChangeOnTheWay()

@@ -47,6 +47,7 @@ void tst_PictureSizes::initTestCase()
     QVERIFY(fx_WriteFile(path("odd.pgm"), pgm(65, 49)));
     QVERIFY(fx_WriteFile(path("tall.pgm"), pgm(48, 64)));
     QVERIFY(fx_WriteFile(path("text.pgm"), "Dear diary"));
+    QVERIFY(fx_WriteFile(path("words"), "Dear diary"));
     QVERIFY(fx_WriteFile(path("lying.jpg"), fx_TurnedJpeg(48, 64, 6)));
     QVERIFY(fx_WriteFile(path("upright.jpg"), fx_TurnedJpeg(64, 48, 1)));
     QVERIFY(fx_WriteVideo(path("video.avi"), "avi", AV_CODEC_ID_MPEG4, 5)); // 64 x 48
@@ -82,7 +83,7 @@ void tst_PictureSizes::sizesThatDifferAreNamed_data()
     row("a part that one does not have", {"a.pgm", "tall.pgm"}, part,
         "tall.pgm is 48 x 64; 50 x 40 from column 8 and row 8 on are not within it.");
     row("odd, made even", {"a.pgm", "odd.pgm"}, even, "");
-    row("unreadable ones do not count", {"text.pgm", "a.pgm", "missing.pgm", "b.pgm"}, none, "");
+    row("unreadable ones do not count", {"text.pgm", "a.pgm", "missing.pgm", "words", "b.pgm"}, none, "");
     row("before the part", {"tall.pgm", "a.pgm", "b.pgm"}, none, "", 1);
     row("behind the part", {"a.pgm", "b.pgm", "tall.pgm"}, none, "", 0, 2);
     row("left out ones take no number", {"a.pgm", "text.pgm", "tall.pgm"}, none, tall, 0, 2);
