@@ -10,17 +10,51 @@ static QKeySequence fx_Ctrl(Qt::Key key) { return {int(Qt::CTRL) | int(key)}; }
 static QKeySequence fx_CtrlShift(Qt::Key key) { return {int(Qt::CTRL) | int(Qt::SHIFT) | int(key)}; }
 static QKeySequence fx_Shift(Qt::Key key) { return {int(Qt::SHIFT) | int(key)}; }
 
+static char const* const kReason = "reason"; // property: why an action is greyed
+
+/// Name and key, and the reason while it cannot be used; as they are now.
+static void fx_UpdateTip(QAction* action)
+{
+    QString tip = action->text();
+    tip.remove(QLatin1Char('&'));
+    if (!action->shortcut().isEmpty())
+        tip += QStringLiteral(" (%1)").arg(action->shortcut().toString(QKeySequence::NativeText));
+    QString const reason = action->property(kReason).toString();
+    if (!action->isEnabled() && !reason.isEmpty())
+        tip += QStringLiteral(" – ") + reason;
+    action->setToolTip(tip); // tells nobody when it is the same
+}
+
 QAction* CxActions::add(char const* objectName, QString const& text, QList<QKeySequence> const& shortcuts)
 {
     auto* const action = new QAction(text, this);
     action->setObjectName(QLatin1String(objectName));
     action->setShortcuts(shortcuts);
-    QString tip = text;
-    tip.remove(QLatin1Char('&'));
-    if (!shortcuts.isEmpty())
-        tip += QStringLiteral(" (%1)").arg(shortcuts.first().toString(QKeySequence::NativeText));
-    action->setToolTip(tip);
+    fx_UpdateTip(action);
+    connect(action, &QAction::changed, action, [action] { fx_UpdateTip(action); });
     return action;
+}
+
+/// What each needs, said while it is greyed.
+void CxActions::addReasons()
+{
+    auto const add = [](QList<QAction*> const& actions, QString const& reason) {
+        for (QAction* const action : actions) {
+            action->setProperty(kReason, reason);
+            fx_UpdateTip(action);
+        }
+    };
+    add({play,  playBackwards, previousPicture, nextPicture,  previousKeyFrame, nextKeyFrame,
+         first, last,          back1,           forward1,     back10,           forward10,
+         goTo,  loop,          setRate,         slower,       faster,           normalSpeed,
+         setIn, setOut,        nextFile,        previousFile, reload,           verify},
+        tr("needs an open recording that is not being saved"));
+    add({goToIn, goToOut, clearMarks}, tr("needs a part that is marked"));
+    add({previousBroken, nextBroken}, tr("needs a picture found broken, by playing or verifying"));
+    add({savePicture, snapshot, copy, fit, actualSize, zoomIn, zoomOut}, tr("needs a picture"));
+    add({record}, tr("needs an open recording or camera, and no other recording under way"));
+    add({closeFile}, tr("needs something open, and no recording under way"));
+    add({open, openCamera, openSource}, tr("waits for the end of the recording under way"));
 }
 
 CxActions::CxActions(QObject* parent)
@@ -74,6 +108,7 @@ CxActions::CxActions(QObject* parent)
     , keys(add("keys", tr("&Keys"), {Qt::Key_F1}))
     , about(add("about", tr("&About and Licences")))
 {
+    addReasons();
     loop->setCheckable(true);
     fullScreen->setCheckable(true);
     for (double const speed : {0.0625, 0.125, 0.25, 0.5, 1.0, 2.0, 4.0, 8.0, 16.0}) {
@@ -90,7 +125,6 @@ void CxActions::fill(QMenuBar* bar)
     QMenu* const file = bar->addMenu(tr("&File"));
     file->addAction(open);
     recentMenu = file->addMenu(tr("Open R&ecent"));
-    recentMenu->setToolTipsVisible(true); // the folders
     file->addActions({nextFile, previousFile, reload, closeFile});
     file->addSeparator();
     file->addActions({openCamera, openSource});
@@ -126,6 +160,8 @@ void CxActions::fill(QMenuBar* bar)
     view->addAction(fullScreen);
 
     bar->addMenu(tr("&Help"))->addActions({keys, about});
+    for (QMenu* const menu : bar->findChildren<QMenu*>())
+        menu->setToolTipsVisible(true); // for the reasons, and the folders of recent files
 }
 
 void CxActions::updateIcons(QPalette const& palette)

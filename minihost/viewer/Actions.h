@@ -76,6 +76,8 @@ public:
     QAction* about;
 
 private:
+    void addReasons();
+
     QIcon m_playIcon;
     QIcon m_pauseIcon;
     bool m_isPlaying = false;

@@ -10,6 +10,8 @@ class tst_Actions : public QObject
 
 private slots:
     void noKeyHasTwoActions();
+    void tipFollowsItsAction();
+    void greyedActionsSayWhy();
 };
 
 void tst_Actions::noKeyHasTwoActions()
@@ -23,6 +25,28 @@ void tst_Actions::noKeyHasTwoActions()
         }
     }
     QVERIFY(seen.size() > 20);
+}
+
+void tst_Actions::tipFollowsItsAction()
+{
+    CxActions actions(nullptr);
+    QCOMPARE(actions.play->toolTip(), QStringLiteral("Play (Space)"));
+    actions.showPlaying(true);
+    QCOMPARE(actions.play->toolTip(), QStringLiteral("Pause (Space)"));
+}
+
+void tst_Actions::greyedActionsSayWhy()
+{
+    CxActions const actions(nullptr);
+    for (QAction* const action : actions.findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly)) {
+        QString const name = action->objectName();
+        if (QStringList{"quit", "keys", "about", "fullScreen", "snapshotFolder"}.contains(name))
+            continue; // never greyed
+        action->setEnabled(false);
+        QVERIFY2(action->toolTip().contains(QStringLiteral(" – ")), qPrintable(name));
+        action->setEnabled(true);
+        QVERIFY2(!action->toolTip().contains(QStringLiteral(" – ")), qPrintable(name));
+    }
 }
 
 QTEST_MAIN(tst_Actions)

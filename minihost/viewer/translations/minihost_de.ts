@@ -278,6 +278,34 @@
         <source>&amp;Close</source>
         <translation>S&amp;chließen</translation>
     </message>
+    <message>
+        <source>needs an open recording that is not being saved</source>
+        <translation>braucht eine offene Aufnahme, die nicht gerade gespeichert wird</translation>
+    </message>
+    <message>
+        <source>needs a part that is marked</source>
+        <translation>braucht einen markierten Teil</translation>
+    </message>
+    <message>
+        <source>needs a picture found broken, by playing or verifying</source>
+        <translation>braucht ein Bild, das beim Wiedergeben oder Prüfen als kaputt gefunden wurde</translation>
+    </message>
+    <message>
+        <source>needs a picture</source>
+        <translation>braucht ein Bild</translation>
+    </message>
+    <message>
+        <source>needs an open recording or camera, and no other recording under way</source>
+        <translation>braucht eine offene Aufnahme oder Kamera, und keine andere laufende Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>needs something open, and no recording under way</source>
+        <translation>braucht etwas Offenes, und keine laufende Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>waits for the end of the recording under way</source>
+        <translation>wartet auf das Ende der laufenden Aufzeichnung</translation>
+    </message>
 </context>
 <context>
     <name>CxBrokenList</name>
