@@ -1,5 +1,6 @@
 #include <QTest>
 
+#include "CxPicBufAPI.h"
 #include "PictureFormat.h"
 #include "RecordingSource.h"
 #include "support/FakeLoader.h"
@@ -17,6 +18,7 @@ private slots:
     void givesOnWhatTheSidecarNotes();
     void endsAtBrokenPicture();
     void leavesOutBrokenPictures();
+    void pictureThatMemoryHasNoRoomForIsTold();
     void recordingThatIsNotThereIsTold();
 
 private:
@@ -86,6 +88,34 @@ void tst_RecordingSource::leavesOutBrokenPictures()
     }
     QCOMPARE(source.next(picture.get()), IxPictureSource::Result::End);
     QCOMPARE(source.broken(), QVector<int>{13});
+}
+
+/// Its pictures say that they are larger than any memory.
+class CxVastLoader : public CxFakeLoader
+{
+public:
+    using CxFakeLoader::CxFakeLoader;
+    IxChainData* loadedData(int) override
+    {
+        SxPicBuf picture;
+        if (!CxPicBufAPI::AllocPicBufFromHeap(picture, fx_PackedFormat(4, 4, 4, 8), false, 0))
+            return nullptr;
+        picture.width = picture.height = 1U << 30;
+        auto* const data = new CxImageData;
+        data->setPicBuf(picture);
+        return data;
+    }
+};
+
+void tst_RecordingSource::pictureThatMemoryHasNoRoomForIsTold()
+{
+    SxLoaderLog log;
+    CxRecordingSource source(std::make_unique<CxRecordingReader>(std::make_unique<CxVastLoader>(log)),
+                             m_recording, 12, 20);
+    CxOwnedPicture picture;
+    QCOMPARE(source.next(picture.get()), IxPictureSource::Result::Error);
+    QCOMPARE(source.errorText(),
+             QString("There is not enough memory for a picture of 1073741824 x 1073741824."));
 }
 
 void tst_RecordingSource::recordingThatIsNotThereIsTold()
