@@ -46,7 +46,8 @@ void CxLevelsPanel::buildControls(QAction* markClipping)
     reset->setToolTip(tr("Shows the picture as it is"));
     auto* const clipping = new QCheckBox(markClipping->text(), this);
     clipping->setObjectName(QStringLiteral("markClippingBox"));
-    clipping->setToolTip(markClipping->toolTip());
+    clipping->setToolTip(
+        tr("Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail"));
 
     auto* const form = new QFormLayout;
     form->addRow(tr("&Black:"), m_black);

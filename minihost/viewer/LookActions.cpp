@@ -19,8 +19,6 @@ CxLookActions::CxLookActions(CxActions& actions)
     for (QAction* const action : {levels, markClipping, measure, info, overview, mirror, pixelShape})
         action->setCheckable(true);
     pixelShape->setChecked(true);
-    markClipping->setToolTip(CxActions::tr(
-        "Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail"));
 }
 
 void CxLookActions::fill(QMenu* view)

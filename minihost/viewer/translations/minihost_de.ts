@@ -203,10 +203,6 @@
         <translation>Ausgefressene &amp;Pixel markieren</translation>
     </message>
     <message>
-        <source>Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail</source>
-        <translation>Streifen über Pixeln am oberen Ende der Skala (rot) und bei 0 (blau), wo das Bild keine Zeichnung mehr hat</translation>
-    </message>
-    <message>
         <source>Verif&amp;y Recording</source>
         <translation>Aufnahme &amp;prüfen</translation>
     </message>
@@ -482,6 +478,10 @@
 </context>
 <context>
     <name>CxLevelsPanel</name>
+    <message>
+        <source>Stripes over pixels at full scale (red) and at 0 (blue), where the picture has lost detail</source>
+        <translation>Streifen über Pixeln am oberen Ende der Skala (rot) und bei 0 (blau), wo das Bild keine Zeichnung mehr hat</translation>
+    </message>
     <message>
         <source>Histogram</source>
         <translation>Histogramm</translation>
