@@ -62,7 +62,7 @@ QString fx_ContainerObstacle(QString const& output)
 {
     if (!fx_ContainerKindOf(output))
         return QString();
-    QString const obstacle = fx_ObstacleToIndex(output);
+    QString obstacle = fx_ObstacleToIndex(output);
     if (!obstacle.isEmpty())
         return obstacle;
     if (fx_IsBeingRecorded(fx_RawFileOf(output)))

@@ -103,7 +103,7 @@ QString fx_OutputObstacle(SxRecordArguments const& arguments)
     if (output == QLatin1String(kStandardOutputName))
         return QString();
     bool const isSplit = arguments.isSplit();
-    QString const splitObstacle = isSplit ? fx_SplitObstacle(arguments) : QString();
+    QString splitObstacle = isSplit ? fx_SplitObstacle(arguments) : QString();
     if (!splitObstacle.isEmpty())
         return splitObstacle;
     QFileInfo const info(isSplit ? fx_NumberedRecording(output, 1) : output);

@@ -11,7 +11,7 @@ void fx_PaintMarks(QPainter& painter, QRectF const& part, SxMarks const& marks, 
     QColor band = palette.color(QPalette::Highlight);
     band.setAlphaF(0.3F);
     painter.fillRect(part, band);
-    QColor const line = palette.color(QPalette::WindowText);
+    QColor const& line = palette.color(QPalette::WindowText);
     auto const paintBracket = [&](double x, double foot) {
         painter.fillRect(QRectF(x - kLine / 2.0, part.top(), kLine, part.height()), line);
         for (double const y : {part.top(), part.bottom() - kLine})

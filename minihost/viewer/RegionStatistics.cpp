@@ -31,6 +31,7 @@ std::vector<SxSampleStatistics> fx_RegionStatistics(SxShownPicture const& pictur
 {
     std::vector<SxSampleStatistics> statistics;
     SxHistogram const histogram = fx_Histogram(picture, region);
+    statistics.reserve(static_cast<size_t>(histogram.components));
     for (int c = 0; c < histogram.components; ++c)
         statistics.push_back(fx_Statistics(histogram.counts[static_cast<size_t>(c)]));
     return statistics;

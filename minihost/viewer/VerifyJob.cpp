@@ -67,7 +67,7 @@ static SxVerifyResult fx_Result(QJsonObject const& json)
 {
     SxVerifyResult result;
     result.details.append(json.value(QStringLiteral("error")).toString());
-    for (QJsonValue const& warning : json.value(QStringLiteral("warnings")).toArray())
+    for (QJsonValue const warning : json.value(QStringLiteral("warnings")).toArray())
         result.details.append(warning.toString());
     result.details.removeAll(QString());
     if (!json.contains(QStringLiteral("frames"))) {
@@ -75,13 +75,13 @@ static SxVerifyResult fx_Result(QJsonObject const& json)
         return result;
     }
     result.pictures = json.value(QStringLiteral("frames")).toInt();
-    for (QJsonValue const& value : json.value(QStringLiteral("damage")).toArray()) {
+    for (QJsonValue const value : json.value(QStringLiteral("damage")).toArray()) {
         QJsonObject const range = value.toObject();
         result.broken.append({range.value(QStringLiteral("frame")).toInt(),
                               range.value(QStringLiteral("lastFrame")).toInt(),
                               range.value(QStringLiteral("cause")).toString()});
     }
-    for (QJsonValue const& value : json.value(QStringLiteral("vanished")).toArray()) {
+    for (QJsonValue const value : json.value(QStringLiteral("vanished")).toArray()) {
         QJsonObject const place = value.toObject();
         if (!place.value(QStringLiteral("certain")).toBool())
             continue;
