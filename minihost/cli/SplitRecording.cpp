@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QRegularExpression>
+#include <algorithm>
 
 #include "Console.h"
 #include "ContainerWriter.h"
@@ -13,29 +14,39 @@
 #include "RecordWatcher.h"
 #include "SameFile.h"
 
-/// The first file that the recording would write to; empty when there is none.
-static QString fx_ExistingPart(QString const& output)
+/// What there is under names that the recording would write to, in order.
+static QFileInfoList fx_ExistingParts(QString const& output)
 {
     QFileInfo const info(output);
     QRegularExpression const part(QStringLiteral("^%1_\\d{3,9}\\.%2$")
                                       .arg(QRegularExpression::escape(info.completeBaseName()),
                                            QRegularExpression::escape(info.suffix())));
-    QStringList const found =
-        info.absoluteDir().entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name).filter(part);
-    return found.isEmpty() ? QString() : QFileInfo(output).dir().filePath(found.first());
+    QFileInfoList found = info.dir().entryInfoList(
+        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    found.erase(
+        std::remove_if(found.begin(), found.end(),
+                       [&part](QFileInfo const& entry) { return !part.match(entry.fileName()).hasMatch(); }),
+        found.end());
+    return found;
 }
 
 QString fx_SplitObstacle(SxRecordArguments const& arguments)
 {
-    QString const& output = arguments.request.outputFile;
-    for (QString const& source : arguments.sources) {
-        if (fx_IsSameFile(source, fx_NumberedRecording(output, 1)))
-            return QStringLiteral("%1: the recording would replace its own source.").arg(source);
+    for (QFileInfo const& existing : fx_ExistingParts(arguments.request.outputFile)) {
+        QString const name = existing.filePath();
+        // In hours, when its turn comes, nobody may be there to read it.
+        if (existing.exists() && !existing.isFile())
+            return QStringLiteral(
+                       "%1: this is no regular file, and a part of the recording would get its name.")
+                .arg(name);
+        for (QString const& source : arguments.sources) {
+            if (fx_IsSameFile(source, name))
+                return QStringLiteral("%1: the recording would replace its own source.").arg(source);
+        }
+        if (!arguments.overwrite)
+            return QStringLiteral("%1: the file exists; --overwrite replaces such files.").arg(name);
     }
-    QString const existing = arguments.overwrite ? QString() : fx_ExistingPart(output);
-    return existing.isEmpty()
-               ? QString()
-               : QStringLiteral("%1: the file exists; --overwrite replaces such files.").arg(existing);
+    return QString();
 }
 
 /// All files as one object for programs.

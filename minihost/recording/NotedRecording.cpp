@@ -1,6 +1,7 @@
 #include "NotedRecording.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include "IxPictureSource.h"
 #include "SameFile.h"
@@ -19,7 +20,9 @@ static SxSidecar fx_SidecarOf(SxRecordRequest const& request, SxRecordSummary co
     SxSidecar sidecar;
     sidecar.rate = summary.rate;
     sidecar.rotation = summary.rotation;
-    sidecar.source = request.sourceName;
+    // Recordings are handed on with their notes: who may open the camera stays here.
+    static QRegularExpression const credentials(QStringLiteral("://[^/@\\s]*@"));
+    sidecar.source = QString(request.sourceName).replace(credentials, QStringLiteral("://"));
     sidecar.options = {
         {QStringLiteral("quality"), encoder.quality},
         {QStringLiteral("keyframe-rate"), encoder.keyFrameInterval},

@@ -1,6 +1,7 @@
 #include "RecordingOutput.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
@@ -53,9 +54,10 @@ bool CxRecordingOutput::openFile(QString& error)
     m_saverFile = m_fileName;
     for (;;) {
         m_out = ::open(name.constData(), O_WRONLY | O_CLOEXEC);
-        m_isNew = m_out < 0 && errno == ENOENT;
-        if (m_isNew)
+        bool const isMissing = m_out < 0 && errno == ENOENT;
+        if (isMissing)
             m_out = ::open(name.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+        m_isNew = isMissing && m_out >= 0 && !QFileInfo(m_fileName).isSymLink();
         if (m_out < 0) {
             error = QStringLiteral("%1: %2.").arg(m_fileName, qt_error_string(errno));
             return false;

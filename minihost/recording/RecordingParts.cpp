@@ -20,6 +20,8 @@ void CxSourceInParts::beginPart()
 {
     m_inPart = 0;
     m_isFull = false;
+    m_meter = CxRateMeter();
+    m_meter.beginInput(SxPictureRate(), true);
 }
 
 void CxSourceInParts::noteBytes(qint64 bytes)
@@ -60,7 +62,16 @@ IxPictureSource::Result CxSourceInParts::next(SxPicBuf& picture)
     if (m_inPart++ == 0)
         m_begin = picture.timestamp;
     picture.timestamp -= m_begin;
+    m_meter.add(picture.timestamp);
     return Result::Picture;
+}
+
+SxPictureRate CxSourceInParts::rate() const
+{
+    SxPictureRate const whole = m_source.rate();
+    SxPictureRate const own =
+        whole.isAverage ? m_meter.rate() : SxPictureRate(); // gaps elsewhere are no part of it
+    return own.isKnown() ? own : whole;
 }
 
 SxMissingPictures CxSourceInParts::missing() const

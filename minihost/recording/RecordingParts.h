@@ -2,6 +2,7 @@
 
 #include "IxPictureSource.h"
 #include "PictureFormat.h"
+#include "RateMeter.h"
 #include "Recorder.h"
 
 /// What ends one file of a recording and begins the next: that much of the source's time, or that many bytes.
@@ -32,7 +33,7 @@ public:
     bool hasEnd() const override { return m_source.hasEnd(); }
     bool isLive() const override { return m_source.isLive(); }
     SxMissingPictures missing() const override; ///< those between two parts belong to the first
-    SxPictureRate rate() const override { return m_source.rate(); }
+    SxPictureRate rate() const override;        ///< an average is that of the part
     int rotation() const override { return m_source.rotation(); }
     SxPixelShape pixelShape() const override { return m_source.pixelShape(); }
     QSize wholeSize() const override { return m_source.wholeSize(); }
@@ -51,6 +52,7 @@ private:
     bool m_isFirst = true;     ///< of all
     bool m_isFull = false;
     int m_inPart = 0;      ///< pictures
+    CxRateMeter m_meter;   ///< of these
     quint64 m_begin = 0;   ///< microseconds at which the part begins
     quint64 m_nextEnd = 0; ///< microseconds
 };

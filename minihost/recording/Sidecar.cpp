@@ -122,7 +122,8 @@ QString fx_Parse(QJsonObject const& json, SxSidecar& sidecar)
         sidecar.rate = *read;
         sidecar.rate.isAverage = json.value(QStringLiteral("rateIsAverage")).toBool();
     }
-    sidecar.rotation = json.value(QStringLiteral("rotation")).toInt();
+    sidecar.rotation =
+        json.value(QStringLiteral("rotation")).toInt(json.contains(QStringLiteral("rotation")) ? -1 : 0);
     if (sidecar.rotation < 0 || sidecar.rotation > 270 || sidecar.rotation % 90 != 0)
         return QStringLiteral("%1 degrees are no rotation").arg(sidecar.rotation);
     sidecar.pictures = json.value(QStringLiteral("pictures")).toInt(-1);

@@ -1,4 +1,5 @@
 #include <QJsonArray>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -19,6 +20,8 @@ private slots:
     void eachFileHasItsSidecar();
     void framesCountOverAllFiles();
     void existingFilesNeedOverwrite();
+    void whatStandsInALaterFilesWayIsFoundBeforeTheFirst_data();
+    void whatStandsInALaterFilesWayIsFoundBeforeTheFirst();
     void interruptEndsTheLastFile();
     void whatDoesNotGoTogetherIsWrongUsage_data();
     void whatDoesNotGoTogetherIsWrongUsage();
@@ -135,6 +138,33 @@ void tst_SplitRecording::existingFilesNeedOverwrite()
     SxMinihostRun const run = record(arguments + QStringList{"--overwrite", path("x.h264")});
     QVERIFY2(run.exitCode == 0, run.err);
     QVERIFY(QFileInfo(path("x_002.h264")).size() > 3);
+}
+
+void tst_SplitRecording::whatStandsInALaterFilesWayIsFoundBeforeTheFirst_data()
+{
+    QTest::addColumn<QString>("making");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("folder") << "mkdir x_002.h264"
+                            << "this is no regular file";
+    QTest::newRow("pipe") << "mkfifo x_002.h264"
+                          << "this is no regular file";
+    QTest::newRow("source") << "ln in.pgm x_002.h264"
+                            << "the recording would replace its own source.";
+}
+
+void tst_SplitRecording::whatStandsInALaterFilesWayIsFoundBeforeTheFirst()
+{
+    QFETCH(QString, making);
+    QFETCH(QString, sentence);
+    QVERIFY(fx_WriteFile(path("in.pgm"), fx_PnmFile(64, 48, 1, 255, QByteArray(64 * 48, 'a'))));
+    QProcess shell;
+    shell.setWorkingDirectory(m_folder->path());
+    shell.start("sh", {"-c", making});
+    QVERIFY(shell.waitForFinished() && shell.exitCode() == 0);
+    SxMinihostRun const run = record({"--split", "1s", "--overwrite", path("in.pgm"), path("x.h264")});
+    QCOMPARE(run.exitCode, 5);
+    QVERIFY2(run.err.contains(sentence.toUtf8()), run.err);
+    QVERIFY(!QFile::exists(path("x_001.h264")));
 }
 
 void tst_SplitRecording::interruptEndsTheLastFile()

@@ -18,6 +18,7 @@ private slots:
     void init();
 
     void newFileGoesAgainWhileNothingIsInIt();
+    void linkToNothingStays();
     void fileIsHeldAgainstAnother();
     void whatStandsInTheWayIsNamed();
     void endOfAFileCanBeTakenBack();
@@ -56,6 +57,18 @@ void tst_RecordingOutput::newFileGoesAgainWhileNothingIsInIt()
             QVERIFY(fx_WriteFile(output.saverFile(), "bytes"));
     }
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), (QStringList{"old", "used"}));
+}
+
+void tst_RecordingOutput::linkToNothingStays()
+{
+    QVERIFY(QFile::link(path("no folder/file"), path("link"))); // as to a disk that is not mounted
+    {
+        CxRecordingOutput output;
+        QString error;
+        QVERIFY(!output.open(path("link"), nullptr, error));
+        QVERIFY(!error.isEmpty());
+    }
+    QVERIFY(QFileInfo(path("link")).isSymLink());
 }
 
 void tst_RecordingOutput::fileIsHeldAgainstAnother()

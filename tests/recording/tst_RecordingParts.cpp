@@ -20,6 +20,7 @@ public:
     QString errorText() const override { return {}; }
     int expectedPictures() const override { return static_cast<int>(m_times.size()); }
     SxMissingPictures missing() const override { return {m_asked, 0}; }
+    SxPictureRate rate() const override { return {5, 1, true}; } // of all
     bool knowsSignificantBits() const override { return true; }
     QStringList takeWarnings() override { return {}; }
     bool isDamaged() const override { return false; }
@@ -39,6 +40,7 @@ private slots:
     void partsEndByTheTimeSinceTheFirstPicture_data();
     void partsEndByTheTimeSinceTheFirstPicture();
     void bytesEndAPartBeforeTheNextPicture();
+    void averageIsThatOfThePart();
     void lossesBetweenPartsBelongToTheFirst();
 };
 
@@ -97,6 +99,22 @@ void tst_RecordingParts::bytesEndAPartBeforeTheNextPicture()
     inParts.noteBytes(1000);
     QVERIFY(inParts.next(picture.get()) == IxPictureSource::Result::End);
     QVERIFY(!inParts.hasMore()); // nothing follows, so there is no empty file
+}
+
+void tst_RecordingParts::averageIsThatOfThePart()
+{
+    // A gap in the first second, then 25 pictures a second.
+    CxTimedSource source({0, 800000, 1000000, 1040000, 1080000, 1120000, 2000000});
+    CxSourceInParts parts(source, {1000000, 0});
+    CxOwnedPicture picture;
+    QVector<double> rates;
+    for (int part = 0; part < 3; ++part) {
+        parts.beginPart();
+        while (parts.next(picture.get()) == IxPictureSource::Result::Picture) {
+        }
+        rates.append(parts.rate().perSecond());
+    }
+    QCOMPARE(rates, (QVector<double>{1.25, 25, 5})); // one picture alone has none of its own
 }
 
 void tst_RecordingParts::lossesBetweenPartsBelongToTheFirst()

@@ -152,6 +152,7 @@ void tst_Sidecar::whatCannotBeUsedIsIgnoredWithItsCause_data()
     QTest::newRow("skipped that is a list")
         << "skipped" << QJsonValue(QJsonArray()) << "its skipped is no text";
     QTest::newRow("rotation") << "rotation" << QJsonValue(45) << "45 degrees are no rotation";
+    QTest::newRow("beyond any number") << "rotation" << QJsonValue(1e300) << "-1 degrees are no rotation";
     QTest::newRow("full turn") << "rotation" << QJsonValue(360) << "360 degrees are no rotation";
     QString const pictures("the pictures in it do not add up");
     QTest::newRow("pictures") << "pictures" << QJsonValue(-1) << pictures;
