@@ -85,5 +85,5 @@ void tst_NotedRate::fileOfOthersIsLeftAlone()
     QCOMPARE(fx_FileBytes(fx_SidecarName(m_recording)), QByteArray("{\"mine\": true}"));
 }
 
-QTEST_MAIN(tst_NotedRate)
+QTEST_GUILESS_MAIN(tst_NotedRate)
 #include "tst_NotedRate.moc"

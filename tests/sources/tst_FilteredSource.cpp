@@ -19,7 +19,6 @@ private slots:
     void oddSidesLoseTheirLastColumnAndRow();
     void cropBeyondThePictureIsAnError_data();
     void cropBeyondThePictureIsAnError();
-    void sizeThatFFmpegRefusesIsAnError();
     void pictureThatMemoryHasNoRoomForIsAnError();
     void sizesMayChangeOnTheWay();
     void turningItselfFollowsTheSource_data();
@@ -297,16 +296,6 @@ void tst_FilteredSource::cropBeyondThePictureIsAnError()
     QVERIFY2(
         pair.error.startsWith(rotation == 0 ? "Picture 0 is 21 x 17;" : "Picture 0 is 17 x 21 when turned;"),
         qPrintable(pair.error));
-}
-
-void tst_FilteredSource::sizeThatFFmpegRefusesIsAnError()
-{
-    SxPictureChanges changes;
-    changes.scale = QSize(1 << 20, 1 << 20);
-    SxPair pair;
-    fx_Change(pair, {3, 8}, QSize(32, 32), changes);
-    QCOMPARE(pair.error,
-             QString("Picture 0 cannot be brought to 1048576 x 1048576: FFmpeg's filters refuse."));
 }
 
 /// Its pictures say that they are larger than any memory.

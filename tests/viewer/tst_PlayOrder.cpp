@@ -89,5 +89,5 @@ void tst_PlayOrder::longStridesMeetBothEnds()
     QCOMPARE(m_order.after(0), -1);
 }
 
-QTEST_MAIN(tst_PlayOrder)
+QTEST_GUILESS_MAIN(tst_PlayOrder)
 #include "tst_PlayOrder.moc"

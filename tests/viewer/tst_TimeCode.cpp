@@ -66,5 +66,5 @@ void tst_TimeCode::timesBetweenPicturesBelongToTheOneBefore()
     QVERIFY(fx_PictureAt(40000000000, 1000.0) >= 1000000000);
 }
 
-QTEST_MAIN(tst_TimeCode)
+QTEST_GUILESS_MAIN(tst_TimeCode)
 #include "tst_TimeCode.moc"
